@@ -1,0 +1,72 @@
+# Makes the two payload archives. Leaves their paths in kwaArchiveA and kwaArchiveB.
+
+if(KWA_PAYLOAD_DIR)
+  set(payloadDir ${KWA_PAYLOAD_DIR})
+elseif(KWA_PAYLOAD STREQUAL "sample")
+  set(payloadDir ${CMAKE_BINARY_DIR}/payload)
+else()
+  set(payloadDir ${CMAKE_SOURCE_DIR}/payload)
+endif()
+# A payload folder may bring its own list of contents.
+set(kwaContents ${CMAKE_SOURCE_DIR}/payload/contents.json)
+if(EXISTS ${payloadDir}/contents.json)
+  set(kwaContents ${payloadDir}/contents.json)
+endif()
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${kwaContents})
+
+set(payloadStamp)
+if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
+  # The sample's Windows programs, for both machines.
+  add_subdirectory(tools/sample/programs)
+  set(x64Dir ${CMAKE_BINARY_DIR}/programs-x64)
+  ExternalProject_Add(sample_programs_x64
+    SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools/sample/programs
+    BINARY_DIR ${x64Dir}
+    CMAKE_GENERATOR ${CMAKE_GENERATOR}
+    CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DKWA_WERROR=${KWA_WERROR}
+      -DCMAKE_TOOLCHAIN_FILE=${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw-x86_64.cmake
+    INSTALL_COMMAND ""
+    BUILD_ALWAYS TRUE
+    BUILD_BYPRODUCTS ${x64Dir}/standin.exe ${x64Dir}/driver.sys ${x64Dir}/asio.dll)
+  set(payloadStamp ${CMAKE_BINARY_DIR}/payload.stamp)
+  add_custom_command(
+    OUTPUT ${payloadStamp}
+    COMMAND ${kwaSampleTool} --contents ${kwaContents} --programs-x86 ${CMAKE_BINARY_DIR}/programs-x86
+      --programs-x64 ${x64Dir} ${payloadDir}
+    COMMAND ${CMAKE_COMMAND} -E touch ${payloadStamp}
+    DEPENDS ${kwaSampleTool} ${kwaContents} standin settings driver asio mixer
+      ${x64Dir}/standin.exe ${x64Dir}/driver.sys ${x64Dir}/asio.dll
+    COMMENT "Making the sample payload"
+    VERBATIM)
+else()
+  # Better here than as a failing build: the person who configures is the one who lacks the files.
+  file(READ ${kwaContents} contents)
+  string(JSON last LENGTH ${contents} files)
+  math(EXPR last "${last} - 1")
+  set(missing "")
+  foreach(i RANGE ${last})
+    string(JSON archive GET ${contents} files ${i} archive)
+    string(JSON name GET ${contents} files ${i} name)
+    string(TOLOWER ${archive} folder)
+    if(NOT EXISTS ${payloadDir}/${folder}/${name})
+      string(APPEND missing "\n  ${folder}/${name}")
+    endif()
+  endforeach()
+  if(missing)
+    message(FATAL_ERROR "The payload in ${payloadDir} lacks:${missing}")
+  endif()
+endif()
+
+foreach(archive A B)
+  string(TOLOWER ${archive} folder)
+  set(kwaArchive${archive} ${CMAKE_BINARY_DIR}/archive_${folder}.kwap)
+  # The folder stands for added and removed files, the depfile for changed ones.
+  add_custom_command(
+    OUTPUT ${kwaArchive${archive}}
+    COMMAND ${kwaPayloadTool} pack ${payloadDir}/${folder} ${kwaArchive${archive}}
+      --contents ${kwaContents} --archive ${archive} --depfile ${kwaArchive${archive}}.d
+    DEPENDS ${kwaPayloadTool} ${kwaContents} ${payloadStamp} ${payloadDir}/${folder}
+    DEPFILE ${kwaArchive${archive}}.d
+    COMMENT "Packing archive ${archive}"
+    VERBATIM)
+endforeach()

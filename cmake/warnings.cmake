@@ -1,0 +1,25 @@
+# Compiler settings that every project of this tree shares.
+option(KWA_WERROR "Treat compiler warnings as errors" OFF)
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wall> $<$<COMPILE_LANGUAGE:CXX>:-Wextra>
+  $<$<COMPILE_LANGUAGE:CXX>:-Wshadow> $<$<COMPILE_LANGUAGE:CXX>:-Wconversion>)
+if(KWA_WERROR)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Werror>)
+endif()
+
+# No path of the build machine may reach a binary: builds of the same files in different folders are identical.
+cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH kwaRoot)
+add_compile_options(
+  "$<$<COMPILE_LANGUAGE:CXX,ASM>:-ffile-prefix-map=${kwaRoot}=.>"
+  "$<$<COMPILE_LANGUAGE:CXX,ASM>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=build>")
+
+if(WIN32)
+  # MinGW's own printf family calls fputc once per character; msvcrt's is the platform's.
+  add_compile_definitions(_WIN32_WINNT=0x0501 WINVER=0x0501 __USE_MINGW_ANSI_STDIO=0)
+  add_link_options(-static -Wl,--no-insert-timestamp)
+endif()

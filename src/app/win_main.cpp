@@ -1,0 +1,66 @@
+// The driver installer: unpacks the maker's driver package and DPInst, which this executable carries, into a folder of
+// its own, configures DPInst, runs it and cleans up. One straight pass on one thread, with no window, no command line
+// and no message: what the user sees is DPInst's wizard. Whenever the run returns, the exit status is 0.
+//
+// Linker flags worth knowing (see CMakeLists.txt): the page-sized file alignment lets the loader map the payload
+// instead of copying it; the subsystem version 4.0 lets Windows 2000 and XP start the program.
+
+#include <windows.h>
+
+#include "app/dpinst_process.h"
+#include "app/folder_tree.h"
+#include "app/windows_bitness.h"
+#include "archive/extract_archive.h"
+#include "dpinst/dpinst_config.h"
+#include "dpinst/package_identity.h"
+#include "support/bounded_text.h"
+
+#include <cstdlib>
+
+namespace kwa {
+namespace {
+
+void IgnoreFileStart(const ArchiveEntry* /*entry*/, std::uint32_t /*size*/) {}
+
+int Install() {
+  // The zeros behind the path are needed: DeleteFolderTree hands the buffer to the shell as a list of paths.
+  char workFolder[kTextCapacity] = {};
+  char workPath[kTextCapacity] = {};
+  DriverPackageIdentity identity = {};
+  strcpy_s(identity.version, kTextCapacity, "");
+  strcpy_s(identity.displayName, kTextCapacity, "");
+  strcpy_s(workFolder, kTextCapacity, "");
+
+  AppendPath(workFolder, std::getenv("TEMP"));
+  strcat_s(workFolder, kTextCapacity, "\\kwa");
+  DeleteFolderTree(workFolder);
+  CreateDirectoryA(workFolder, nullptr);
+
+  const ExtractionCallbacks callbacks = {IgnoreFileStart, nullptr};
+  strcpy_s(workPath, kTextCapacity, "");
+  strcat_s(workPath, kTextCapacity, workFolder);
+  strcat_s(workPath, kTextCapacity, "\\");
+  if (ExtractArchive(workPath, &callbacks, 0) != ArchiveOk) {
+    return 0;
+  }
+  if (ExtractArchive(workPath, &callbacks, 1) != ArchiveOk) {
+    return 0;
+  }
+
+  ReadPackageIdentity(workPath, identity.version, identity.displayName);
+  WriteDpinstConfig(workPath, identity.version, identity.displayName);
+
+  strcat_s(workPath, kTextCapacity, Is64BitWindows() != 0 ? "dpinst64.exe" : "dpinst.exe");
+  if (!RunDpinst(workPath)) {
+    return 0;
+  }
+  DeleteFolderTree(workFolder);
+  return 0;
+}
+
+}  // namespace
+}  // namespace kwa
+
+int WINAPI WinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPSTR /*commandLine*/, int /*showCommand*/) {
+  return kwa::Install();
+}

@@ -1,0 +1,76 @@
+#include "dpinst/device_families.h"
+
+#include <cstring>
+#include <iterator>
+
+namespace kwa {
+namespace {
+
+const char* const kOspreyNetRows[] = {"Osprey Q1"};
+
+const char* const kMadiRows[] = {"Osprey Q2", "Osprey Q3", "Tern K4 (Update Mode)"};
+
+const char* const kUsbRows[] = {"Marlin R1", "Marlin R2", "Kestrel", "Marlin R3", "Marlin R4"};
+
+const char* const kMarlinRows[] = {"Marlin T1", "Marlin T2", "Marlin R2", "Marlin R3", "Marlin R4"};
+
+const char* const kVireoeQxRows[] = {"Vireoe Z9", "Osprey Q2"};
+
+// Two series on two lines; each series stands in brackets of its own.
+const char* const kVireoRows[] = {
+    "Vireo Series (G-16",  "J1", "7101",   "7102", "Plover", "Dunlin", "Gannet)",
+    "\nVireoe Series (Y2", "J1", "Osprey", "Y3",   "Petrel", "Y4",     "Y5)",
+};
+const char* const kVireoGermanRows[] = {
+    "Vireo Serie (G-16",  "J1", "7101",   "7102", "Plover", "Dunlin", "Gannet)",
+    "\nVireoe Serie (Y2", "J1", "Osprey", "Y3",   "Petrel", "Y4",     "Y5)",
+};
+static_assert(std::size(kVireoRows) == std::size(kVireoGermanRows));
+
+template <unsigned N>
+constexpr DeviceFamily Family(const char* key, const char* const (&rows)[N], const char* const (&germanRows)[N]) {
+  return {key, rows, germanRows, N};
+}
+
+template <unsigned N>
+constexpr DeviceFamily Family(const char* key, const char* const (&rows)[N]) {
+  return Family(key, rows, rows);
+}
+
+// The order decides for names that hold several keys: "Marlin USB" is of the USB family, "Vireoe QX" not of the Vireo
+// family although it holds that key, too.
+constexpr DeviceFamily kFamilies[] = {
+    Family("OspreyNET", kOspreyNetRows),
+    Family("MADI", kMadiRows),
+    Family("USB", kUsbRows),
+    Family("Marlin", kMarlinRows),
+    Family("Vireoe QX", kVireoeQxRows),
+    Family("Vireo", kVireoRows, kVireoGermanRows),
+};
+
+}  // namespace
+
+const DeviceFamily* FindDeviceFamily(const char* displayName) {
+  for (const DeviceFamily& family : kFamilies) {
+    if (std::strstr(displayName, family.key) != nullptr) {
+      return &family;
+    }
+  }
+  return nullptr;
+}
+
+void WriteDeviceList(std::FILE* stream, const char* displayName, const char* driverVersion, int german) {
+  if (const DeviceFamily* const family = FindDeviceFamily(displayName)) {
+    const char* const* const rows = german != 0 ? family->germanRows : family->rows;
+    for (unsigned i = 0; i < family->rowCount; ++i) {
+      std::fprintf(stream, "%s", rows[i]);
+      if (i + 1 < family->rowCount) {
+        std::fprintf(stream, ", ");
+      }
+    }
+  }
+  std::fprintf(stream, "\n\n");
+  std::fprintf(stream, "%s\n", driverVersion);
+}
+
+}  // namespace kwa

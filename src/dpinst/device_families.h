@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdio>
+
+namespace kwa {
+
+// A product family and the devices that the wizard's welcome page names for it.
+struct DeviceFamily {
+  const char* key;                // looked for in the package's display name, case-sensitive
+  const char* const* rows;        // device names, rowCount of them; a leading line feed starts a new line
+  const char* const* germanRows;  // the same in German; equal to rows where the names are the same
+  unsigned rowCount;
+};
+
+// The first family, in the fixed order of keys, whose key stands in displayName, or null.
+const DeviceFamily* FindDeviceFamily(const char* displayName);
+
+// Writes the family's device names, a blank line and the version line to a text stream. A display name without a known
+// key gets no names; the two line ends and the version are written all the same.
+//
+// displayName, driverVersion  zero-terminated 8-bit text, written as it stands, with no escaping for XML
+// german                      nonzero selects the German names
+//
+// Write errors are not noticed.
+void WriteDeviceList(std::FILE* stream, const char* displayName, const char* driverVersion, int german);
+
+}  // namespace kwa

@@ -1,0 +1,29 @@
+#include "dpinst/package_identity.h"
+
+#include <windows.h>
+
+namespace kwa {
+
+std::uint32_t ReadPackageIdentity(const char* workFolder, char* version, char* displayName) {
+  char path[kTextCapacity] = {};
+  strcpy_s(path, kTextCapacity, "");
+  AppendPath(path, workFolder);
+  strcat_s(path, kTextCapacity, "*.inf");
+
+  // Zeroed, so that a search without a match leaves an empty name: both keys are then read from the folder's own path,
+  // which is no file, and come back empty.
+  WIN32_FIND_DATAA found = {};
+  const HANDLE search = FindFirstFileA(path, &found);
+  if (search == nullptr) {
+    return 0;
+  }
+  strcpy_s(path, kTextCapacity, "");
+  AppendPath(path, workFolder);
+  strcat_s(path, kTextCapacity, found.cFileName);
+  const DWORD length = GetPrivateProfileStringA("Version", "DriverVer", "", version, kTextCapacity, path);
+  GetPrivateProfileStringA("Version", "DriverPackageDisplayName", "", displayName, kTextCapacity, path);
+  FindClose(search);
+  return length;
+}
+
+}  // namespace kwa

@@ -1,0 +1,64 @@
+#include "support/bounded_text.h"
+
+#include <windows.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace kwa {
+namespace {
+
+int FailInvalidParameter(int error) {
+  errno = error;
+  OutputDebugStringA("Invalid parameter passed to C runtime function.\n");
+  return error;
+}
+
+int FailEmptied(char* destination, int error) {
+  destination[0] = '\0';
+  return FailInvalidParameter(error);
+}
+
+// Copies source behind the first `length` bytes of destination; length is less than capacity.
+int CopyBehind(char* destination, std::size_t length, std::size_t capacity, const char* source) {
+  for (std::size_t i = length; i < capacity; ++i) {
+    destination[i] = source[i - length];
+    if (destination[i] == '\0') {
+      return 0;
+    }
+  }
+  return FailEmptied(destination, ERANGE);
+}
+
+}  // namespace
+
+int strcpy_s(char* destination, std::size_t capacity, const char* source) {
+  if (destination == nullptr || capacity == 0) {
+    return FailInvalidParameter(EINVAL);
+  }
+  if (source == nullptr) {
+    return FailEmptied(destination, EINVAL);
+  }
+  return CopyBehind(destination, 0, capacity, source);
+}
+
+int strcat_s(char* destination, std::size_t capacity, const char* source) {
+  if (destination == nullptr || capacity == 0) {
+    return FailInvalidParameter(EINVAL);
+  }
+  if (source == nullptr) {
+    return FailEmptied(destination, EINVAL);
+  }
+  const void* const terminator = std::memchr(destination, '\0', capacity);
+  if (terminator == nullptr) {
+    return FailEmptied(destination, EINVAL);
+  }
+  const std::size_t length = static_cast<std::size_t>(static_cast<const char*>(terminator) - destination);
+  return CopyBehind(destination, length, capacity, source);
+}
+
+void AppendPath(char* destination, const char* source) {
+  strcat_s(destination, kTextCapacity, source);
+}
+
+}  // namespace kwa
