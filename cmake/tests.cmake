@@ -1,0 +1,26 @@
+# The tests, as projects of their own: the Windows ones want the compiler's thread variant that GoogleTest needs, the
+# host ones the build machine's compiler with sanitizers. One ctest in this build folder runs them all.
+enable_testing()
+
+ExternalProject_Add(windows_tests
+  SOURCE_DIR ${CMAKE_SOURCE_DIR}/tests
+  BINARY_DIR ${CMAKE_BINARY_DIR}/tests
+  CMAKE_GENERATOR ${CMAKE_GENERATOR}
+  CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DKWA_WERROR=${KWA_WERROR}
+    -DCMAKE_TOOLCHAIN_FILE=${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw-i686.cmake -DKWA_THREADS=posix
+    -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_PAYLOAD_DIR=${payloadDir}
+    -DKWA_WINE_DIR=${CMAKE_BINARY_DIR}/wine
+  INSTALL_COMMAND ""
+  BUILD_ALWAYS TRUE)
+
+ExternalProject_Add(host_tests
+  SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools
+  BINARY_DIR ${CMAKE_BINARY_DIR}/host-tests
+  CMAKE_GENERATOR ${CMAKE_GENERATOR}
+  CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DKWA_WERROR=${KWA_WERROR} -DKWA_SANITIZE=ON -DKWA_TESTS=ON
+  INSTALL_COMMAND ""
+  BUILD_ALWAYS TRUE)
+
+file(WRITE ${CMAKE_BINARY_DIR}/sub_tests.cmake
+  "subdirs(\"${CMAKE_BINARY_DIR}/tests\" \"${CMAKE_BINARY_DIR}/host-tests\")\n")
+set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/sub_tests.cmake)

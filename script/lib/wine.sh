@@ -1,0 +1,78 @@
+# shellcheck shell=bash
+# Wine prefixes for the scripts: sourced, not run. The caller sets -e.
+#
+#   wine_make FOLDER null|shown     makes FOLDER/win64, FOLDER/win32 and FOLDER/winxp, each once
+#   wine_start FOLDER               starts their servers, which then stay until the script ends
+#
+# "null" shows no window and needs no display; "shown" is for pictures and for people, and needs DISPLAY.
+
+export WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
+
+# Wine's programs pass their output on to servers that outlive them: a reader of that output would wait for those.
+wine_quiet() { "$@" </dev/null >/dev/null 2>&1; }
+
+# wine_make_one PREFIX ARCH null|shown: a prefix that is complete carries its stamp, an interrupted one is made anew.
+wine_make_one() {
+  local prefix=$1 arch=$2 graphics=$3
+  local stamp="$prefix/.complete-$graphics"
+  [ ! -e "$stamp" ] || return 0
+  printf 'wine: making the prefix %s\n' "${prefix##*/}"
+  WINEPREFIX=$prefix wine_quiet wineserver -k || true
+  rm -rf "$prefix"
+  mkdir -p "${prefix%/*}"
+  export WINEPREFIX=$prefix
+  if [ "${prefix##*/}" = winxp ]; then
+    # Windows XP is 32-bit Windows with another version number.
+    WINEPREFIX=${prefix%/*}/win32 wine_quiet wineserver -w
+    cp -a "${prefix%/*}/win32" "$prefix"
+    rm -f "$prefix"/.complete-*
+    wine_quiet winecfg -v winxp
+  else
+    # No display, or a prefix that is made where there is one would open a window.
+    DISPLAY='' WINEARCH=$arch wine_quiet wineboot -i
+    if [ "$graphics" = null ]; then
+      wine_quiet wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
+    fi
+  fi
+  # The registry is on disk only when the server has ended.
+  wine_quiet wineserver -w
+  unset WINEPREFIX
+  : >"$stamp"
+}
+
+wine_make() {
+  local folder=$1 graphics=$2
+  # One script at a time: the end of one would end the other's servers. Held until the script ends.
+  mkdir -p "$folder"
+  exec {wine_lock}>"$folder/lock"
+  if ! flock -n "$wine_lock"; then
+    printf 'wine: waiting for another script that uses %s\n' "$folder"
+    flock "$wine_lock"
+  fi
+  wine_make_one "$folder/win64" win64 "$graphics"
+  wine_make_one "$folder/win32" win32 "$graphics"
+  wine_make_one "$folder/winxp" win32 "$graphics"
+}
+
+wine_servers=()
+
+wine_start() {
+  local prefix
+  trap wine_stop EXIT
+  trap 'exit 130' INT TERM
+  for prefix in "$1"/win64 "$1"/win32 "$1"/winxp; do
+    wine_servers+=("$prefix")
+    # Fails when the server of a script that was killed still runs; that one serves as well.
+    WINEPREFIX=$prefix wine_quiet wineserver -p {wine_lock}>&- || true
+    # Also the processes that Wine starts with its first program, so that no test has to wait for them.
+    WINEPREFIX=$prefix wine_quiet wine cmd /c exit {wine_lock}>&-
+  done
+}
+
+wine_stop() {
+  local prefix
+  for prefix in "${wine_servers[@]}"; do
+    WINEPREFIX=$prefix wine_quiet wineserver -k || true
+  done
+  wine_servers=()
+}
