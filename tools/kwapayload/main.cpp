@@ -1,0 +1,56 @@
+// kwapayload: packs payload archives and looks into built installers, on the build machine.
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "pack_command.h"
+#include "tool_failure.h"
+
+namespace {
+
+constexpr int kExitFailure = 1;
+constexpr int kExitMisuse = 2;
+
+int Run(int argc, char** argv) {
+  CLI::App app("Packs payload archives and looks into built installers.", "kwapayload");
+  app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 in order, 1 findings or failure, 2 misuse.\n'kwapayload COMMAND --help' shows an example.");
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' tells the usage\n";
+  });
+  kwa::AddPackCommand(app);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? EXIT_SUCCESS : kExitMisuse;
+  }
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+#ifdef SIGXFSZ
+  // A file larger than the user's limit is then a failed write, reported and cleaned up like any other.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
+  int status = kExitFailure;
+  try {
+    status = Run(argc, argv);
+  } catch (const kwa::ToolFailure& failure) {
+    for (const kwa::Fault& fault : failure.Faults()) {
+      std::cerr << "kwapayload: " << fault.file << ": " << fault.what << '\n';
+    }
+  } catch (const std::exception& error) {
+    std::cerr << "kwapayload: " << error.what() << '\n';
+  }
+  if (!std::cout.flush()) {
+    std::cerr << "kwapayload: standard output: cannot be written\n";
+    status = kExitFailure;
+  }
+  return status;
+}
