@@ -19,7 +19,10 @@ add_compile_options(
   "$<$<COMPILE_LANGUAGE:CXX,ASM>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=build>")
 
 if(WIN32)
-  # MinGW's own printf family calls fputc once per character; msvcrt's is the platform's.
-  add_compile_definitions(_WIN32_WINNT=0x0501 WINVER=0x0501 __USE_MINGW_ANSI_STDIO=0)
+  add_compile_definitions(_WIN32_WINNT=0x0501 WINVER=0x0501)
+  # The platform's printf family: MinGW's own calls fputc once per character and takes 29 KB. libstdc++'s headers switch
+  # to MinGW's whatever the command line says, so <stdio.h> has to come before them.
+  add_compile_definitions(__USE_MINGW_ANSI_STDIO=0)
+  add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:SHELL:-include stdio.h>")
   add_link_options(-static -Wl,--no-insert-timestamp)
 endif()
