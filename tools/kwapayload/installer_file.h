@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "archive_reader.h"
+#include "byte_span.h"
+#include "finding.h"
+#include "pe_image.h"
+
+namespace kwa {
+
+// An archive with its place in an installer.
+struct LocatedArchive {
+  std::string letter;        // "A" or "B"; "-" for a file that is a single archive
+  std::uint64_t fileOffset;  // of its first byte, in the file
+  ParsedArchive archive;
+};
+
+// What FILE of a command turned out to be: an installer, signed or not, or a single archive. Everything in it points
+// into the bytes that it was read from.
+struct InstallerFile {
+  std::optional<PeImage> image;  // nothing for a single archive
+  std::vector<LocatedArchive> archives;
+  // What is wrong as a whole: an executable that is truncated, or that does not hold exactly two archives. The findings
+  // of each archive are kept there.
+  std::vector<Finding> findings;
+};
+
+// Reads an installer or archive as far as it goes. Throws ToolFailure, naming `path`, when the bytes are neither.
+InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& path);
+
+// As above, for commands that need a sound file: throws ToolFailure with every error found.
+InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path& path);
+
+// The package's INF: of the files whose names end in ".inf" without regard to case, the first by upper-case name, as
+// the file system lists them. Null when there is none.
+const ArchiveItem* FindInf(const InstallerFile& installer);
+
+}  // namespace kwa
