@@ -15,7 +15,7 @@ void AwaitAndClose(const PROCESS_INFORMATION& process) {
   if (WaitForSingleObject(process.hProcess, INFINITE) != WAIT_OBJECT_0) {
     ReportLastError();
   }
-  DWORD exitCode;  // DPInst has told its user; nobody reads this one
+  DWORD exitCode = 0;  // DPInst has told its user; nobody reads this one
   if (GetExitCodeProcess(process.hProcess, &exitCode) == 0) {
     ReportLastError();
   }

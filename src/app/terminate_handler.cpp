@@ -5,7 +5,7 @@
 // its work; where a library should stop asking for it, only the size changes.
 namespace __gnu_cxx {
 
-void __verbose_terminate_handler() {  // NOLINT(bugprone-reserved-identifier): the library's own name
+void __verbose_terminate_handler() {  // NOLINT(*-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the library's name
   std::abort();
 }
 

@@ -53,7 +53,7 @@ int strcat_s(char* destination, std::size_t capacity, const char* source) {
   if (terminator == nullptr) {
     return FailEmptied(destination, EINVAL);
   }
-  const std::size_t length = static_cast<std::size_t>(static_cast<const char*>(terminator) - destination);
+  const auto length = static_cast<std::size_t>(static_cast<const char*>(terminator) - destination);
   return CopyBehind(destination, length, capacity, source);
 }
 
