@@ -14,10 +14,21 @@ if(EXISTS ${payloadDir}/contents.json)
 endif()
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${kwaContents})
 
-set(payloadStamp)
+set(payloadFiles)
+file(READ ${kwaContents} contents)
+string(JSON last LENGTH ${contents} files)
+math(EXPR last "${last} - 1")
+foreach(i RANGE ${last})
+  string(JSON archive GET ${contents} files ${i} archive)
+  string(JSON name GET ${contents} files ${i} name)
+  string(TOLOWER ${archive} folder)
+  list(APPEND payloadFiles ${payloadDir}/${folder}/${name})
+endforeach()
+
+set(generatedFiles)
 if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
   # The sample's Windows programs, for both machines.
-  add_subdirectory(tools/sample/programs)
+  add_subdirectory(tools/sample/programs programs-x86)
   set(x64Dir ${CMAKE_BINARY_DIR}/programs-x64)
   ExternalProject_Add(sample_programs_x64
     SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools/sample/programs
@@ -28,28 +39,24 @@ if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
     INSTALL_COMMAND ""
     BUILD_ALWAYS TRUE
     BUILD_BYPRODUCTS ${x64Dir}/standin.exe ${x64Dir}/driver.sys ${x64Dir}/asio.dll)
-  set(payloadStamp ${CMAKE_BINARY_DIR}/payload.stamp)
+  # The folders stand below as what the archives depend on: they must exist before the first build.
+  file(MAKE_DIRECTORY ${payloadDir}/a ${payloadDir}/b)
+  set(generatedFiles ${payloadFiles})
   add_custom_command(
-    OUTPUT ${payloadStamp}
+    OUTPUT ${generatedFiles}
     COMMAND ${kwaSampleTool} --contents ${kwaContents} --programs-x86 ${CMAKE_BINARY_DIR}/programs-x86
       --programs-x64 ${x64Dir} ${payloadDir}
-    COMMAND ${CMAKE_COMMAND} -E touch ${payloadStamp}
     DEPENDS ${kwaSampleTool} ${kwaContents} standin settings driver asio mixer
       ${x64Dir}/standin.exe ${x64Dir}/driver.sys ${x64Dir}/asio.dll
     COMMENT "Making the sample payload"
     VERBATIM)
 else()
   # Better here than as a failing build: the person who configures is the one who lacks the files.
-  file(READ ${kwaContents} contents)
-  string(JSON last LENGTH ${contents} files)
-  math(EXPR last "${last} - 1")
   set(missing "")
-  foreach(i RANGE ${last})
-    string(JSON archive GET ${contents} files ${i} archive)
-    string(JSON name GET ${contents} files ${i} name)
-    string(TOLOWER ${archive} folder)
-    if(NOT EXISTS ${payloadDir}/${folder}/${name})
-      string(APPEND missing "\n  ${folder}/${name}")
+  foreach(file ${payloadFiles})
+    if(NOT EXISTS ${file})
+      cmake_path(RELATIVE_PATH file BASE_DIRECTORY ${payloadDir})
+      string(APPEND missing "\n  ${file}")
     endif()
   endforeach()
   if(missing)
@@ -65,7 +72,7 @@ foreach(archive A B)
     OUTPUT ${kwaArchive${archive}}
     COMMAND ${kwaPayloadTool} pack ${payloadDir}/${folder} ${kwaArchive${archive}}
       --contents ${kwaContents} --archive ${archive} --depfile ${kwaArchive${archive}}.d
-    DEPENDS ${kwaPayloadTool} ${kwaContents} ${payloadStamp} ${payloadDir}/${folder}
+    DEPENDS ${kwaPayloadTool} ${kwaContents} ${generatedFiles} ${payloadDir}/${folder}
     DEPFILE ${kwaArchive${archive}}.d
     COMMENT "Packing archive ${archive}"
     VERBATIM)

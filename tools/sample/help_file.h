@@ -1,0 +1,13 @@
+// The mixer's help file.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace kwa {
+
+// A compiled HTML help file in German: its header, a directory of one chunk and uncompressed pages, filled up to size
+// bytes. Throws std::runtime_error when size is too small.
+std::string MakeHelpFile(std::size_t size);
+
+}  // namespace kwa

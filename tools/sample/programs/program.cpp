@@ -1,0 +1,6 @@
+// Stands for the settings program and for the mixer: a Windows program that ends at once.
+#include <windows.h>
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  return 0;
+}
