@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 
 #include "byte_span.h"
@@ -18,6 +19,22 @@ class MappedFile {
 
   // Valid as long as this object.
   ByteSpan Bytes() const { return bytes; }
+
+  // Gives back the memory of a part of Bytes() that has been dealt with. Bytes() stays as it is: what is looked at
+  // again is read again.
+  void Forget(ByteSpan part) const;
+
+  // Calls visit with consecutive pieces of a part of Bytes() and forgets each behind it, so that a part of any size
+  // takes little memory.
+  template <typename Visit>
+  void ForEachPiece(ByteSpan part, Visit visit) const {
+    constexpr std::size_t kPieceSize = 4 * 1024 * 1024;
+    for (std::size_t offset = 0; offset < part.Size(); offset += kPieceSize) {
+      const ByteSpan piece = part.Part(offset, kPieceSize);
+      visit(piece);
+      Forget(piece);
+    }
+  }
 
  private:
   ByteSpan bytes;

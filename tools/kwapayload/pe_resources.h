@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
-#include <string>
 #include <vector>
 
 #include "pe_image.h"
@@ -25,16 +23,5 @@ std::vector<PeResource> ReadResources(const PeImage& image);
 
 // The bytes of the first resource of a type, or an empty span.
 ByteSpan FirstResource(const std::vector<PeResource>& resources, std::uint32_t type);
-
-// The version record that Explorer shows.
-struct VersionRecord {
-  std::string fileVersion;     // "1.0.0.0", from the fixed part
-  std::string productVersion;  // likewise
-  // Texts of the first language, by key: "FileDescription", … Characters beyond ASCII in UTF-8.
-  std::map<std::string, std::string> texts;
-};
-
-// Reads a version resource. Returns false when it is none.
-bool ReadVersionRecord(ByteSpan resource, VersionRecord* record);
 
 }  // namespace kwa
