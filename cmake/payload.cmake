@@ -25,7 +25,6 @@ foreach(i RANGE ${last})
   list(APPEND payloadFiles ${payloadDir}/${folder}/${name})
 endforeach()
 
-set(generatedFiles)
 if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
   # The sample's Windows programs, for both machines.
   add_subdirectory(tools/sample/programs programs-x86)
@@ -41,9 +40,8 @@ if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
     BUILD_BYPRODUCTS ${x64Dir}/standin.exe ${x64Dir}/driver.sys ${x64Dir}/asio.dll)
   # The folders stand below as what the archives depend on: they must exist before the first build.
   file(MAKE_DIRECTORY ${payloadDir}/a ${payloadDir}/b)
-  set(generatedFiles ${payloadFiles})
   add_custom_command(
-    OUTPUT ${generatedFiles}
+    OUTPUT ${payloadFiles}
     COMMAND ${kwaSampleTool} --contents ${kwaContents} --programs-x86 ${CMAKE_BINARY_DIR}/programs-x86
       --programs-x64 ${x64Dir} ${payloadDir}
     DEPENDS ${kwaSampleTool} ${kwaContents} standin settings driver asio mixer
@@ -67,6 +65,11 @@ endif()
 foreach(archive A B)
   string(TOLOWER ${archive} folder)
   set(kwaArchive${archive} ${CMAKE_BINARY_DIR}/archive_${folder}.kwap)
+  set(generatedFiles)
+  if(TARGET sample_programs_x64)
+    set(generatedFiles ${payloadFiles})
+    list(FILTER generatedFiles INCLUDE REGEX "/${folder}/[^/]*$")
+  endif()
   # The folder stands for added and removed files, the depfile for changed ones.
   add_custom_command(
     OUTPUT ${kwaArchive${archive}}
