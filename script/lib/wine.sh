@@ -37,7 +37,15 @@ wine_make_one() {
   # The registry is on disk only when the server has ended.
   wine_quiet wineserver -w
   unset WINEPREFIX
+  wine_fonts "$prefix"
   : >"$stamp"
+}
+
+# wine_fonts PREFIX: Debian's Wine does not look where Debian's fonts-wine puts its fonts, and shows dialogs in whatever
+# the machine has instead. It does look into the Windows folder.
+wine_fonts() {
+  local fonts=/usr/share/wine/fonts
+  [ ! -d "$fonts" ] || ln -sf "$fonts"/*.ttf "$fonts"/*.fon "$1/drive_c/windows/Fonts/"
 }
 
 wine_make() {
