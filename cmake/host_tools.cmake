@@ -9,6 +9,13 @@ if(CMAKE_HOST_WIN32)
   string(APPEND kwaSampleTool .exe)
 endif()
 
+# A ready tool saves most of a release's build time.
+set(KWA_PAYLOAD_TOOL "" CACHE FILEPATH "kwapayload for a release; empty: the build makes its own")
+if(KWA_PAYLOAD_TOOL AND KWA_PAYLOAD STREQUAL "release")
+  set(kwaPayloadTool ${KWA_PAYLOAD_TOOL})
+  return()
+endif()
+
 ExternalProject_Add(host_tools
   SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools
   BINARY_DIR ${CMAKE_BINARY_DIR}/host
