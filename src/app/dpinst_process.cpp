@@ -33,6 +33,8 @@ bool RunDpinst(const char* programPath) {
   if (commandLine == nullptr) {
     return false;
   }
+  // The block has exactly the size that is needed.
+  // cppcheck-suppress ignoredReturnValue
   StringCchCopyA(commandLine, size, programPath);
 
   PROCESS_INFORMATION process = {};
