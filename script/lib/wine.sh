@@ -11,11 +11,14 @@ export WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
 # Wine's programs pass their output on to servers that outlive them: a reader of that output would wait for those.
 wine_quiet() { "$@" </dev/null >/dev/null 2>&1; }
 
-# wine_make_one PREFIX ARCH null|shown: a prefix that is complete carries its stamp, an interrupted one is made anew.
+# wine_make_one PREFIX ARCH null|shown: a complete prefix carries the stamp of its recipe; any other is made anew.
 wine_make_one() {
   local prefix=$1 arch=$2 graphics=$3
-  local stamp="$prefix/.complete-$graphics"
-  [ ! -e "$stamp" ] || return 0
+  local stamp
+  stamp="$(wine --version) $graphics $(cksum <"${BASH_SOURCE[0]}")"
+  if [ "$(cat "$prefix/stamp" 2>/dev/null)" = "$stamp" ]; then
+    return 0
+  fi
   printf 'wine: making the prefix %s\n' "${prefix##*/}"
   WINEPREFIX=$prefix wine_quiet wineserver -k || true
   rm -rf "$prefix"
@@ -23,13 +26,14 @@ wine_make_one() {
   export WINEPREFIX=$prefix
   if [ "${prefix##*/}" = winxp ]; then
     # Windows XP is 32-bit Windows with another version number.
-    WINEPREFIX=${prefix%/*}/win32 wine_quiet wineserver -w
     cp -a "${prefix%/*}/win32" "$prefix"
-    rm -f "$prefix"/.complete-*
+    rm "$prefix/stamp"
     wine_quiet winecfg -v winxp
   else
     # No display, or a prefix that is made where there is one would open a window.
     DISPLAY='' WINEARCH=$arch wine_quiet wineboot -i
+    # A program that crashes shall end, not wait for somebody to press a button.
+    wine_quiet wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
     if [ "$graphics" = null ]; then
       wine_quiet wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
     fi
@@ -38,7 +42,7 @@ wine_make_one() {
   wine_quiet wineserver -w
   unset WINEPREFIX
   wine_fonts "$prefix"
-  : >"$stamp"
+  printf '%s\n' "$stamp" >"$prefix/stamp"
 }
 
 # wine_fonts PREFIX: Debian's Wine does not look where Debian's fonts-wine puts its fonts, and shows dialogs in whatever
@@ -72,8 +76,9 @@ wine_start() {
     wine_servers+=("$prefix")
     # Fails when the server of a script that was killed still runs; that one serves as well.
     WINEPREFIX=$prefix wine_quiet wineserver -p {wine_lock}>&- || true
-    # Also the processes that Wine starts with its first program, so that no test has to wait for them.
-    WINEPREFIX=$prefix wine_quiet wine cmd /c exit {wine_lock}>&-
+    # Also the processes that Wine starts with its first program and its first window: the reader of a test's output
+    # would have to wait for those that the test started.
+    WINEPREFIX=$prefix wine_quiet wine start /wait cmd /c exit {wine_lock}>&-
   done
 }
 
