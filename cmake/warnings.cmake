@@ -12,11 +12,12 @@ if(KWA_WERROR)
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Werror>)
 endif()
 
-# No path of the build machine may reach a binary: builds of the same files in different folders are identical.
+# No path of the build machine may reach a binary, and no date: builds of the same files are identical.
 cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH kwaRoot)
 add_compile_options(
   "$<$<COMPILE_LANGUAGE:CXX,ASM>:-ffile-prefix-map=${kwaRoot}=.>"
-  "$<$<COMPILE_LANGUAGE:CXX,ASM>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=build>")
+  "$<$<COMPILE_LANGUAGE:CXX,ASM>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=build>"
+  "$<$<COMPILE_LANGUAGE:CXX>:-Werror=date-time>")
 
 if(WIN32)
   add_compile_definitions(_WIN32_WINNT=0x0501 WINVER=0x0501)
