@@ -50,12 +50,11 @@ constexpr Colour kWhite = {1, 1, 1};
 constexpr Colour kCyan = {0.36, 0.86, 1.0};
 constexpr Colour kAzure = {0.13, 0.47, 0.93};
 
-// Deep blue, lightest behind the waveform's middle.
+// Deep blue, lightest in the middle. Both ends have one colour: the wizard's page is 9 pixels taller than the picture,
+// and the platform continues it in the colour of its first pixel.
 Colour Background(Point p) {
-  const Colour top = {0.03, 0.10, 0.27};
-  const Colour bottom = {0.01, 0.04, 0.14};
-  const double glow = std::exp(-std::pow((p.x - 25.5) / 30, 2) - std::pow((p.y - 175) / 85, 2));
-  return Mix(Mix(top, bottom, p.y / kHeight), {0.05, 0.26, 0.58}, 0.75 * glow);
+  const double glow = std::exp(-std::pow((p.x - 25.5) / 30, 2) - std::pow((p.y - 152.5) / 72, 2));
+  return Mix({0.02, 0.07, 0.21}, {0.05, 0.26, 0.58}, 0.75 * glow);
 }
 
 // The letters K, W and A, 11 pixels wide and 13 high each.
