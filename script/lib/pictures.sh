@@ -1,0 +1,58 @@
+# shellcheck shell=bash
+# Pictures of what a Windows program shows: sourced, not run, after wine.sh. The caller sets -e.
+#
+#   screens_start COUNT                       an X server that nobody sees, with that many screens
+#   screens_stop                              ends it
+#   screen_run NUMBER COMMAND WORDS…          runs a Windows program on a screen, in Wine's current prefix
+#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture, other than OTHER if that is given
+#
+# 96 pixels per inch, as a Windows screen has.
+
+screens_display=
+screens_pid=
+screens_size=800x600
+
+screens_start() {
+  local screens=() i output
+  for ((i = 0; i < $1; i++)); do screens+=(-screen "$i" "${screens_size}x24"); done
+  exec {output}< <(exec Xvfb -displayfd 1 -dpi 96 -nolisten tcp "${screens[@]}" 2>/dev/null)
+  screens_pid=$!
+  read -r screens_display <&"$output"
+  exec {output}<&-
+}
+
+screens_stop() {
+  [ -z "$screens_pid" ] || kill "$screens_pid" 2>/dev/null || true
+  screens_pid=
+}
+
+screen_run() {
+  DISPLAY=:$screens_display.$1 wine_quiet wine explorer "/desktop=screen$1,$screens_size,x11" "${@:2}"
+}
+
+# screen_shot NUMBER FILE: the window alone, without the desktop around it. Fails while there is no window.
+screen_shot() {
+  local colours
+  DISPLAY=:$screens_display.$1 import -silent -window root "$2"
+  colours=$(identify -format %k "$2")
+  [ "$colours" -gt 2 ] && mogrify -trim +repage -strip -define png:compression-level=9 "$2"
+}
+
+# The picture is finished when two in a row are the same. Fails when the program with that PID has ended before.
+screen_picture() {
+  local number=$1 pid=$2 file=$3 other=${4-} last=$3.last.png now=$3.now.png outcome=1
+  rm -f "$last"
+  while kill -0 "$pid" 2>/dev/null; do
+    if screen_shot "$number" "$now"; then
+      if [ -e "$last" ] && cmp -s "$now" "$last" && ! { [ -n "$other" ] && cmp -s "$now" "$other"; }; then
+        mv "$now" "$file"
+        outcome=0
+        break
+      fi
+      mv "$now" "$last"
+    fi
+    sleep 0.1
+  done
+  rm -f "$last" "$now"
+  return "$outcome"
+}
