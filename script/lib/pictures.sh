@@ -4,7 +4,7 @@
 #   screens_start COUNT                       an X server that nobody sees, with that many screens
 #   screens_stop                              ends it
 #   screen_run NUMBER COMMAND WORDS…          runs a Windows program on a screen, in Wine's current prefix
-#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture, other than OTHER if that is given
+#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture, of another page than OTHER if that is given
 #
 # 96 pixels per inch, as a Windows screen has.
 
@@ -38,20 +38,27 @@ screen_shot() {
   [ "$colours" -gt 2 ] && mogrify -trim +repage -strip -define png:compression-level=9 "$2"
 }
 
+# same_page FILE OTHER: but for a caret that blinks.
+same_page() {
+  local different
+  different=$(compare -metric AE "$1" "$2" null: 2>&1) || true
+  [[ $different =~ ^[0-9]+$ ]] && [ "$different" -lt 200 ]
+}
+
 # The picture is finished when two in a row are the same. Fails when the program with that PID has ended before.
 screen_picture() {
   local number=$1 pid=$2 file=$3 other=${4-} last=$3.last.png now=$3.now.png outcome=1
   rm -f "$last"
   while kill -0 "$pid" 2>/dev/null; do
     if screen_shot "$number" "$now"; then
-      if [ -e "$last" ] && cmp -s "$now" "$last" && ! { [ -n "$other" ] && cmp -s "$now" "$other"; }; then
+      if [ -e "$last" ] && cmp -s "$now" "$last" && { [ -z "$other" ] || ! same_page "$now" "$other"; }; then
         mv "$now" "$file"
         outcome=0
         break
       fi
       mv "$now" "$last"
     fi
-    sleep 0.1
+    sleep 0.05
   done
   rm -f "$last" "$now"
   return "$outcome"
