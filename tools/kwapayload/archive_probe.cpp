@@ -6,18 +6,19 @@
 namespace kwa {
 namespace {
 
-// Whether a record can be an entry: a name without control characters, ended and zero-filled, and a size that the
-// installer can read.
-bool IsEntry(ByteSpan record) {
-  const ByteSpan field = record.Part(0, kEntryNameCapacity);
-  // The last byte first: it rules out most of what is none.
-  if (record.Size() < sizeof(ArchiveEntry) || field.U8(kEntryNameCapacity - 1) != 0 || field.U8(0) == 0) {
-    return false;
-  }
+// Whether a field, or what there is of it, can be that of a name: ended, zeros behind the end, no control characters.
+bool IsNameField(ByteSpan field) {
   const std::string_view name = field.TextAt(0, kEntryNameCapacity);
-  return record.U32(kEntryNameCapacity) < kEntrySizeLimit &&
+  return !name.empty() && name.size() < field.Size() &&
          std::all_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x20; }) &&
          IsZeroFilled(field.From(name.size()));
+}
+
+// Whether a record can be an entry: a name that is ended, and a size that the installer can read.
+bool IsEntry(ByteSpan record) {
+  // The last byte of the name first: it rules out most of what is none.
+  return record.Size() == sizeof(ArchiveEntry) && record.U8(kEntryNameCapacity - 1) == 0 &&
+         record.U32(kEntryNameCapacity) < kEntrySizeLimit && IsNameField(record.Part(0, kEntryNameCapacity));
 }
 
 // The entries from the table's start up to the first record that is none, at most `limit`.
@@ -86,22 +87,24 @@ ArchiveShape ProbeArchive(ByteSpan area, std::uint64_t offset, ProbeBudget* budg
   }
   const std::uint64_t leading = CountLeadingEntries(area, offset, room, budget);
   const BodyWalk walk = mayHaveCount ? WalkBodies(area, offset, count, budget) : BodyWalk();
-  if (walk.endsInZeroWord && leading >= count) {
+  if (walk.endsInZeroWord && (leading == count || (leading > count && walk.isPaddedByZeros))) {
     return {ArchiveShapeKind::Intact, count, true};
   }
-  if (walk.endsInZeroWord && walk.hasBody) {
+  if (walk.endsInZeroWord && walk.hasBody && leading < count) {
     return {ArchiveShapeKind::Damaged, count, true};
   }
-  // Behind a table that is shorter than the count come bodies; behind an entry that is damaged, more entries.
+  // Behind a table that is shorter than the count says come bodies; behind an entry that is damaged, more entries.
   const bool mayBeOtherCount =
-      leading > count || !mayHaveCount || CountEntries(area, offset, leading, count, budget) == 0;
+      leading > count || (!IsNameField(EntryRecord(area, offset, leading).Part(0, kEntryNameCapacity)) &&
+                          CountEntries(area, offset, leading, std::min<std::uint64_t>(count, room), budget) == 0);
   if (leading >= 1 && leading != count && mayBeOtherCount) {
     const BodyWalk otherWalk = WalkBodies(area, offset, leading, budget);
     if (otherWalk.endsInZeroWord && otherWalk.isPaddedByZeros) {
       return {ArchiveShapeKind::BadCount, leading, true};
     }
   }
-  if (mayHaveCount && CountEntries(area, offset, 0, count, budget) * 2 >= count) {
+  // One good record behind the magic may be chance; two or more are a table.
+  if (mayHaveCount && count >= 2 && CountEntries(area, offset, 0, count, budget) * 2 >= count) {
     return {ArchiveShapeKind::Damaged, count, false};
   }
   return kNone;

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <string>
 
+#include "extract_command.h"
 #include "pack_command.h"
 #include "tool_failure.h"
 
@@ -23,6 +24,7 @@ int Run(int argc, char** argv) {
     return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' tells the usage\n";
   });
   kwa::AddPackCommand(app);
+  kwa::AddExtractCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Windows programs made by hand: headers and sections, as far as a reader looks at them.
+
+struct BuiltSection {
+  const char* name;
+  std::uint32_t characteristics;
+  std::string bytes;
+};
+
+constexpr std::uint32_t kReadOnlyData = 0x40000040;
+constexpr std::uint32_t kWritableData = 0xC0000040;
+constexpr std::uint32_t kCode = 0x60000020;
+
+struct BuiltImage {
+  bool isPlus = false;
+  std::uint16_t machine = 0x014C;
+  std::uint16_t characteristics = 0x0102;
+  std::uint16_t subsystem = 2;
+  std::vector<BuiltSection> sections;
+  // Pairs of address and size, by index of the directory.
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> directories = {};
+};
+
+// Section i lies at the address SectionAddress(i), and in the file behind the headers and the sections before it, at a
+// multiple of 512.
+std::string BuildImage(const BuiltImage& image);
+
+constexpr std::uint32_t SectionAddress(std::uint32_t index) {
+  return 0x1000 + index * 0x100000;
+}
