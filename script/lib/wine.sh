@@ -1,9 +1,10 @@
 # shellcheck shell=bash
 # Wine prefixes for the scripts: sourced, not run. The caller sets -e.
 #
-#   wine_make FOLDER null|shown     makes FOLDER/win64, FOLDER/win32 and FOLDER/winxp, each once
-#   wine_start FOLDER               starts their servers, which then stay until the script ends
+#   wine_make FOLDER null|shown [PREFIX…]   makes FOLDER/win64, FOLDER/win32 and FOLDER/winxp, each once
+#   wine_start FOLDER [PREFIX…]             starts their servers, which then stay until the script ends
 #
+# Whoever needs one Windows only names it; winxp is made from win32 and stands behind it.
 # "null" shows no window and needs no display; "shown" is for pictures and for people, and needs DISPLAY.
 
 export WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
@@ -52,8 +53,11 @@ wine_fonts() {
   [ ! -d "$fonts" ] || ln -sf "$fonts"/*.ttf "$fonts"/*.fon "$1/drive_c/windows/Fonts/"
 }
 
+wine_all=(win64 win32 winxp)
+
 wine_make() {
-  local folder=$1 graphics=$2
+  local folder=$1 graphics=$2 prefix
+  shift 2
   # One script at a time: the end of one would end the other's servers. Held until the script ends.
   mkdir -p "$folder"
   exec {wine_lock}>"$folder/lock"
@@ -61,18 +65,24 @@ wine_make() {
     printf 'wine: waiting for another script that uses %s\n' "$folder"
     flock "$wine_lock"
   fi
-  wine_make_one "$folder/win64" win64 "$graphics"
-  wine_make_one "$folder/win32" win32 "$graphics"
-  wine_make_one "$folder/winxp" win32 "$graphics"
+  for prefix in "${@:-${wine_all[@]}}"; do
+    if [ "$prefix" = win64 ]; then
+      wine_make_one "$folder/$prefix" win64 "$graphics"
+    else
+      wine_make_one "$folder/$prefix" win32 "$graphics"
+    fi
+  done
 }
 
 wine_servers=()
 
 wine_start() {
-  local prefix
+  local folder=$1 prefix
+  shift
   trap wine_stop EXIT
   trap 'exit 130' INT TERM
-  for prefix in "$1"/win64 "$1"/win32 "$1"/winxp; do
+  for prefix in "${@:-${wine_all[@]}}"; do
+    prefix=$folder/$prefix
     wine_servers+=("$prefix")
     # Fails when the server of a script that was killed still runs; that one serves as well.
     WINEPREFIX=$prefix wine_quiet wineserver -p {wine_lock}>&- || true

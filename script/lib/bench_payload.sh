@@ -1,0 +1,52 @@
+# shellcheck shell=bash
+# Payloads of any size for script/bench: sourced, not run.
+
+# The files of a payload of BYTES bytes, one a line: folder, name, size. Those of payload/contents.json, scaled; the INF
+# grows no larger than it is there, because Windows reads it as a whole and no real one grows with the payload.
+bench_payload_list() {
+  awk -F '"' -v wanted="$1" '
+    /"archive"/ {
+      folder[++count] = tolower($4)
+      name[count] = $10
+      size[count] = $13
+      gsub(/[^0-9]/, "", size[count])
+      total += size[count]
+    }
+    END {
+      for (i = 1; i <= count; ++i) {
+        scaled = int(size[i] * wanted / total)
+        if (name[i] ~ /\.inf$/ && scaled > size[i]) {
+          scaled = size[i]
+        }
+        print folder[i], name[i], scaled
+      }
+    }' payload/contents.json
+}
+
+# bench_payload BYTES CHILD32 CHILD64 FOLDER: makes FOLDER/a, FOLDER/b and FOLDER/contents.json. The two children stand
+# in DPInst's place; all else is noise, so that nothing between the program and the disk can shorten it.
+bench_payload() {
+  local folder=$4 archive name size file length
+  rm -rf "$folder"
+  mkdir -p "$folder/a" "$folder/b"
+  cp payload/contents.json "$folder"
+  while read -r archive name size; do
+    file=$folder/$archive/$name
+    case $name in
+      dpinst.exe) cat "$2" >"$file" ;;
+      dpinst64.exe) cat "$3" >"$file" ;;
+      *.inf)
+        # Lines as long as those of a real one: Windows parses them all, twice. The last one is cut.
+        printf '%s\r\n' '[Version]' 'DriverVer = 02/13/2014,1.0.42.0' 'DriverPackageDisplayName = Marlin USB' \
+          '[Strings]' >"$file"
+        awk -v lines=$((size / 60 + 1)) 'BEGIN { while (lines-- > 0) printf "%-20d = \"%-32s\"\r\n", lines, "" }' \
+          >>"$file"
+        ;;
+      *) : >"$file" ;;
+    esac
+    length=$(stat -c %s "$file")
+    [ "$size" -le "$length" ] || head -c $((size - length)) /dev/urandom >>"$file"
+    truncate -s "$size" "$file"
+    sed -i "s/\(\"name\": \"$name\", \"size\": \)[0-9]*/\1$size/" "$folder/contents.json"
+  done < <(bench_payload_list "$1")
+}
