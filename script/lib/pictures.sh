@@ -4,7 +4,9 @@
 #   screens_start COUNT                       an X server that nobody sees, with that many screens
 #   screens_stop                              ends it
 #   screen_run NUMBER COMMAND WORDS…          runs a Windows program on a screen, in Wine's current prefix
-#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture, of another page than OTHER if that is given
+#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture of a screen, of another page than OTHER if
+#                                             that is given; both in the PPM format
+#   crop_picture FILE PICTURE                 makes the picture of the window alone
 #
 # 96 pixels per inch, as a Windows screen has.
 
@@ -30,14 +32,6 @@ screen_run() {
   DISPLAY=:$screens_display.$1 wine_quiet wine explorer "/desktop=screen$1,$screens_size,x11" "${@:2}"
 }
 
-# screen_shot NUMBER FILE: the window alone, without the desktop around it. Fails while there is no window.
-screen_shot() {
-  local colours
-  DISPLAY=:$screens_display.$1 import -silent -window root "$2"
-  colours=$(identify -format %k "$2")
-  [ "$colours" -gt 2 ] && mogrify -trim +repage -strip -define png:compression-level=9 "$2"
-}
-
 # same_page FILE OTHER: but for a caret that blinks.
 same_page() {
   local different
@@ -45,21 +39,24 @@ same_page() {
   [[ $different =~ ^[0-9]+$ ]] && [ "$different" -lt 200 ]
 }
 
+# shows_window FILE: and not a bare desktop. An empty window has few colours, too.
+shows_window() { [ "$(identify -format %k "$1")" -gt 16 ]; }
+
 # The picture is finished when two in a row are the same. Fails when the program with that PID has ended before.
 screen_picture() {
-  local number=$1 pid=$2 file=$3 other=${4-} last=$3.last.png now=$3.now.png outcome=1
-  rm -f "$last"
+  local number=$1 pid=$2 file=$3 other=${4-} last=$3.last outcome=1
+  rm -f "$file" "$last"
   while kill -0 "$pid" 2>/dev/null; do
-    if screen_shot "$number" "$now"; then
-      if [ -e "$last" ] && cmp -s "$now" "$last" && { [ -z "$other" ] || ! same_page "$now" "$other"; }; then
-        mv "$now" "$file"
-        outcome=0
-        break
-      fi
-      mv "$now" "$last"
+    DISPLAY=:$screens_display.$number import -silent -window root "ppm:$file"
+    if [ -e "$last" ] && cmp -s "$file" "$last" && shows_window "$file" &&
+      { [ -z "$other" ] || ! same_page "$file" "$other"; }; then
+      outcome=0
+      break
     fi
-    sleep 0.05
+    mv "$file" "$last"
   done
-  rm -f "$last" "$now"
+  rm -f "$last"
   return "$outcome"
 }
+
+crop_picture() { convert "$1" -trim +repage -strip -define png:compression-level=9 "$2"; }
