@@ -4,8 +4,8 @@
 #   screens_start COUNT                       an X server that nobody sees, with that many screens
 #   screens_stop                              ends it
 #   screen_run NUMBER COMMAND WORDS…          runs a Windows program on a screen, in Wine's current prefix
-#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture of a screen, of another page than OTHER if
-#                                             that is given; both in the PPM format
+#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture of a screen, other than OTHER if that is
+#                                             given; both in the PPM format
 #   crop_picture FILE PICTURE                 makes the picture of the window alone
 #
 # 96 pixels per inch, as a Windows screen has.
@@ -32,13 +32,6 @@ screen_run() {
   DISPLAY=:$screens_display.$1 wine_quiet wine explorer "/desktop=screen$1,$screens_size,x11" "${@:2}"
 }
 
-# same_page FILE OTHER: but for a caret that blinks.
-same_page() {
-  local different
-  different=$(compare -metric AE "$1" "$2" null: 2>&1) || true
-  [[ $different =~ ^[0-9]+$ ]] && [ "$different" -lt 200 ]
-}
-
 # shows_window FILE: and not a bare desktop. An empty window has few colours, too.
 shows_window() { [ "$(identify -format %k "$1")" -gt 16 ]; }
 
@@ -49,7 +42,7 @@ screen_picture() {
   while kill -0 "$pid" 2>/dev/null; do
     DISPLAY=:$screens_display.$number import -silent -window root "ppm:$file"
     if [ -e "$last" ] && cmp -s "$file" "$last" && shows_window "$file" &&
-      { [ -z "$other" ] || ! same_page "$file" "$other"; }; then
+      { [ -z "$other" ] || ! cmp -s "$file" "$other"; }; then
       outcome=0
       break
     fi

@@ -156,6 +156,9 @@ INT_PTR CALLBACK PageProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
   }
   if (message == WM_COMMAND && (LOWORD(wParam) == KWA_EULA_YES || LOWORD(wParam) == KWA_EULA_NO)) {
     SetButtons(window, *page);
+  } else if (message == WM_COMMAND && HIWORD(wParam) == EN_SETFOCUS) {
+    // The licence is there to be read: a caret would only stand on its first letter.
+    HideCaret(reinterpret_cast<HWND>(lParam));
   } else if (message == WM_TIMER && wParam == kProgressTimer) {
     StepProgress(window, *page);
   } else if (message == WM_TIMER) {
