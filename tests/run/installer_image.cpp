@@ -1,0 +1,97 @@
+#include "installer_image.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "test_folder.h"
+
+namespace {
+
+constexpr std::size_t kEntrySize = 264;
+constexpr std::size_t kNameSize = 260;
+
+// The position of the next archive that begins with an entry of this name.
+std::size_t FindArchive(const std::string& bytes, const char* firstName) {
+  for (std::size_t at = bytes.find("KWAP"); at != std::string::npos; at = bytes.find("KWAP", at + 1)) {
+    if (bytes.compare(at + 8, std::strlen(firstName) + 1, firstName, std::strlen(firstName) + 1) == 0) {
+      return at;
+    }
+  }
+  ADD_FAILURE() << "no archive that begins with " << firstName;
+  return 0;
+}
+
+EmbeddedArchive ReadArchive(const InstallerImage& image, std::size_t position) {
+  EmbeddedArchive archive = {position, {}, 0};
+  const std::uint32_t count = image.Word(position + 4);
+  std::size_t body = position + 8 + kEntrySize * count;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::size_t entry = position + 8 + kEntrySize * i;
+    const std::uint32_t size = image.Word(entry + kNameSize);
+    archive.files.push_back({entry, body, image.Bytes().c_str() + entry, size});
+    body += (size + 3) / 4 * 4;
+  }
+  archive.end = body;
+  return archive;
+}
+
+}  // namespace
+
+InstallerImage::InstallerImage() : bytes(ReadWholeFile(InstallerPath())) {
+  archives.push_back(ReadArchive(*this, FindArchive(bytes, "marlinusb.exe")));
+  archives.push_back(ReadArchive(*this, FindArchive(bytes, "dpinst.exe")));
+}
+
+const EmbeddedFile& InstallerImage::Find(const std::string& name) const {
+  for (const EmbeddedArchive& archive : archives) {
+    for (const EmbeddedFile& file : archive.files) {
+      if (file.name == name) {
+        return file;
+      }
+    }
+  }
+  ADD_FAILURE() << "no file " << name;
+  return archives[0].files[0];
+}
+
+std::uint32_t InstallerImage::Word(std::size_t position) const {
+  std::uint32_t word = 0;
+  for (std::size_t i = 0; i < 4; ++i) {
+    word |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes.at(position + i))) << (8 * i);
+  }
+  return word;
+}
+
+void InstallerImage::SetWord(std::size_t position, std::uint32_t word) {
+  for (std::size_t i = 0; i < 4; ++i) {
+    bytes.at(position + i) = static_cast<char>(word >> (8 * i));
+  }
+}
+
+void InstallerImage::SetName(const EmbeddedFile& file, std::string name) {
+  name.resize(kNameSize);
+  bytes.replace(file.entryPosition, kNameSize, name);
+}
+
+void InstallerImage::SetBody(const EmbeddedFile& file, std::string body) {
+  EXPECT_LE(body.size(), file.size) << "too large for " << file.name;
+  body.resize(file.size);
+  bytes.replace(file.bodyPosition, file.size, body);
+}
+
+void InstallerImage::WriteTo(const std::string& path) const {
+  WriteWholeFile(path, bytes);
+}
+
+const char* InstallerPath() {
+  return KWA_INSTALLER;
+}
+
+std::vector<PayloadFile> PayloadOf(const EmbeddedArchive& archive, char folder) {
+  std::vector<PayloadFile> files;
+  for (const EmbeddedFile& file : archive.files) {
+    files.push_back({file.name, ReadWholeFile(std::string(KWA_PAYLOAD_DIR "/") + folder + "/" + file.name)});
+  }
+  return files;
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// A file of the payload as it stands in the installer's file. All positions are bytes from the file's start.
+struct EmbeddedFile {
+  std::size_t entryPosition;  // of its 264-byte record
+  std::size_t bodyPosition;
+  std::string name;
+  std::uint32_t size;
+};
+
+struct EmbeddedArchive {
+  std::size_t position;
+  std::vector<EmbeddedFile> files;
+  std::size_t end;  // behind the last body's padding: where the closing word stands
+};
+
+// The built installer, to be looked into and to be damaged in a copy.
+class InstallerImage {
+ public:
+  // The installer under test.
+  InstallerImage();
+
+  const std::string& Bytes() const { return bytes; }
+  const EmbeddedArchive& A() const { return archives[0]; }
+  const EmbeddedArchive& B() const { return archives[1]; }
+  const EmbeddedFile& Find(const std::string& name) const;
+
+  std::uint32_t Word(std::size_t position) const;
+
+  void SetWord(std::size_t position, std::uint32_t word);
+  // The record's count of an archive, the name or size of an entry, the first bytes of a body.
+  void SetCount(const EmbeddedArchive& archive, std::uint32_t count) { SetWord(archive.position + 4, count); }
+  void SetSize(const EmbeddedFile& file, std::uint32_t size) { SetWord(file.entryPosition + 260, size); }
+  void SetName(const EmbeddedFile& file, std::string name);
+  void SetBody(const EmbeddedFile& file, std::string body);
+
+  void WriteTo(const std::string& path) const;
+
+ private:
+  std::string bytes;
+  std::vector<EmbeddedArchive> archives;
+};
+
+// The path of the installer under test.
+const char* InstallerPath();
+
+// The payload that it carries, in the order of the archive.
+struct PayloadFile {
+  std::string name;
+  std::string contents;
+};
+std::vector<PayloadFile> PayloadOf(const EmbeddedArchive& archive, char folder);

@@ -1,0 +1,26 @@
+#include "run_fixture.h"
+
+#include "expected_document.h"
+#include "windows_facts.h"
+
+const char* DpinstName() {
+  return Is64Bit() ? "dpinst64.exe" : "dpinst.exe";
+}
+
+std::map<std::string, std::string> ExpectedFiles(const std::string& document) {
+  const InstallerImage image;
+  std::map<std::string, std::string> files;
+  for (const PayloadFile& file : PayloadOf(image.A(), 'a')) {
+    files[file.name] = Fingerprint(file.contents);
+  }
+  for (const PayloadFile& file : PayloadOf(image.B(), 'b')) {
+    files[file.name] = Fingerprint(file.contents);
+  }
+  EXPECT_EQ(files.size(), 14U);
+  files["dpinst.xml"] = Fingerprint(document);
+  return files;
+}
+
+std::string ExpectedDocumentHere() {
+  return ExpectedDocument(WindowsMajorVersion() <= 5);
+}
