@@ -19,7 +19,10 @@ screens_start() {
   for ((i = 0; i < $1; i++)); do screens+=(-screen "$i" "${screens_size}x24"); done
   exec {output}< <(exec Xvfb -displayfd 1 -dpi 96 -nolisten tcp "${screens[@]}" 2>/dev/null)
   screens_pid=$!
-  read -r screens_display <&"$output"
+  if ! read -r screens_display <&"$output"; then
+    printf 'pictures: Xvfb does not start\n' >&2
+    return 1
+  fi
   exec {output}<&-
 }
 
