@@ -9,6 +9,7 @@
 #include "extract_command.h"
 #include "pack_command.h"
 #include "tool_failure.h"
+#include "verify_command.h"
 
 namespace {
 
@@ -25,8 +26,11 @@ int Run(int argc, char** argv) {
   });
   kwa::AddPackCommand(app);
   kwa::AddExtractCommand(app);
+  kwa::AddVerifyCommand(app);
   try {
     app.parse(argc, argv);
+  } catch (const CLI::RuntimeError& error) {
+    return error.get_exit_code();  // a command that ran and has something to say
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? EXIT_SUCCESS : kExitMisuse;
   }
