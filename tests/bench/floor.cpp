@@ -47,7 +47,8 @@ void ReadInf(const std::string& folder) {
   FindClose(search);
 }
 
-void RunChild(std::string commandLine) {
+void RunChild(const std::string& program) {
+  std::string commandLine = program;  // the system may write to it
   STARTUPINFOA startup = {};
   startup.cb = sizeof(startup);
   PROCESS_INFORMATION process = {};
