@@ -1,6 +1,5 @@
 #include "inf_text.h"
 
-#include <cstdarg>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -35,14 +34,10 @@ constexpr const char* kPresetNames[] = {"Flat",      "Speech",   "Vocal",   "Cho
                                         "Broadcast", "Night",    "Monitor", "Headphones"};
 constexpr int kPresetNameCount = sizeof kPresetNames / sizeof kPresetNames[0];
 
-std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
-
-std::string Line(const char* format, ...) {
+template <typename... Arguments>
+std::string Line(const char* format, Arguments... arguments) {
   char text[256];
-  va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(text, sizeof text, format, arguments);
-  va_end(arguments);
+  std::snprintf(text, sizeof text, format, arguments...);
   return std::string(text) + "\r\n";
 }
 
@@ -135,33 +130,33 @@ std::string InstallSection(const Device& device, bool x64) {
   text += Line("CopyFiles = Marlin.Driver.%s,Marlin.Asio.%s%s,Marlin.Programs", platform, platform,
                x64 ? ",Marlin.Asio.Wow64" : "");
   text += Line("AddReg = Marlin.AddReg,%s.AddReg,Marlin.Equalizer.AddReg", device.section);
-  text += Line("%s", "");
+  text += Line("");
   text += Line("[%s.%s.Interfaces]", device.section, platform);
   for (const char* category : {"AUDIO", "RENDER", "CAPTURE"}) {
     text += Line("AddInterface = %%KSCATEGORY_%s%%,%%KSNAME_Wave%%,%s.Interface", category, device.section);
   }
-  text += Line("%s", "");
+  text += Line("");
   text += Line("[%s.%s.Services]", device.section, platform);
   text += Line("AddService = marlin_usb%s,2,Marlin.Service.%s", x64 ? "_64" : "", platform);
-  return text + Line("%s", "");
+  return text + Line("");
 }
 
 std::string DeviceSections(const Device& device) {
   std::string text = InstallSection(device, false) + InstallSection(device, true);
   text += Line("[%s.Interface]", device.section);
   text += Line("AddReg = %s.Interface.AddReg", device.section);
-  text += Line("%s", "");
+  text += Line("");
   text += Line("[%s.Interface.AddReg]", device.section);
   text += Line("HKR,,CLSID,,%%Proxy.CLSID%%");
   text += Line("HKR,,FriendlyName,,%%%s.DeviceDesc%%", device.section);
-  text += Line("%s", "");
+  text += Line("");
   text += Line("[%s.AddReg]", device.section);
   text += Line("HKR,Drivers,SubClasses,,\"wave,midi,mixer\"");
   for (int channel = 1; channel <= device.channels; ++channel) {
     text += Line("HKR,\"Channels\\Input %02d\",Name,,\"%s In %d\"", channel, device.name, channel);
     text += Line("HKR,\"Channels\\Output %02d\",Name,,\"%s Out %d\"", channel, device.name, channel);
   }
-  return text + Line("%s", "");
+  return text + Line("");
 }
 
 std::string CommonSections() {
@@ -173,7 +168,7 @@ std::string CommonSections() {
     text += Line("StartType = 3 ; SERVICE_DEMAND_START");
     text += Line("ErrorControl = 1 ; SERVICE_ERROR_NORMAL");
     text += Line("ServiceBinary = %%12%%\\marlin_usb%s.sys", platform[2] == 'a' ? "_64" : "");
-    text += Line("%s", "");
+    text += Line("");
   }
   return text + Lines({
                     "[Marlin.AddReg]",
@@ -234,7 +229,7 @@ std::string MakeInf(std::size_t size) {
   text += Line("; Factory presets of the equaliser: each band's gain in tenths of a decibel.");
   text += Line("[Marlin.Equalizer.AddReg]");
 
-  const std::string strings = Line("%s", "") + Strings();
+  const std::string strings = Line("") + Strings();
   const std::string lastLine = "; End of marlin_usb.inf ";
   const std::size_t neededSize = text.size() + strings.size() + lastLine.size() + 2;
   RequireSize(neededSize, size);

@@ -35,7 +35,7 @@ const std::map<std::string, ProgramSource> kPrograms = {
 };
 
 // The loader ignores what stands behind a program's end.
-std::string PadProgram(std::string program, std::size_t size) {
+std::string PadProgram(const std::string& program, std::size_t size) {
   RequireSize(program.size(), size);
   return program + PaddingBytes(size - program.size(), static_cast<unsigned>(size));
 }
