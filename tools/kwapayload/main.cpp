@@ -8,6 +8,7 @@
 
 #include "extract_command.h"
 #include "pack_command.h"
+#include "preview_command.h"
 #include "tool_failure.h"
 #include "verify_command.h"
 
@@ -27,6 +28,7 @@ int Run(int argc, char** argv) {
   kwa::AddPackCommand(app);
   kwa::AddExtractCommand(app);
   kwa::AddVerifyCommand(app);
+  kwa::AddPreviewCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::RuntimeError& error) {

@@ -72,6 +72,7 @@ std::vector<Finding> VerifyInstaller(const InstallerFile& installer, const Paylo
   // What the files say of each other can be judged only where all of them are there.
   if (isInstaller && isReadable && installer.archives.size() == 2) {
     VerifyCompanions(installer, contents, &findings);
+    VerifyPackage(installer, &findings);
   }
   VerifyExecutable(installer, &findings);
   return findings;

@@ -21,6 +21,9 @@ void VerifyContents(const InstallerFile& installer, const PayloadContents& conte
 // that `contents` lists are left to VerifyContents.
 void VerifyCompanions(const InstallerFile& installer, const PayloadContents& contents, std::vector<Finding>* findings);
 
+// The driver package as its INF describes it.
+void VerifyPackage(const InstallerFile& installer, std::vector<Finding>* findings);
+
 // The program itself. Nothing for a file that is a single archive.
 void VerifyExecutable(const InstallerFile& installer, std::vector<Finding>* findings);
 

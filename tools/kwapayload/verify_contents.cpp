@@ -58,7 +58,9 @@ void CompareArchive(const LocatedArchive& located, const PayloadContents& conten
     } else if (i < wanted.size() && FindItem(items, wanted[i].name) == nullptr) {
       // A changed name is one fault, not a missing and an unexpected file.
       renamed.emplace_back(wanted[i].name);
-      findings->push_back({Severity::Error, where, "stands in the place of " + wanted[i].name, "unexpected-file"});
+      if (EntryNameFault(item.name).empty()) {  // else the name itself is reported already
+        findings->push_back({Severity::Error, where, "stands in the place of " + wanted[i].name, "unexpected-file"});
+      }
     } else {
       findings->push_back({Severity::Error, where, "is not in the list of contents", "unexpected-file"});
     }

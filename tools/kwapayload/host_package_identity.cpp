@@ -1,0 +1,11 @@
+#include "host_package_identity.h"
+
+#include "inf_reader.h"
+
+namespace kwa {
+
+PackageIdentity ReadHostPackageIdentity(ByteSpan inf) {
+  return {ReadInfValue(inf, "Version", "DriverVer"), ReadInfValue(inf, "Version", "DriverPackageDisplayName")};
+}
+
+}  // namespace kwa
