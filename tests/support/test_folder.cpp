@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace fs = std::filesystem;
 
@@ -55,8 +54,13 @@ bool Exists(const std::string& path) {
 
 std::string ReadWholeFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.is_open()) << path;
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  std::error_code error;
+  std::string bytes(static_cast<std::size_t>(fs::file_size(path, error)), '\0');
+  if (error || !file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))) {
+    ADD_FAILURE() << "cannot read " << path;
+    return {};
+  }
+  return bytes;
 }
 
 void WriteWholeFile(const std::string& path, const std::string& bytes) {
