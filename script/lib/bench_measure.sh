@@ -5,32 +5,34 @@
 # Each figure is a median over rounds. A round takes everything that is compared once, beginning with another one each
 # time, so that whatever else the machine does meets all of them alike; a ratio is the median of the rounds' ratios.
 
-# seconds COMMAND…: how long it took, in $elapsed. Output goes nowhere; a failure ends the script.
+# seconds COMMAND…: how long it took, in $elapsed, and how much processor time it took itself, with the children that it
+# waited for as Unix does, in $processor. Output goes nowhere; a failure ends the script.
 seconds() {
-  local start=${EPOCHREALTIME/[.,]/}
-  "$@" </dev/null >/dev/null 2>&1 || fail "failed: $*"
-  local end=${EPOCHREALTIME/[.,]/}
-  printf -v elapsed '%d.%06d' $(((end - start) / 1000000)) $(((end - start) % 1000000))
+  local TIMEFORMAT='%3R %3U %3S' user system
+  { time "$@" </dev/null >/dev/null 2>&1; } 2>"$work/time" || fail "failed: $*"
+  read -r elapsed user system <"$work/time"
+  processor=$(awk -v a="$user" -v b="$system" 'BEGIN { print a + b }')
 }
 
-# rounds FUNCTION NAME…: calls FUNCTION NAME for all names in each round; a column of $elapsed each in $work/rounds.
+# rounds FUNCTION NAME…: calls FUNCTION NAME for all names in each round. Leaves a line a round in $work/rounds: $elapsed
+# for each name, then $processor for each.
 rounds() {
   local function=$1 round i name
   shift
   local names=("$@")
   local -A times
-  : >"$work/rounds"
   for ((round = 0; round < pairs; ++round)); do
     for ((i = 0; i < ${#names[@]}; ++i)); do
       name=${names[(round + i) % ${#names[@]}]}
       "$function" "$name"
-      times[$name]=$elapsed
+      times[elapsed.$name]=$elapsed
+      times[processor.$name]=$processor
     done
-    for name in "${names[@]}"; do
+    for name in "${names[@]/#/elapsed.}" "${names[@]/#/processor.}"; do
       printf '%s\t' "${times[$name]}"
-    done >>"$work/rounds"
-    printf '\n' >>"$work/rounds"
-  done
+    done
+    printf '\n'
+  done >"$work/rounds"
 }
 
 # median COLUMN [DIVISOR]: of a column of $work/rounds, or of the ratio of two.
@@ -48,15 +50,19 @@ time_run() {
 }
 
 measure_runs() {
-  local name column=1
+  local name column=1 count=${#contenders[@]}
   for name in "${contenders[@]}"; do
     time_run "$name" # into the page cache
   done
   rounds time_run "${contenders[@]}"
   for name in "${contenders[@]}"; do
     result "run.$name" "$(median "$column")"
+    result "processor.$name" "$(median $((column + count)))"
     # Of the first column, the installer.
-    [ "$column" = 1 ] || result "run.ratio.$name" "$(median 1 "$column")"
+    if [ "$column" -gt 1 ]; then
+      result "run.ratio.$name" "$(median 1 "$column")"
+      result "processor.ratio.$name" "$(median $((1 + count)) $((column + count)))"
+    fi
     column=$((column + 1))
   done
 }
@@ -122,10 +128,10 @@ measure_packing() {
   rm -rf "$work/packed"
 }
 
-# build_step FILE PATTERN: makes a script of the last of the build's commands that has PATTERN.
+# build_step FILE PATTERN: makes a script of the last of the build's commands that has PATTERN, without what follows it.
 build_step() {
   printf 'cd "%s"\n' "$work/installer" >"$1"
-  ninja -C "$work/installer" -t commands kwa_installer.exe | grep -F -e "$2" | tail -n 1 >>"$1"
+  ninja -C "$work/installer" -t commands kwa_installer.exe | grep -F -e "$2" | tail -n 1 | sed 's/ && cd .*//' >>"$1"
 }
 
 time_building() {

@@ -23,6 +23,22 @@ bench_payload_list() {
     }' payload/contents.json
 }
 
+# bench_inf SIZE: a text of that many bytes. Its lines are as long as those of a real one: Windows parses all, twice.
+bench_inf() {
+  awk -v size="$1" 'function put(line) { printf "%s\r\n", line; size -= length(line) + 2 }
+    BEGIN {
+      put("[Version]")
+      put("DriverVer = 02/13/2014,1.0.42.0")
+      put("DriverPackageDisplayName = Marlin USB")
+      put("CatalogFile = marlin_usb.cat")
+      put("[SourceDisksFiles]")
+      put("marlin_usb.inf = 1")
+      put("[Strings]")
+      while (size > 120) put(sprintf("%-20d = \"%-32s\"", size, ""))
+      put(sprintf(";%*s", size - 3, ""))
+    }'
+}
+
 # bench_payload BYTES CHILD32 CHILD64 FOLDER: makes FOLDER/a, FOLDER/b and FOLDER/contents.json. The two children stand
 # in DPInst's place; all else is noise, so that nothing between the program and the disk can shorten it.
 bench_payload() {
@@ -35,18 +51,14 @@ bench_payload() {
     case $name in
       dpinst.exe) cat "$2" >"$file" ;;
       dpinst64.exe) cat "$3" >"$file" ;;
-      *.inf)
-        # Lines as long as those of a real one: Windows parses them all, twice. The last one is cut.
-        printf '%s\r\n' '[Version]' 'DriverVer = 02/13/2014,1.0.42.0' 'DriverPackageDisplayName = Marlin USB' \
-          '[Strings]' >"$file"
-        awk -v lines=$((size / 60 + 1)) 'BEGIN { while (lines-- > 0) printf "%-20d = \"%-32s\"\r\n", lines, "" }' \
-          >>"$file"
+      *.inf) bench_inf "$size" >"$file" ;;
+      *)
+        printf '\0' >"$file" # the mark of no kind of file
+        sed -i "/\"name\": \"$name\"/s/\"kind\": \".*\"/\"kind\": \"unknown data\"/" "$folder/contents.json"
         ;;
-      *) : >"$file" ;;
     esac
     length=$(stat -c %s "$file")
-    [ "$size" -le "$length" ] || head -c $((size - length)) /dev/urandom >>"$file"
-    truncate -s "$size" "$file"
+    head -c $((size - length)) /dev/urandom >>"$file"
     sed -i "s/\(\"name\": \"$name\", \"size\": \)[0-9]*/\1$size/" "$folder/contents.json"
   done < <(bench_payload_list "$1")
 }

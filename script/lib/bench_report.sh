@@ -19,6 +19,11 @@ run.nsisUnchecked|1|3|  NSIS without its checksum|
 run.ratio.floor|1|2|  installer / floor program|at most 1.15 from 25 MB on
 run.ratio.nsis|1|2|  installer / NSIS|at most 0.75 from 25 MB on
 run.ratio.nsisUnchecked|1|2|  installer / NSIS without its checksum|
+|||Processor time of the program itself, seconds|
+processor.installer|1|3|  installer|
+processor.ratio.floor|1|2|  installer / floor program|
+processor.ratio.nsis|1|2|  installer / NSIS|
+processor.ratio.nsisUnchecked|1|2|  installer / NSIS without its checksum|
 |||Highest private memory, MB|
 private.installer|1e-6|2|  installer|the same for all
 private.floor|1e-6|2|  floor program|
