@@ -17,7 +17,8 @@ ExternalProject_Add(host_tests
   SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools
   BINARY_DIR ${CMAKE_BINARY_DIR}/host-tests
   CMAKE_GENERATOR ${CMAKE_GENERATOR}
-  CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DKWA_WERROR=${KWA_WERROR} -DKWA_SANITIZE=ON -DKWA_TESTS=ON
+  # -O1: with the sanitizers, this compiles in little more than half the time that -O2 takes.
+  CMAKE_ARGS -DCMAKE_CXX_FLAGS=-O1 -DKWA_WERROR=${KWA_WERROR} -DKWA_SANITIZE=ON -DKWA_TESTS=ON
     -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_CONTENTS=${kwaContents}
   INSTALL_COMMAND ""
   BUILD_ALWAYS TRUE)
