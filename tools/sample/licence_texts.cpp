@@ -198,7 +198,7 @@ std::string Rules(std::size_t count) {
   std::string text;
   while (count > 0) {
     const std::size_t line = count > 140 ? 70 : count;
-    text += line > 2 ? std::string(line - 2, '=') + "\r\n" : std::string(line, '=');
+    text += line >= 2 ? std::string(line - 2, '=') + "\r\n" : std::string(line, '=');
     count -= line;
   }
   return text;

@@ -33,7 +33,7 @@ double Clamped(double value) {
   return std::min(1.0, std::max(0.0, value));
 }
 
-double DistanceToStroke(Point p, Stroke s) {
+double DistanceToStroke(Point p, const Stroke& s) {
   const double dx = s.to.x - s.from.x;
   const double dy = s.to.y - s.from.y;
   const double length2 = dx * dx + dy * dy;
@@ -42,7 +42,7 @@ double DistanceToStroke(Point p, Stroke s) {
 }
 
 // How much of the pixel at p a round-ended stroke of that width covers.
-double Coverage(Point p, Stroke s, double width) {
+double Coverage(Point p, const Stroke& s, double width) {
   return Clamped(width / 2 + 0.5 - DistanceToStroke(p, s));
 }
 
