@@ -19,7 +19,7 @@ ExternalProject_Add(host_tests
   CMAKE_GENERATOR ${CMAKE_GENERATOR}
   # -O1: with the sanitizers, this compiles in little more than half the time that -O2 takes.
   CMAKE_ARGS -DCMAKE_CXX_FLAGS=-O1 -DKWA_WERROR=${KWA_WERROR} -DKWA_SANITIZE=ON -DKWA_TESTS=ON
-    -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_CONTENTS=${kwaContents}
+    -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_PAYLOAD_DIR=${payloadDir} -DKWA_CONTENTS=${kwaContents}
   INSTALL_COMMAND ""
   BUILD_ALWAYS TRUE)
 

@@ -11,6 +11,11 @@ namespace kwa {
 namespace {
 
 constexpr std::uint32_t kWordSize = 4;
+constexpr std::uint64_t kForgetStep = 4 * 1024 * 1024;
+
+// More than anyone reads; a file that is made of damage does not fill the memory with them.
+constexpr std::size_t kMaxFindings = 1000;
+constexpr std::size_t kMaxArchives = 16;
 
 // Notes what is wrong with the name field of an item.
 void CheckNameField(ByteSpan record, std::vector<Finding>& findings) {
@@ -36,7 +41,9 @@ void Describe(ByteSpan area, std::uint64_t count, ParsedArchive* archive) {
   for (std::uint64_t i = 0; i < count; ++i) {
     const ByteSpan record = EntryRecord(area, archive->offset, i);
     ArchiveItem item = {record.TextAt(0, kEntryNameCapacity), record.U32(kEntryNameCapacity), position, {}};
-    CheckNameField(record, archive->findings);
+    if (archive->findings.size() < kMaxFindings) {
+      CheckNameField(record, archive->findings);
+    }
     const std::uint64_t padded = PaddedSize(item.size);
     if (areBodiesKnown && item.size >= kEntrySizeLimit) {
       archive->findings.push_back(
@@ -51,7 +58,8 @@ void Describe(ByteSpan area, std::uint64_t count, ParsedArchive* archive) {
     }
     if (areBodiesKnown) {
       item.body = area.Part(archive->offset + position, item.size);
-      if (!IsZeroFilled(area.Part(archive->offset + position + item.size, padded - item.size))) {
+      if (paddingFindings.size() < kMaxFindings &&
+          !IsZeroFilled(area.Part(archive->offset + position + item.size, padded - item.size))) {
         paddingFindings.push_back(
             {Severity::Warning, EscapedText(item.name), "the padding behind its body is not zero"});
       }
@@ -102,11 +110,17 @@ bool ParsedArchive::IsReadable() const {
                                         [](const Finding& finding) { return finding.severity == Severity::Error; });
 }
 
-std::vector<ParsedArchive> FindArchives(ByteSpan area) {
+std::vector<ParsedArchive> FindArchives(ByteSpan area, const ForgetBytes& forget) {
   std::vector<ParsedArchive> archives;
   ProbeBudget budget(area.Size());
   std::size_t firstDoubtful = SIZE_MAX;
-  for (std::uint64_t offset = 0; area.Contains(offset, BodiesPosition(1)) && !budget.IsUsedUp();) {
+  std::uint64_t forgotten = 0;
+  for (std::uint64_t offset = 0;
+       area.Contains(offset, BodiesPosition(1)) && !budget.IsUsedUp() && archives.size() < kMaxArchives;) {
+    if (forget && offset - forgotten >= kForgetStep) {
+      forget(area.Part(forgotten, offset - forgotten));
+      forgotten = offset;
+    }
     ParsedArchive archive;
     bool isEndKnown = false;
     if (!RecognizeArchive(area, offset, &budget, &archive, &isEndKnown)) {

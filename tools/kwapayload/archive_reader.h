@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,11 +36,16 @@ struct ParsedArchive {
   bool IsReadable() const;
 };
 
+// Told of bytes that are not needed for the time being, such as MappedFile::Forget. May be empty.
+using ForgetBytes = std::function<void(ByteSpan)>;
+
 // All archives in an area of an installer (the bytes of a read-only section), in the order of the file. They are told
 // from other data by their structure, so that four letters in a payload file or in a program's data do not count, nor
 // does an archive within a body of another. One damaged in its magic, its count or some of its entries is found all the
-// same, with findings that say so.
-std::vector<ParsedArchive> FindArchives(ByteSpan area);
+// same, with findings that say so. The search ends with the 16th.
+//
+// forget  called with parts of the area that the search is through with
+std::vector<ParsedArchive> FindArchives(ByteSpan area, const ForgetBytes& forget = nullptr);
 
 // The archive that begins with the first byte, for a file that is an archive. Anything else gives an archive with no
 // items and an error among its findings.

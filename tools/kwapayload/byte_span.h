@@ -35,9 +35,20 @@ class ByteSpan {
   ByteSpan From(std::uint64_t offset) const { return Part(offset, size); }
 
   std::uint8_t U8(std::uint64_t offset) const { return offset < size ? data[offset] : std::uint8_t{0}; }
-  std::uint16_t U16(std::uint64_t offset) const { return static_cast<std::uint16_t>(Unsigned(offset, 2)); }
-  std::uint32_t U32(std::uint64_t offset) const { return static_cast<std::uint32_t>(Unsigned(offset, 4)); }
-  std::uint64_t U64(std::uint64_t offset) const { return Unsigned(offset, 8); }
+  std::uint16_t U16(std::uint64_t offset) const {
+    return Contains(offset, 2) ? static_cast<std::uint16_t>(data[offset] | data[offset + 1] << 8) : std::uint16_t{0};
+  }
+  std::uint32_t U32(std::uint64_t offset) const {
+    if (!Contains(offset, 4)) {
+      return 0;
+    }
+    // Written out, so that the compiler makes one load of it.
+    const std::uint8_t* const at = data + offset;
+    return std::uint32_t{at[0]} | std::uint32_t{at[1]} << 8 | std::uint32_t{at[2]} << 16 | std::uint32_t{at[3]} << 24;
+  }
+  std::uint64_t U64(std::uint64_t offset) const {
+    return Contains(offset, 8) ? U32(offset) | std::uint64_t{U32(offset + 4)} << 32 : 0;
+  }
 
   // All bytes as 8-bit characters, zeros and all.
   std::string_view Text() const { return {reinterpret_cast<const char*>(data), size}; }
@@ -49,16 +60,6 @@ class ByteSpan {
   bool StartsWith(std::string_view prefix) const { return Part(0, prefix.size()).Text() == prefix; }
 
  private:
-  std::uint64_t Unsigned(std::uint64_t offset, unsigned bytes) const {
-    std::uint64_t value = 0;
-    if (Contains(offset, bytes)) {
-      for (unsigned i = bytes; i > 0; --i) {
-        value = value << 8 | data[offset + i - 1];
-      }
-    }
-    return value;
-  }
-
   const std::uint8_t* data = nullptr;
   std::size_t size = 0;
 };

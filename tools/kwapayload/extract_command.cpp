@@ -18,7 +18,8 @@ struct ExtractOptions {
 
 void RunExtract(const ExtractOptions& options) {
   const MappedFile file(options.file);
-  ExtractFiles(file, options.file, ReadSoundInstallerFile(file.Bytes(), options.file), options.request);
+  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file, file.Forgetter());
+  ExtractFiles(file, options.file, installer, options.request);
 }
 
 }  // namespace

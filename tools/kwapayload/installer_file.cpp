@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kInstallerArchives = 2;
 constexpr std::uint64_t kClosingWordSize = 4;
 
-void FindInSections(InstallerFile* installer) {
+void FindInSections(const ForgetBytes& forget, InstallerFile* installer) {
   std::uint64_t searchedEnd = 0;
   for (const PeSection& section : installer->image->sections) {
     if (section.IsTruncated()) {
@@ -28,17 +28,19 @@ void FindInSections(InstallerFile* installer) {
       continue;
     }
     searchedEnd = std::uint64_t{section.fileOffset} + section.bytes.Size();
-    for (ParsedArchive& archive : FindArchives(section.bytes)) {
+    for (ParsedArchive& archive : FindArchives(section.bytes, forget)) {
       const std::string letter(1, static_cast<char>('A' + std::min<std::size_t>(installer->archives.size(), 25)));
       const std::uint64_t fileOffset = section.fileOffset + archive.offset;
       installer->archives.push_back({letter, fileOffset, std::move(archive)});
     }
   }
   // A file that was cut off lacks archives for no other reason.
-  if (installer->archives.size() != kInstallerArchives && installer->findings.empty()) {
-    installer->findings.push_back({Severity::Error, "",
-                                   "holds " + std::to_string(installer->archives.size()) +
-                                       " payload archives in its read-only data instead of 2"});
+  const std::size_t count = installer->archives.size();
+  if (count != kInstallerArchives && installer->findings.empty()) {
+    const std::string number = count == 0 ? "no" : count == 1 ? "one" : "more than two";
+    installer->findings.push_back(
+        {Severity::Error, "",
+         "holds " + number + " payload archive" + (count == 1 ? "" : "s") + " in its read-only data instead of two"});
   }
 }
 
@@ -55,14 +57,14 @@ void AppendErrors(const std::vector<Finding>& findings, const std::string& prefi
 
 }  // namespace
 
-InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& path) {
+InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& path, const ForgetBytes& forget) {
   InstallerFile installer;
   if (bytes.StartsWith("MZ")) {
     std::string fault;
     if (!ReadPeImage(bytes, &installer.image.emplace(), &fault)) {
       throw ToolFailure(path, fault);
     }
-    FindInSections(&installer);
+    FindInSections(forget, &installer);
     return installer;
   }
   ParsedArchive archive = ReadArchiveAt(bytes);
@@ -78,8 +80,8 @@ InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& pat
   return installer;
 }
 
-InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path& path) {
-  InstallerFile installer = ReadInstallerFile(bytes, path);
+InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path& path, const ForgetBytes& forget) {
+  InstallerFile installer = ReadInstallerFile(bytes, path, forget);
   std::vector<Fault> faults;
   AppendErrors(installer.findings, "", path, &faults);
   for (const LocatedArchive& located : installer.archives) {

@@ -31,10 +31,13 @@ struct InstallerFile {
 };
 
 // Reads an installer or archive as far as it goes. Throws ToolFailure, naming `path`, when the bytes are neither.
-InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& path);
+//
+// forget  see FindArchives; with a mapped file's, a large one that is searched takes little memory
+InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& path, const ForgetBytes& forget = nullptr);
 
 // As above, for commands that need a sound file: throws ToolFailure with every error found.
-InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path& path);
+InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path& path,
+                                     const ForgetBytes& forget = nullptr);
 
 // The package's INF: of the files whose names end in ".inf" without regard to case, the first by upper-case name, as
 // the file system lists them. Null when there is none.

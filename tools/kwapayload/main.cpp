@@ -7,6 +7,7 @@
 #include <string>
 
 #include "extract_command.h"
+#include "list_command.h"
 #include "pack_command.h"
 #include "preview_command.h"
 #include "tool_failure.h"
@@ -26,6 +27,7 @@ int Run(int argc, char** argv) {
     return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' tells the usage\n";
   });
   kwa::AddPackCommand(app);
+  kwa::AddListCommand(app);
   kwa::AddExtractCommand(app);
   kwa::AddVerifyCommand(app);
   kwa::AddPreviewCommand(app);

@@ -24,6 +24,11 @@ class MappedFile {
   // again is read again.
   void Forget(ByteSpan part) const;
 
+  // The same as a function, for those who know bytes and no files. Valid as long as this object.
+  auto Forgetter() const {
+    return [this](ByteSpan part) { Forget(part); };
+  }
+
   // Calls visit with consecutive pieces of a part of Bytes() and forgets each behind it, so that a part of any size
   // takes little memory.
   template <typename Visit>

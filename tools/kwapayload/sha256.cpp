@@ -18,7 +18,7 @@ void Require(int result) {
 
 struct Sha256::Context {
   struct Free {
-    void operator()(EVP_MD_CTX* handle) const { EVP_MD_CTX_free(handle); }
+    void operator()(EVP_MD_CTX* digest) const { EVP_MD_CTX_free(digest); }
   };
   std::unique_ptr<EVP_MD_CTX, Free> handle{EVP_MD_CTX_new()};
 };

@@ -1,0 +1,50 @@
+// Fuzzes the reader of installers and archives: all that list, extract and verify read of a file.
+#include <cstddef>
+#include <cstdint>
+
+#include "entry_name.h"
+#include "file_kind.h"
+#include "installer_file.h"
+#include "pe_imports.h"
+#include "pe_resources.h"
+#include "tool_failure.h"
+#include "version_record.h"
+
+namespace {
+
+void ReadExecutable(const kwa::PeImage& image) {
+  kwa::ReadImports(image);
+  const auto resources = kwa::ReadResources(image);
+  kwa::VersionRecord record;
+  kwa::ReadVersionRecord(kwa::FirstResource(resources, kwa::kResourceTypeVersion), &record);
+  image.CertificateTable();
+  image.HasBaseRelocations();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const kwa::ByteSpan bytes(data, size);
+  kwa::FileKind(bytes);
+  // Whatever surrounds an archive: also as the read-only data of a program.
+  kwa::FindArchives(bytes);
+  try {
+    const kwa::InstallerFile installer = kwa::ReadInstallerFile(bytes, "file");
+    if (installer.image) {
+      ReadExecutable(*installer.image);
+    }
+    kwa::FindInf(installer);
+    for (const kwa::LocatedArchive& located : installer.archives) {
+      for (const kwa::ArchiveItem& item : located.archive.items) {
+        kwa::EntryNameFault(item.name);
+        kwa::FileKind(item.body);
+        // A sound archive has every byte that it promises.
+        if (located.archive.IsReadable() && item.body.Size() != item.size) {
+          __builtin_trap();
+        }
+      }
+    }
+  } catch (const kwa::ToolFailure&) {
+  }
+  return 0;
+}
