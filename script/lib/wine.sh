@@ -2,6 +2,7 @@
 # Wine prefixes for the scripts: sourced, not run. The caller sets -e.
 #
 #   wine_make FOLDER null|shown [PREFIX…]   makes FOLDER/win64, FOLDER/win32 and FOLDER/winxp, each once
+#   wine_small_disks FOLDER                 a small drive S for each, where this machine allows it
 #   wine_start FOLDER [PREFIX…]             starts their servers, which then stay until the script ends
 #
 # Whoever needs one Windows only names it; winxp is made from win32 and stands behind it.
@@ -75,6 +76,7 @@ wine_make() {
 }
 
 wine_servers=()
+wine_disks=()
 
 wine_start() {
   local folder=$1 prefix
@@ -97,10 +99,32 @@ wine_start() {
   done
 }
 
+# wine_small_disks FOLDER: a drive S of 40 MB for each prefix, which a test may fill, named in KWA_SMALL_DISK. Without the
+# right to mount there is none.
+wine_small_disks() {
+  local folder=$1 prefix disk
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo -n)
+  for prefix in "${wine_all[@]}"; do
+    disk=$folder/$prefix-disk
+    mkdir -p "$disk"
+    mountpoint -q "$disk" || wine_quiet "${as_root[@]}" mount -t tmpfs -o "size=40m,uid=$(id -u)" tmpfs "$disk" || return 0
+    wine_disks+=("$disk")
+    ln -sfn "$disk" "$folder/$prefix/dosdevices/s:"
+  done
+  export KWA_SMALL_DISK=S:/
+}
+
 wine_stop() {
-  local prefix
+  local prefix disk
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo -n)
   for prefix in "${wine_servers[@]}"; do
     WINEPREFIX=$prefix wine_quiet wineserver -k || true
   done
+  for disk in "${wine_disks[@]}"; do
+    wine_quiet "${as_root[@]}" umount -l "$disk" || true
+  done
   wine_servers=()
+  wine_disks=()
 }

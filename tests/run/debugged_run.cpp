@@ -7,7 +7,7 @@
 namespace {
 
 constexpr char kInvalidParameter[] = "Invalid parameter passed to C runtime function.\n";
-constexpr DWORD kLookAroundMilliseconds = 50;
+constexpr DWORD kLookAroundMilliseconds = 5;
 
 std::string EnvironmentBlock(const std::map<std::string, std::optional<std::string>>& changes) {
   std::string block;
@@ -54,13 +54,13 @@ DebuggedRun::~DebuggedRun() {
 }
 
 RunResult DebuggedRun::Await() {
-  AwaitEvent(nullptr);
+  AwaitUntil([] { return false; });
   return result;
 }
 
-bool DebuggedRun::AwaitEvent(HANDLE awaited) {
+bool DebuggedRun::AwaitUntil(const std::function<bool()>& condition) {
   while (!hasEnded) {
-    if (awaited != nullptr && WaitForSingleObject(awaited, 0) == WAIT_OBJECT_0) {
+    if (condition()) {
       return true;
     }
     DEBUG_EVENT event = {};

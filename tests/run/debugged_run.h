@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -33,11 +34,11 @@ class DebuggedRun {
   DebuggedRun& operator=(const DebuggedRun&) = delete;
 
   // Lets it run until it has ended. A debuggee stands still whenever its debugger is away: between two calls of Await
-  // or AwaitEvent it goes no further than to its next event.
+  // and AwaitUntil it goes no further than to its next event.
   RunResult Await();
 
-  // Lets it run until somebody has set the event, or it has ended; tells which.
-  bool AwaitEvent(HANDLE event);
+  // Lets it run until the condition holds, which is asked often, or it has ended; tells whether it still runs.
+  bool AwaitUntil(const std::function<bool()>& condition);
 
   // Ends it half way, as the user's task manager would.
   void Kill();

@@ -11,7 +11,8 @@
 
 DpinstReport ReadReport(const std::string& folder) {
   DpinstReport report;
-  const nlohmann::json json = nlohmann::json::parse(ReadWholeFile(folder + "\\report.json"), nullptr, false);
+  const std::string text = ReadWholeFile(folder + "\\report.json");
+  const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
   if (json.is_discarded()) {
     ADD_FAILURE() << "no report in " << folder;
     return report;
@@ -24,7 +25,9 @@ DpinstReport ReadReport(const std::string& folder) {
     report.files[file.at("name")] =
         std::to_string(file.at("size").get<std::uint64_t>()) + " " + file.at("sha256").get<std::string>();
   }
-  report.document = ReadWholeFile(folder + "\\dpinst.xml");
+  if (Exists(folder + "\\dpinst.xml")) {
+    report.document = ReadWholeFile(folder + "\\dpinst.xml");
+  }
   return report;
 }
 

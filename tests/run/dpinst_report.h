@@ -11,7 +11,7 @@ struct DpinstReport {
   int bitness = 0;
   // The files beside it by name, each as "SIZE SHA-256".
   std::map<std::string, std::string> files;
-  // dpinst.xml as it stood there.
+  // dpinst.xml as it stood there; empty when there was none.
   std::string document;
 };
 

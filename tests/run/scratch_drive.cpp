@@ -23,8 +23,6 @@ ScratchDrive::~ScratchDrive() {
   if (!ownLetter.empty()) {
     DefineDosDeviceA(DDD_REMOVE_DEFINITION, ownLetter.c_str(), nullptr);
   }
-  ReleaseMutex(onlyOne);
-  CloseHandle(onlyOne);
 }
 
 bool ScratchDrive::MakeDrive(const std::string& folder) {

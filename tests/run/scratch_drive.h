@@ -1,9 +1,9 @@
 #pragma once
 
-#include <windows.h>
-
 #include <string>
 #include <vector>
+
+#include "named_lock.h"
 
 // A drive whose root folder a test may fill: a folder of the test's own under a free letter where Windows lets it make
 // one, else (Wine) drive C, used by one test at a time. What the test left in the root is removed at the end.
@@ -23,8 +23,8 @@ class ScratchDrive {
  private:
   bool MakeDrive(const std::string& folder);
 
+  const NamedLock onlyOne{"kwa_test_scratch_drive"};
   std::string root = "C:\\";
   std::string ownLetter;
   std::vector<std::string> namesBefore;
-  HANDLE onlyOne;
 };

@@ -55,7 +55,8 @@ bool Exists(const std::string& path) {
 std::string ReadWholeFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::error_code error;
-  std::string bytes(static_cast<std::size_t>(fs::file_size(path, error)), '\0');
+  const auto size = fs::file_size(path, error);
+  std::string bytes(error ? 0 : static_cast<std::size_t>(size), '\0');
   if (error || !file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()))) {
     ADD_FAILURE() << "cannot read " << path;
     return {};
