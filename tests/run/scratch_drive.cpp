@@ -6,9 +6,7 @@
 
 #include "test_folder.h"
 
-ScratchDrive::ScratchDrive(const std::string& folder)
-    : onlyOne(CreateMutexA(nullptr, FALSE, "kwa_test_scratch_drive")) {
-  WaitForSingleObject(onlyOne, INFINITE);
+ScratchDrive::ScratchDrive(const std::string& folder) {
   if (MakeDrive(folder)) {
     root = ownLetter + "\\";
   }
