@@ -153,8 +153,8 @@ const Damage kLayoutDamages[] = {
      [](std::string& bytes, const Places& at) { bytes[at.Entry(0, 0) + 200] = 'x'; },
      {"warning: archive A, marlinusb.exe: the bytes behind the name's end"}},
     {"NameWithFolder",
-     [](std::string& bytes, const Places& at) { bytes[at.Entry(0, 0) + 2] = '\\'; },
-     {"error: archive A, ma\\\\linusb.exe: "}},
+     [](std::string& bytes, const Places& at) { bytes[at.Entry(1, 0) + 2] = '\\'; },
+     {"error: archive B, dp\\\\nst.exe: the name holds"}},
     {"NameTwiceWithoutRegardToCase",
      [](std::string& bytes, const Places& at) { PutText(bytes, at.Entry(1, 4), std::string("Panorama.EXE\0", 13)); },
      {"error: archive B, Panorama.EXE: has the same name as archive A, Panorama.exe",
@@ -173,7 +173,7 @@ const Damage kLayoutDamages[] = {
      {"warning: archive B: no zero word"}},
     {"CutOff",
      [](std::string& bytes, const Places&) { bytes.resize(BodyPlace("Panorama.exe") + 1000); },
-     {"error: section .rdata: the file ends "}},
+     {"error: section .rdata: the file ends ", "error: archive A, Panorama.exe: its body"}},
 };
 INSTANTIATE_TEST_SUITE_P(Layout, DamagedInstaller, testing::ValuesIn(kLayoutDamages),
                          [](const auto& test) { return std::string(test.param.what); });
@@ -183,8 +183,8 @@ const Damage kPayloadDamages[] = {
      [](std::string& bytes, const Places& at) { bytes[at.Entry(1, 4)] = 'l'; },
      {"error: archive B, lwa.bmp: stands in the place of kwa.bmp"}},
     {"OtherSize",
-     [](std::string& bytes, const Places& at) { PutWord(bytes, at.Size(1, 3), 4001); },
-     {"error: archive B, eula_en.txt: has 4001 bytes instead of 4002"}},
+     [](std::string& bytes, const Places& at) { PutWord(bytes, at.Size(1, 3), 4004); },
+     {"error: archive B, eula_en.txt: has 4004 bytes instead of 4002"}},
     {"DpinstOfTheWrongMachine",
      [](std::string& bytes, const Places&) { PutMachine(bytes, "dpinst.exe", 0x8664); },
      {"error: archive B, dpinst.exe: is PE32, x64, Windows GUI program instead of PE32, x86"}},
@@ -206,7 +206,7 @@ const Damage kPayloadDamages[] = {
      },
      {"error: package, marlin_usb.inf: [Version] has no DriverPackageDisplayName"}},
     {"NameThatBreaksXml",
-     [](std::string& bytes, const Places&) { ReplaceInInf(bytes, "Marlin USB", "Marlin&USB"); },
+     [](std::string& bytes, const Places&) { ReplaceInInf(bytes, "= \"Marlin USB\"", "= \"Marlin&USB\""); },
      {"error: package, marlin_usb.inf: DriverPackageDisplayName holds \"&\""}},
     {"NameBeyondAscii",
      [](std::string& bytes, const Places&) {
@@ -215,7 +215,7 @@ const Damage kPayloadDamages[] = {
      // A text with such a byte is no 7-bit text any more.
      {"error: archive A, marlin_usb.inf: is ", "error: package, marlin_usb.inf: DriverPackageDisplayName holds char"}},
     {"NoFamily",
-     [](std::string& bytes, const Places&) { ReplaceInInf(bytes, "Marlin USB", "Heron XYZ!"); },
+     [](std::string& bytes, const Places&) { ReplaceInInf(bytes, "= \"Marlin USB\"", "= \"Heron XYZ!\""); },
      {"error: package, marlin_usb.inf: DriverPackageDisplayName \"Heron XYZ!\" names no device family"}},
     {"CatalogNotCarried",
      [](std::string& bytes, const Places&) { ReplaceInInf(bytes, "marlin_usb.cat", "marlin_usc.cat"); },

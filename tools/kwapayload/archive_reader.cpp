@@ -23,11 +23,12 @@ void CheckNameField(ByteSpan record, std::vector<Finding>& findings) {
   const std::string_view name = field.TextAt(0, kEntryNameCapacity);
   const std::string where = EscapedText(name);
   if (name.size() == kEntryNameCapacity) {
-    findings.push_back({Severity::Error, where, "the name is not ended within its 260 bytes"});
+    findings.push_back({Severity::Error, where, "the name is not ended within its 260 bytes", "name-not-ended"});
   } else if (name.empty()) {
-    findings.push_back({Severity::Error, where, "an entry has no name"});
+    findings.push_back({Severity::Error, where, "an entry has no name", "name-empty"});
   } else if (!IsZeroFilled(field.From(name.size()))) {
-    findings.push_back({Severity::Warning, where, "the bytes behind the name's end are not zero"});
+    findings.push_back(
+        {Severity::Warning, where, "the bytes behind the name's end are not zero", "name-not-zero-filled"});
   }
 }
 
@@ -48,12 +49,13 @@ void Describe(ByteSpan area, std::uint64_t count, ParsedArchive* archive) {
     if (areBodiesKnown && item.size >= kEntrySizeLimit) {
       archive->findings.push_back(
           {Severity::Error, EscapedText(item.name),
-           "has " + std::to_string(item.size) + " bytes; the installer reads bodies below 2147483648"});
+           "has " + std::to_string(item.size) + " bytes; the installer reads bodies below 2147483648",
+           "size-too-large"});
       areBodiesKnown = false;
     } else if (areBodiesKnown && !area.Contains(archive->offset + position, padded)) {
-      archive->findings.push_back(
-          {Severity::Error, EscapedText(item.name),
-           "its body of " + std::to_string(item.size) + " bytes runs past the end of the data"});
+      archive->findings.push_back({Severity::Error, EscapedText(item.name),
+                                   "its body of " + std::to_string(item.size) + " bytes runs past the end of the data",
+                                   "body-past-end"});
       areBodiesKnown = false;
     }
     if (areBodiesKnown) {
@@ -61,7 +63,7 @@ void Describe(ByteSpan area, std::uint64_t count, ParsedArchive* archive) {
       if (paddingFindings.size() < kMaxFindings &&
           !IsZeroFilled(area.Part(archive->offset + position + item.size, padded - item.size))) {
         paddingFindings.push_back(
-            {Severity::Warning, EscapedText(item.name), "the padding behind its body is not zero"});
+            {Severity::Warning, EscapedText(item.name), "the padding behind its body is not zero", "padding"});
       }
       position += padded;
     }
@@ -75,9 +77,10 @@ void Describe(ByteSpan area, std::uint64_t count, ParsedArchive* archive) {
   if (area.Contains(end, kWordSize) && area.U32(end) == 0) {
     archive->findings.insert(archive->findings.end(), paddingFindings.begin(), paddingFindings.end());
   } else if (paddingFindings.empty()) {
-    archive->findings.push_back({Severity::Warning, "", "no zero word follows the last body"});
+    archive->findings.push_back({Severity::Warning, "", "no zero word follows the last body", "closing-word"});
   } else {
-    archive->findings.push_back({Severity::Error, "", "the sizes do not add up: no zero word follows the last body"});
+    archive->findings.push_back(
+        {Severity::Error, "", "the sizes do not add up: no zero word follows the last body", "sizes"});
   }
 }
 
@@ -93,11 +96,12 @@ bool RecognizeArchive(ByteSpan area, std::uint64_t offset, ProbeBudget* budget, 
   if (shape.kind == ArchiveShapeKind::BadMagic) {
     archive->findings.push_back(
         {Severity::Error, "",
-         "begins with \"" + EscapedText(area.Part(offset, kWordSize).Text()) + "\" instead of \"KWAP\""});
+         "begins with \"" + EscapedText(area.Part(offset, kWordSize).Text()) + "\" instead of \"KWAP\"", "magic"});
   } else if (shape.kind == ArchiveShapeKind::BadCount) {
-    archive->findings.push_back({Severity::Error, "",
-                                 "says that it has " + std::to_string(archive->count) + " entries, but has " +
-                                     std::to_string(shape.entryCount)});
+    archive->findings.push_back(
+        {Severity::Error, "",
+         "says that it has " + std::to_string(archive->count) + " entries, but has " + std::to_string(shape.entryCount),
+         "count"});
   }
   Describe(area, shape.entryCount, archive);
   return true;
@@ -159,12 +163,13 @@ ParsedArchive ReadArchiveAt(ByteSpan bytes) {
   }
   archive.count = bytes.U32(kWordSize);
   if (bytes.U32(0) != kArchiveMagic) {
-    archive.findings.push_back({Severity::Error, "", "does not begin with \"KWAP\""});
+    archive.findings.push_back({Severity::Error, "", "does not begin with \"KWAP\"", "magic"});
   } else if (archive.count == 0) {
-    archive.findings.push_back({Severity::Error, "", "has no entries"});
+    archive.findings.push_back({Severity::Error, "", "has no entries", "no-entries"});
   } else if (!bytes.Contains(0, BodiesPosition(archive.count))) {
-    archive.findings.push_back(
-        {Severity::Error, "", "ends within its table of " + std::to_string(archive.count) + " entries"});
+    archive.findings.push_back({Severity::Error, "",
+                                "ends within its table of " + std::to_string(archive.count) + " entries",
+                                "table-past-end"});
   } else {
     Describe(bytes, archive.count, &archive);
   }

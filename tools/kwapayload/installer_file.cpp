@@ -18,10 +18,12 @@ constexpr std::uint64_t kClosingWordSize = 4;
 void FindInSections(const ForgetBytes& forget, InstallerFile* installer) {
   std::uint64_t searchedEnd = 0;
   for (const PeSection& section : installer->image->sections) {
-    if (section.IsTruncated()) {
+    // The sections behind a cut are missing for the same reason.
+    if (section.IsTruncated() && installer->findings.empty()) {
       installer->findings.push_back(
           {Severity::Error, "section " + EscapedText(section.name),
-           "the file ends " + std::to_string(section.fileSize - section.bytes.Size()) + " bytes before it does"});
+           "the file ends " + std::to_string(section.fileSize - section.bytes.Size()) + " bytes before it does",
+           "truncated"});
     }
     // Sections do not overlap in the file, unless someone wants it read many times over.
     if (!section.IsReadOnlyData() || section.fileOffset < searchedEnd) {
@@ -40,7 +42,8 @@ void FindInSections(const ForgetBytes& forget, InstallerFile* installer) {
     const std::string number = count == 0 ? "no" : count == 1 ? "one" : "more than two";
     installer->findings.push_back(
         {Severity::Error, "",
-         "holds " + number + " payload archive" + (count == 1 ? "" : "s") + " in its read-only data instead of two"});
+         "holds " + number + " payload archive" + (count == 1 ? "" : "s") + " in its read-only data instead of two",
+         "archive-count"});
   }
 }
 
@@ -73,8 +76,9 @@ InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& pat
   }
   const std::uint64_t end = archive.size + kClosingWordSize;
   if (archive.IsReadable() && !IsZeroFilled(bytes.From(end))) {
-    installer.findings.push_back(
-        {Severity::Warning, "", std::to_string(bytes.Size() - end) + " bytes follow the archive's closing word"});
+    installer.findings.push_back({Severity::Warning, "",
+                                  std::to_string(bytes.Size() - end) + " bytes follow the archive's closing word",
+                                  "trailing-bytes"});
   }
   installer.archives.push_back({"-", 0, std::move(archive)});
   return installer;

@@ -153,6 +153,10 @@ void VerifyExecutable(const InstallerFile& installer, std::vector<Finding>* find
   if (!installer.image) {
     return;
   }
+  const std::vector<PeSection>& sections = installer.image->sections;
+  if (std::any_of(sections.begin(), sections.end(), [](const PeSection& section) { return section.IsTruncated(); })) {
+    return;  // reported already, and what is missing cannot be judged
+  }
   VerifyHeaders(*installer.image, findings);
   VerifyImports(*installer.image, findings);
   VerifyResources(*installer.image, findings);
