@@ -13,8 +13,11 @@ namespace fs = std::filesystem;
 TestFolder::TestFolder() {
   char temp[MAX_PATH] = {};
   GetTempPathA(MAX_PATH, temp);
-  // Process numbers are soon used again, and a test that was killed leaves its folder.
-  path = std::string(temp) + "kwatest" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount());
+  // Process numbers are soon used again, and a test that was killed leaves its folder; the clock stands still for
+  // milliseconds.
+  static unsigned count = 0;
+  path = std::string(temp) + "kwatest" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount()) +
+         "-" + std::to_string(++count);
   EXPECT_TRUE(fs::create_directory(path)) << path;
 }
 
