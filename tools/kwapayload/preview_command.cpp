@@ -25,7 +25,7 @@ struct PreviewOptions {
 
 void RunPreview(const PreviewOptions& options) {
   const MappedFile file(options.file);
-  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file);
+  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file, file.Forgetter());
   const ArchiveItem* const inf = FindInf(installer);
   // Without an INF the installer writes its configuration all the same, with nothing in it of the package.
   const PackageIdentity identity = inf != nullptr ? ReadHostPackageIdentity(inf->body) : PackageIdentity();

@@ -51,7 +51,8 @@ void PrintJson(const std::filesystem::path& file, const std::vector<Finding>& fi
 void RunVerify(const VerifyOptions& options) {
   const PayloadContents contents = options.contents.empty() ? PayloadContents() : ReadPayloadContents(options.contents);
   const MappedFile file(options.file);
-  const std::vector<Finding> findings = VerifyInstaller(ReadInstallerFile(file.Bytes(), options.file), contents);
+  const InstallerFile installer = ReadInstallerFile(file.Bytes(), options.file, file.Forgetter());
+  const std::vector<Finding> findings = VerifyInstaller(installer, contents);
   options.asJson ? PrintJson(options.file, findings) : PrintLines(options.file, findings);
   for (const Finding& finding : findings) {
     if (finding.severity == Severity::Error || !options.allowWarnings) {

@@ -17,8 +17,8 @@ struct XmlElement {
 };
 
 // Reads a file with the platform's parser and returns its root, which has no name when the file does not exist. Throws
-// std::runtime_error with the line and the reason, in UTF-8, when the file is not well-formed. Under Wine the line can be
-// that where the piece of text before the fault begins.
+// std::runtime_error with the line and the reason, in UTF-8, when the file is not well-formed. Under Wine the line can
+// be that where the piece of text before the fault begins.
 XmlElement ReadXmlFile(const std::wstring& path);
 
 }  // namespace kwa
