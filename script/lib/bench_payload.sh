@@ -8,8 +8,9 @@ bench_payload_list() {
     /"archive"/ {
       folder[++count] = tolower($4)
       name[count] = $10
-      size[count] = $13
-      gsub(/[^0-9]/, "", size[count])
+      number = $13
+      gsub(/[^0-9]/, "", number)
+      size[count] = number + 0
       total += size[count]
     }
     END {
