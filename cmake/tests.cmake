@@ -33,19 +33,16 @@ file(WRITE ${CMAKE_BINARY_DIR}/sub_tests.cmake
   "subdirs(\"${CMAKE_BINARY_DIR}/tests\" \"${CMAKE_BINARY_DIR}/host-tests\")\n")
 set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/sub_tests.cmake)
 
-<<<<<<< ours
 # The scripts' own tests want what script/setup installs.
 if(CMAKE_HOST_UNIX)
   add_test(NAME lint COMMAND ${CMAKE_SOURCE_DIR}/script/lint)
   foreach(test reproducible signed)
     add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
       ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-test/${test})
-=======
 # The release scripts are for a Linux machine.
 if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Linux")
   foreach(test reproducible signed)
     add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
       ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-tests/${test})
->>>>>>> theirs
   endforeach()
 endif()
