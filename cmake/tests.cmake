@@ -39,10 +39,5 @@ if(CMAKE_HOST_UNIX)
   foreach(test reproducible signed)
     add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
       ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-test/${test})
-# The release scripts are for a Linux machine.
-if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Linux")
-  foreach(test reproducible signed)
-    add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
-      ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-tests/${test})
   endforeach()
 endif()
