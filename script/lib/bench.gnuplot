@@ -1,22 +1,29 @@
 # The picture of script/bench: how long a run takes and how much memory it wants, by the size of the payload.
-set terminal pngcairo size 1200,500 font "sans,11"
+set terminal pngcairo size 1200,560 font "sans,11"
 set output "../bench.png"
 set multiplot layout 1,2
 set logscale xy
 set grid
-set key top left
+set key below maxcols 2 width -4
+set bmargin 7
+set style data linespoints
+set style line 1 lw 3 pt 7 lc rgb "#0072b2" # installer
+set style line 2 lw 2 pt 4 lc rgb "#e69f00" # floor program
+set style line 3 lw 2 pt 9 lc rgb "#cc3311" # NSIS
+set style line 4 lw 2 pt 8 lc rgb "#999999" # NSIS without its checksum
+set style line 5 lw 1 pt 6 lc rgb "#0072b2" dt 2
 set xlabel "payload, MB"
 
 set title "A whole run"
 set ylabel "seconds"
-plot "run.nsis" with linespoints lw 2 title "NSIS", \
-     "run.nsisUnchecked" with linespoints lw 2 title "NSIS without its checksum", \
-     "run.installer" with linespoints lw 3 title "installer", \
-     "run.floor" with linespoints lw 2 title "floor program"
+plot "run.installer" ls 1 title "installer", \
+     "run.floor" ls 2 title "floor program", \
+     "run.nsis" ls 3 title "NSIS", \
+     "run.nsisUnchecked" ls 4 title "NSIS without its checksum"
 
-set title "Highest memory"
+set title "Highest memory: private, and resident with the mapped file"
 set ylabel "MB"
-plot "resident.installer" with linespoints lw 2 title "installer, resident (mapped payload included)", \
-     "private.nsis" with linespoints lw 2 title "NSIS, private", \
-     "private.installer" with linespoints lw 3 title "installer, private", \
-     "private.floor" with linespoints lw 2 title "floor program, private"
+plot "private.installer" ls 1 title "installer", \
+     "private.floor" ls 2 title "floor program", \
+     "private.nsis" ls 3 title "NSIS", \
+     "resident.installer" ls 5 title "installer, resident"
