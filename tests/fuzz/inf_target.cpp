@@ -1,0 +1,19 @@
+// Fuzzes all that reads a package's INF: the values that the installer takes and the list of files.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "host_package_identity.h"
+#include "inf_reader.h"
+#include "inf_source_files.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const kwa::ByteSpan inf(data, size);
+  const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(inf);
+  if (identity.version.size() > kwa::kInfValueLimit || identity.displayName.size() > kwa::kInfValueLimit) {
+    std::abort();
+  }
+  kwa::ReadInfSourceFiles(inf);
+  return 0;
+}
