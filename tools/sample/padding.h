@@ -7,7 +7,7 @@
 namespace kwa {
 
 // Bytes that look random and are the same in every build, so that a comparison notices a byte in the wrong place.
-// Different seeds give different bytes.
+// Different starting values give different bytes.
 std::string PaddingBytes(std::size_t count, unsigned seed);
 
 // Throws std::runtime_error when content of at least neededSize bytes cannot have the listed size.
