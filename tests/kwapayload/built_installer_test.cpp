@@ -25,7 +25,6 @@ TEST(BuiltInstaller, ListGivesTheContents) {
   for (auto& file : listed) {
     if (file["archive"] != archive) {
       archive = file["archive"];
-      end = 0;
     } else {
       EXPECT_EQ(end, file["position"]);
     }
@@ -47,10 +46,10 @@ TEST(BuiltInstaller, ExtractGivesThePayload) {
   const ToolRun run = RunTool({"extract", KWA_INSTALLER, folder / "out"});
   ASSERT_EQ(0, run.status) << run.errors;
   std::vector<std::string> names;
-  for (const std::string& archive : {std::string("/a"), std::string("/b")}) {
-    for (const std::string& name : NamesIn(KWA_PAYLOAD_DIR + archive)) {
-      EXPECT_TRUE(ReadWholeFile(KWA_PAYLOAD_DIR + archive + "/" + name) == ReadWholeFile(folder.Path() / "out" / name))
-          << name;
+  for (const char* const archive : {"a", "b"}) {
+    const std::filesystem::path payload = std::filesystem::path(KWA_PAYLOAD_DIR) / archive;
+    for (const std::string& name : NamesIn(payload)) {
+      EXPECT_TRUE(ReadWholeFile(payload / name) == ReadWholeFile(folder.Path() / "out" / name)) << name;
       names.push_back(name);
     }
   }
