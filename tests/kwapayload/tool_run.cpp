@@ -31,7 +31,8 @@ ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& be
   // cmd takes off the first and the last quote.
   const int status = std::system(('"' + command + '"').c_str());
 #else
-  const int result = std::system(command.c_str());
+  // The shell that redirects the output is wanted here.
+  const int result = std::system(command.c_str());  // NOLINT(cert-env33-c)
   const int status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
 #endif
   return {status, ReadWholeFile(folder / "out"), ReadWholeFile(folder / "err")};
