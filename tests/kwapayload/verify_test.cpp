@@ -122,6 +122,7 @@ TEST_P(DamagedInstaller, GivesItsFindingAndNoOther) {
   const std::vector<kwa::Finding> findings =
       kwa::VerifyInstaller(kwa::ReadInstallerFile(Span(bytes), "damaged.exe"), kwa::ReadPayloadContents(KWA_CONTENTS));
   std::vector<std::string> lines;
+  lines.reserve(findings.size());
   for (const kwa::Finding& finding : findings) {
     lines.push_back((finding.severity == kwa::Severity::Error ? "error: " : "warning: ") + finding.where + ": " +
                     finding.what);
@@ -283,6 +284,7 @@ TEST(Verify, WithoutContentsAsksForWhatTheInstallerNames) {
   const std::vector<kwa::Finding> findings =
       kwa::VerifyInstaller(kwa::ReadInstallerFile(Span(bytes), "damaged.exe"), {});
   std::vector<std::string> lines;
+  lines.reserve(findings.size());
   for (const kwa::Finding& finding : findings) {
     lines.push_back(finding.where + ": " + finding.code);
   }

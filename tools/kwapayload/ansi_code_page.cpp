@@ -65,7 +65,7 @@ char ToCodePage1252(char16_t unit) {
     return '?';
   }
   const Run& run = *std::prev(behind);
-  const std::size_t place = static_cast<std::size_t>(unit - run.first);
+  const auto place = static_cast<std::size_t>(unit - run.first);
   return place < run.bytes.size() ? run.bytes[place] : '?';
 }
 
