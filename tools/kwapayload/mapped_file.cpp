@@ -119,7 +119,8 @@ MappedFile::~MappedFile() {
   }
 }
 
-void MappedFile::Forget(ByteSpan part) const {
+// Not static: who asks for it has the file's mapping in hand.
+void MappedFile::Forget(ByteSpan part) const {  // NOLINT(readability-convert-member-functions-to-static)
   if (!part.Empty()) {
     GiveBack(part);
   }

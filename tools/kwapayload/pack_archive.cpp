@@ -99,7 +99,7 @@ void AppendBody(const PayloadFile& file, ArchiveWriter& writer) {
   if (writer.AppendFrom(input, file.size) < file.size) {
     throw ToolFailure(file.path, "became shorter while it was packed");
   }
-  char next;
+  char next = 0;
   if (input.Read(&next, 1) != 0) {
     throw ToolFailure(file.path, "became longer while it was packed");
   }
