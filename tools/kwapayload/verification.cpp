@@ -1,5 +1,6 @@
 #include "verification.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 
@@ -15,12 +16,8 @@ std::string Where(const LocatedArchive& located, const std::string& item) {
 }
 
 bool HasFindingOn(const ParsedArchive& archive, const std::string& item) {
-  for (const Finding& finding : archive.findings) {
-    if (finding.where == item) {
-      return true;
-    }
-  }
-  return false;
+  return std::any_of(archive.findings.begin(), archive.findings.end(),
+                     [&](const Finding& finding) { return finding.where == item; });
 }
 
 void VerifyNames(const LocatedArchive& located, std::map<std::string, std::string>* known,
