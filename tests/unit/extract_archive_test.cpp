@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <climits>
 #include <memory>
 #include <stdexcept>
@@ -260,33 +259,6 @@ TEST_F(ExtractArchive, CallsOnlyTheCallbacksThereAre) {
     EXPECT_EQ(events, expected.events);
     EXPECT_EQ(FilesIn(folder.Path()), (Files{{"f", "x"}}));
   }
-}
-
-TEST(ReadArchiveBytes, ReadsWholeWords) {
-  const BuiltArchive archive = BuiltArchive::Raw("abcdefghijklmnop");
-  const struct {
-    std::uint32_t byteCount;
-    std::string destination;
-  } cases[] = {
-      {0, "............"}, {1, "abcd........"}, {4, "abcd........"}, {5, "abcdefgh...."}, {12, "abcdefghijkl"}};
-  for (const auto& expected : cases) {
-    archive.Install(kwa::archiveB);
-    std::string destination(12, '.');
-    kwa::ReadArchiveBytes(destination.data(), expected.byteCount, 1);
-    EXPECT_EQ(destination, expected.destination) << expected.byteCount;
-    EXPECT_EQ(kwa::archiveB.position, 12 - std::count(destination.begin(), destination.end(), '.'));
-  }
-}
-
-TEST(ReadArchiveRecords, ReadsThemBackToBack) {
-  const BuiltArchive archive = BuiltArchive::Raw("abcdefghijklmnop");
-  archive.Install(kwa::archiveA);
-  std::string destination(16, '.');
-  kwa::ReadArchiveRecords(destination.data(), 4, 0, 0);
-  EXPECT_EQ(kwa::archiveA.position, 0U);
-  kwa::ReadArchiveRecords(destination.data(), 4, 3, 0);
-  EXPECT_EQ(destination, "abcdefghijkl....");
-  EXPECT_EQ(kwa::archiveA.position, 12U);
 }
 
 // Tools show these texts; their spelling is what their readers know.

@@ -53,25 +53,31 @@ const char* Name(HANDLE handle) {
   return handle == kProcess ? "process" : handle == kThread ? "thread" : handle == kHeap ? "heap" : "another handle";
 }
 
-template <typename Function>
-Function Real(const char* module, const char* name) {
+// GetModuleHandleA and GetProcAddress by other names.
+HMODULE RealModule(const char* name) {
   HMODULE handle = nullptr;
-  GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, module, &handle);
+  GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, name, &handle);
+  return handle;
+}
+
+void* RealAddress(HMODULE module, const char* name) {
   const USHORT length = static_cast<USHORT>(std::strlen(name));
   const ANSI_STRING text = {length, length, const_cast<char*>(name)};
   void* address = nullptr;
-  LdrGetProcedureAddress(handle, &text, 0, &address);
-  return reinterpret_cast<Function>(address);
+  LdrGetProcedureAddress(module, &text, 0, &address);
+  return address;
 }
-#define CALL_REAL(module, function) Real<decltype(&function)>(module, #function)
+#define CALL_REAL(function) reinterpret_cast<decltype(&function)>(RealAddress(RealModule("kernel32"), #function))
+
+// Those that the runtime and the test library call as well go on to the real ones where no test asks.
 
 HANDLE WINAPI FakeGetProcessHeap() {
-  return Faked() ? kHeap : CALL_REAL("kernel32", GetProcessHeap)();
+  return Faked() ? kHeap : CALL_REAL(GetProcessHeap)();
 }
 
 void* WINAPI FakeHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
   if (!Faked()) {
-    return CALL_REAL("kernel32", HeapAlloc)(heap, flags, size);
+    return CALL_REAL(HeapAlloc)(heap, flags, size);
   }
   Note("HeapAlloc ", Name(heap), " ", flags, " ", size);
   std::memset(heapBlock, '#', sizeof heapBlock);
@@ -80,7 +86,7 @@ void* WINAPI FakeHeapAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
 
 BOOL WINAPI FakeHeapFree(HANDLE heap, DWORD flags, void* block) {
   if (!Faked()) {
-    return CALL_REAL("kernel32", HeapFree)(heap, flags, block);
+    return CALL_REAL(HeapFree)(heap, flags, block);
   }
   Note("HeapFree ", Name(heap), " ", flags, block == heapBlock ? " block" : " something else");
   return TRUE;
@@ -89,10 +95,6 @@ BOOL WINAPI FakeHeapFree(HANDLE heap, DWORD flags, void* block) {
 BOOL WINAPI FakeCreateProcessA(const char* application, char* commandLine, SECURITY_ATTRIBUTES* processSecurity,
                                SECURITY_ATTRIBUTES* threadSecurity, BOOL inheritHandles, DWORD flags, void* environment,
                                const char* folder, STARTUPINFOA* startup, PROCESS_INFORMATION* process) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", CreateProcessA)(application, commandLine, processSecurity, threadSecurity,
-                                                 inheritHandles, flags, environment, folder, startup, process);
-  }
   STARTUPINFOA plainStartup = {};
   plainStartup.cb = 68;
   const PROCESS_INFORMATION plainProcess = {};
@@ -109,25 +111,19 @@ BOOL WINAPI FakeCreateProcessA(const char* application, char* commandLine, SECUR
 
 DWORD WINAPI FakeWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   if (!Faked()) {
-    return CALL_REAL("kernel32", WaitForSingleObject)(handle, milliseconds);
+    return CALL_REAL(WaitForSingleObject)(handle, milliseconds);
   }
   Note("WaitForSingleObject ", Name(handle), milliseconds == INFINITE ? " forever" : " with a limit");
   return answers->wait;
 }
 
 BOOL WINAPI FakeGetExitCodeProcess(HANDLE handle, DWORD* exitCode) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", GetExitCodeProcess)(handle, exitCode);
-  }
   Note("GetExitCodeProcess ", Name(handle));
   *exitCode = 0x80010000;
   return answers->getExitCodeProcess;
 }
 
 BOOL WINAPI FakeGetExitCodeThread(HANDLE handle, DWORD* exitCode) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", GetExitCodeThread)(handle, exitCode);
-  }
   Note("GetExitCodeThread ", Name(handle));
   *exitCode = 0x80010000;
   return FALSE;
@@ -135,7 +131,7 @@ BOOL WINAPI FakeGetExitCodeThread(HANDLE handle, DWORD* exitCode) {
 
 BOOL WINAPI FakeCloseHandle(HANDLE handle) {
   if (!Faked()) {
-    return CALL_REAL("kernel32", CloseHandle)(handle);
+    return CALL_REAL(CloseHandle)(handle);
   }
   Note("CloseHandle ", Name(handle));
   return TRUE;
@@ -143,7 +139,7 @@ BOOL WINAPI FakeCloseHandle(HANDLE handle) {
 
 DWORD WINAPI FakeGetLastError() {
   if (!Faked()) {
-    return CALL_REAL("kernel32", GetLastError)();
+    return CALL_REAL(GetLastError)();
   }
   Note("GetLastError");
   return answers->lastError;
@@ -151,9 +147,6 @@ DWORD WINAPI FakeGetLastError() {
 
 DWORD WINAPI FakeFormatMessageA(DWORD flags, const void* source, DWORD message, DWORD language, char* text, DWORD size,
                                 va_list* inserts) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", FormatMessageA)(flags, source, message, language, text, size, inserts);
-  }
   Note("FormatMessageA ", std::hex, flags, source == nullptr ? " no source " : " a source ", message, " ", language,
        " ", size, inserts == nullptr ? " no inserts" : " inserts");
   if (answers->formatMessage) {
@@ -163,18 +156,13 @@ DWORD WINAPI FakeFormatMessageA(DWORD flags, const void* source, DWORD message, 
 }
 
 HLOCAL WINAPI FakeLocalFree(HLOCAL block) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", LocalFree)(block);
-  }
   Note("LocalFree", block == messageText ? " text" : " something else");
   return nullptr;
 }
 
 HMODULE WINAPI FakeGetModuleHandleA(const char* name) {
   if (!Faked()) {
-    HMODULE handle = nullptr;
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, name, &handle);
-    return handle;
+    return RealModule(name);
   }
   Note("GetModuleHandleA ", Text(name));
   return answers->kernelModule ? kKernel : nullptr;
@@ -187,11 +175,7 @@ UINT WINAPI FakeGetSystemWow64DirectoryW(wchar_t* folder, UINT capacity) {
 
 FARPROC WINAPI FakeGetProcAddress(HMODULE module, const char* name) {
   if (!Faked()) {
-    const USHORT length = static_cast<USHORT>(std::strlen(name));
-    const ANSI_STRING text = {length, length, const_cast<char*>(name)};
-    void* address = nullptr;
-    LdrGetProcedureAddress(module, &text, 0, &address);
-    return reinterpret_cast<FARPROC>(address);
+    return reinterpret_cast<FARPROC>(RealAddress(module, name));
   }
   Note("GetProcAddress ", module == kKernel ? "kernel " : "", Text(name));
   return answers->wow64Function ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(FakeGetSystemWow64DirectoryW))
@@ -209,9 +193,6 @@ int WINAPI FakeSHFileOperationA(SHFILEOPSTRUCTA* operation) {
 }
 
 BOOL WINAPI FakeGetVersionExA(OSVERSIONINFOA* version) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", GetVersionExA)(version);
-  }
   OSVERSIONINFOA plain = {};
   plain.dwOSVersionInfoSize = 148;
   Note("GetVersionExA", std::memcmp(version, &plain, sizeof plain) == 0 ? " plain" : "");
@@ -219,27 +200,18 @@ BOOL WINAPI FakeGetVersionExA(OSVERSIONINFOA* version) {
   return answers->getVersion;
 }
 
-HANDLE WINAPI FakeFindFirstFileA(const char* pattern, WIN32_FIND_DATAA* found) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", FindFirstFileA)(pattern, found);
-  }
+HANDLE WINAPI FakeFindFirstFileA(const char* pattern, WIN32_FIND_DATAA* /*found*/) {
   Note("FindFirstFileA ", Text(pattern));
   return answers->search;
 }
 
 BOOL WINAPI FakeFindClose(HANDLE search) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", FindClose)(search);
-  }
   Note("FindClose", search == INVALID_HANDLE_VALUE ? " invalid" : "");
   return FALSE;
 }
 
 DWORD WINAPI FakeGetPrivateProfileStringA(const char* section, const char* key, const char* byDefault, char* text,
                                           DWORD size, const char* path) {
-  if (!Faked()) {
-    return CALL_REAL("kernel32", GetPrivateProfileStringA)(section, key, byDefault, text, size, path);
-  }
   Note("GetPrivateProfileStringA ", Text(section), " ", Text(key), " ", Text(byDefault), " ", size, " ", Text(path));
   *text = '\0';
   return 0;
