@@ -86,7 +86,7 @@ void DebuggedRun::Handle(const DEBUG_EVENT& event) {
       std::string text(event.u.DebugString.nDebugStringLength, '\0');
       ReadProcessMemory(process.hProcess, event.u.DebugString.lpDebugStringData, text.data(), text.size(), nullptr);
       // The platform may have lines of its own to say.
-      result.invalidParameterLines += text.c_str() == std::string(kInvalidParameter) ? 1 : 0;
+      result.invalidParameterLines += std::strcmp(text.c_str(), kInvalidParameter) == 0 ? 1 : 0;
       break;
     }
     case EXCEPTION_DEBUG_EVENT:
