@@ -36,6 +36,7 @@ set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/su
 # The scripts' own tests want what script/setup installs.
 if(CMAKE_HOST_UNIX)
   add_test(NAME lint COMMAND ${CMAKE_SOURCE_DIR}/script/lint)
+  set_tests_properties(lint PROPERTIES TIMEOUT 3600)
   foreach(test reproducible signed)
     add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
       ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-test/${test})
