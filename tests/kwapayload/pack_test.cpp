@@ -21,9 +21,7 @@ class Pack : public testing::Test {
     std::filesystem::create_directory(folder / "out");
   }
 
-  void AddFile(const std::string& name, const std::string& bytes) {
-    WriteWholeFile(folder.Path() / "in" / name, bytes);
-  }
+  void AddFile(const std::string& name, const std::string& bytes) { WriteWholeFile(folder / ("in/" + name), bytes); }
 
   // Expects exit status 1, one line for each fault, each naming its file in the test's folder, and an untouched `out`.
   void ExpectFailure(const std::vector<std::string>& more, const std::vector<std::string>& faults,
@@ -84,7 +82,7 @@ TEST_F(Pack, DepfileEscapesWhatMakeReads) {
   EXPECT_EQ(0, RunTool({"pack", folder / "in", folder / "out/archive", "--contents", folder / "contents.json",
                         "--archive", "B", "--depfile", folder / "out/d"})
                    .status);
-  const std::string root = folder.Path().generic_string();
+  const std::string root = std::filesystem::path(folder.Path()).generic_string();
   EXPECT_EQ(root + "/out/archive: \\\n  " + root + "/in/a\\ b\\#c$$d \\\n  " + root + "/in/e \\\n  " + root +
                 "/contents.json\n",
             ReadWholeFile(folder / "out/d"));

@@ -1,5 +1,5 @@
-// The built file itself: what kind of program it is, what it asks of Windows, what it says of itself and where it
-// carries the payload. Through Windows' own readers where there are any, else through a walk of the headers.
+// The built file itself: what kind of program it is, what it asks of Windows and what it says of itself. Through
+// Windows' own readers where there are any, else through those of the tool that checks installers.
 
 #include <windows.h>
 
@@ -9,66 +9,66 @@
 
 #include "installer_image.h"
 #include "old_windows_imports.h"
-#include "pe_headers.h"
+#include "pe_image.h"
+#include "pe_imports.h"
 
 namespace {
 
-const InstallerImage& Image() {
-  static const InstallerImage image;
+const kwa::PeImage& Image() {
+  static const InstallerImage file;
+  static const kwa::PeImage image = [] {
+    kwa::PeImage read = {};
+    std::string fault;
+    EXPECT_TRUE(kwa::ReadPeImage(kwa::ByteSpan(file.Bytes()), &read, &fault)) << fault;
+    return read;
+  }();
   return image;
-}
-
-const PeHeaders& Headers() {
-  static const PeHeaders headers(Image().Bytes());
-  return headers;
 }
 
 TEST(Executable, IsA32BitProgramWithoutAConsole) {
   DWORD kind = 0;
   EXPECT_TRUE(GetBinaryTypeA(InstallerPath(), &kind));
   EXPECT_EQ(kind, static_cast<DWORD>(SCS_32BIT_BINARY));
-  EXPECT_EQ(Headers().File().Machine, IMAGE_FILE_MACHINE_I386);
-  EXPECT_EQ(Headers().Optional().Magic, IMAGE_NT_OPTIONAL_HDR32_MAGIC);
-  EXPECT_EQ(Headers().Optional().Subsystem, IMAGE_SUBSYSTEM_WINDOWS_GUI);
-  EXPECT_EQ(Headers().File().Characteristics & (IMAGE_FILE_EXECUTABLE_IMAGE | IMAGE_FILE_DLL),
-            IMAGE_FILE_EXECUTABLE_IMAGE);
+  EXPECT_EQ(Image().machine, IMAGE_FILE_MACHINE_I386);
+  EXPECT_FALSE(Image().isPlus);
+  EXPECT_EQ(Image().subsystem, IMAGE_SUBSYSTEM_WINDOWS_GUI);
+  EXPECT_EQ(Image().characteristics & (IMAGE_FILE_EXECUTABLE_IMAGE | IMAGE_FILE_DLL), IMAGE_FILE_EXECUTABLE_IMAGE);
 }
 
 TEST(Executable, StartsOnWindows2000) {
-  EXPECT_EQ(Headers().Optional().MajorSubsystemVersion, 4);
-  EXPECT_EQ(Headers().Optional().MinorSubsystemVersion, 0);
-  EXPECT_EQ(Headers().Optional().MajorOperatingSystemVersion, 4);
-  EXPECT_EQ(Headers().Optional().MinorOperatingSystemVersion, 0);
+  EXPECT_EQ(Image().majorSubsystemVersion, 4);
+  EXPECT_EQ(Image().minorSubsystemVersion, 0);
+  EXPECT_EQ(Image().majorOperatingSystemVersion, 4);
+  EXPECT_EQ(Image().minorOperatingSystemVersion, 0);
 
   std::set<std::string> known;
   for (const kwa::OldWindowsImport& import : kwa::kOldWindowsImports) {
     known.insert(std::string(import.library) + " " + import.function);
   }
+  const kwa::ImportTable imports = kwa::ReadImports(Image());
+  EXPECT_TRUE(imports.isComplete);
   std::set<std::string> libraries;
-  for (const std::string& import : Headers().Imports()) {
-    EXPECT_EQ(known.count(import), 1U) << import;
-    libraries.insert(import.substr(0, import.find(' ')));
+  for (const kwa::ImportedLibrary& library : imports.libraries) {
+    std::string name = library.name;
+    CharLowerA(name.data());
+    libraries.insert(name);
+    EXPECT_FALSE(library.isDelayed) << name;
+    for (const std::string& function : library.functions) {
+      EXPECT_EQ(known.count(name + " " + function), 1U) << name << " " << function;
+    }
   }
   EXPECT_EQ(libraries, (std::set<std::string>{"kernel32.dll", "msvcrt.dll", "shell32.dll"}));
-}
-
-TEST(Executable, ImportsNothingByOtherWays) {
-  for (const int directory :
-       {IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT, IMAGE_DIRECTORY_ENTRY_BOUND_IMPORT, IMAGE_DIRECTORY_ENTRY_COM_DESCRIPTOR}) {
-    EXPECT_EQ(Headers().Optional().DataDirectory[directory].VirtualAddress, 0U) << directory;
-  }
 }
 
 TEST(Executable, IsHardened) {
   const WORD wanted = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_NX_COMPAT |
                       IMAGE_DLLCHARACTERISTICS_TERMINAL_SERVER_AWARE;
-  EXPECT_EQ(Headers().Optional().DllCharacteristics & wanted, wanted);
+  EXPECT_EQ(Image().dllCharacteristics & wanted, wanted);
   // Windows cannot move a program without these.
-  EXPECT_EQ(Headers().File().Characteristics & IMAGE_FILE_RELOCS_STRIPPED, 0);
-  EXPECT_GT(Headers().Optional().DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0U);
-  for (const IMAGE_SECTION_HEADER& section : Headers().Sections()) {
+  EXPECT_TRUE(Image().HasBaseRelocations());
+  for (const kwa::PeSection& section : Image().sections) {
     const DWORD both = IMAGE_SCN_MEM_WRITE | IMAGE_SCN_MEM_EXECUTE;
-    EXPECT_NE(section.Characteristics & both, both) << std::string(reinterpret_cast<const char*>(section.Name), 8);
+    EXPECT_NE(section.characteristics & both, both) << section.name;
   }
 }
 
@@ -101,47 +101,6 @@ TEST(Executable, SaysThatItIsVersion1) {
     ASSERT_TRUE(
         VerQueryValueA(record.data(), (std::string("\\StringFileInfo\\040904B0\\") + name).c_str(), &value, &size));
     EXPECT_STREQ(static_cast<const char*>(value), "1.0") << name;
-  }
-}
-
-// Every byte of the payload and every byte between: the reader relies on whole words, ended names and zero padding.
-TEST(Executable, CarriesThePayloadInReadOnlyData) {
-  const std::string& bytes = Image().Bytes();
-  const struct {
-    const EmbeddedArchive& archive;
-    char folder;
-    std::vector<std::string> names;  // in the order of extraction
-  } cases[] = {{Image().A(),
-                'a',
-                {"marlinusb.exe", "marlin_usb.cat", "marlin_usb.inf", "marlin_usb.sys", "marlin_usb_64.sys",
-                 "marlin_usb_asio.dll", "marlin_usb_asio_64.dll", "Panorama.chm", "Panorama.exe"}},
-               {Image().B(), 'b', {"dpinst.exe", "dpinst64.exe", "eula_de.txt", "eula_en.txt", "kwa.bmp"}}};
-  for (const auto& expected : cases) {
-    SCOPED_TRACE(expected.folder);
-    const EmbeddedArchive& archive = expected.archive;
-    const IMAGE_SECTION_HEADER* const section = Headers().SectionAt(archive.position);
-    ASSERT_NE(section, nullptr);
-    EXPECT_EQ(Headers().SectionAt(archive.end + 3), section);
-    EXPECT_EQ(section->Characteristics & (IMAGE_SCN_CNT_CODE | IMAGE_SCN_MEM_WRITE | IMAGE_SCN_MEM_EXECUTE), 0U);
-    EXPECT_NE(section->Characteristics & IMAGE_SCN_MEM_READ, 0U);
-    EXPECT_EQ((archive.position - section->PointerToRawData + section->VirtualAddress) % 4, 0U);
-
-    std::vector<std::string> names;
-    const std::vector<PayloadFile> payload = PayloadOf(archive, expected.folder);
-    for (std::size_t i = 0; i < archive.files.size(); ++i) {
-      const EmbeddedFile& file = archive.files[i];
-      SCOPED_TRACE(file.name);
-      names.push_back(file.name);
-      EXPECT_EQ(bytes.substr(file.entryPosition + file.name.size(), 260 - file.name.size()),
-                std::string(260 - file.name.size(), '\0'));
-      EXPECT_EQ(file.size, payload[i].contents.size());
-      EXPECT_TRUE(bytes.compare(file.bodyPosition, file.size, payload[i].contents) == 0);
-      const std::size_t next = i + 1 < archive.files.size() ? archive.files[i + 1].bodyPosition : archive.end;
-      EXPECT_EQ(bytes.substr(file.bodyPosition + file.size, next - file.bodyPosition - file.size),
-                std::string((4 - file.size % 4) % 4, '\0'));
-    }
-    EXPECT_EQ(names, expected.names);
-    EXPECT_EQ(Image().Word(archive.end), 0U);
   }
 }
 

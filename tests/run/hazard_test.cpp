@@ -27,7 +27,7 @@ class Hazard : public InstallerRun {
 // The command line has no quotes: Windows tries each part that ends at a blank first.
 TEST_F(Hazard, UnquotedCommandLineStartsAPlantedProgram) {
   const std::string blanks = folder.MakeFolder("some folder\\temp");
-  WriteWholeFile(folder / "some.exe", PayloadOf(InstallerImage().B(), 'b')[0].contents);
+  WriteWholeFile(folder / "some.exe", PayloadFile('b', "dpinst.exe"));
   RunSetup setup = Setup();
   setup.environment["TEMP"] = blanks;
   EXPECT_EQ(RunToEnd(setup).exitStatus, 0U);

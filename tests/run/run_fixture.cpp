@@ -10,11 +10,11 @@ const char* DpinstName() {
 std::map<std::string, std::string> ExpectedFiles(const std::string& document) {
   const InstallerImage image;
   std::map<std::string, std::string> files;
-  for (const PayloadFile& file : PayloadOf(image.A(), 'a')) {
-    files[file.name] = Fingerprint(file.contents);
+  for (const EmbeddedFile& file : image.A().files) {
+    files[file.name] = Fingerprint(PayloadFile('a', file.name));
   }
-  for (const PayloadFile& file : PayloadOf(image.B(), 'b')) {
-    files[file.name] = Fingerprint(file.contents);
+  for (const EmbeddedFile& file : image.B().files) {
+    files[file.name] = Fingerprint(PayloadFile('b', file.name));
   }
   EXPECT_EQ(files.size(), 14U);
   files["dpinst.xml"] = Fingerprint(document);

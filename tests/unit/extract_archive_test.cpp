@@ -8,12 +8,12 @@
 #include <memory>
 #include <stdexcept>
 
-#include "built_archive.h"
+#include "installed_archive.h"
 #include "test_folder.h"
 
 namespace {
 
-using Entries = std::vector<BuiltEntry>;
+using Bodies = std::vector<ArchiveBody>;
 using Files = std::map<std::string, std::string>;
 
 // No two bytes in a row and no two bodies alike, zero bytes and line ends among them.
@@ -58,42 +58,32 @@ class ExtractArchive : public testing::Test {
 
 TEST_F(ExtractArchive, WritesBodiesOfEverySizeAndTellsOfEachChunk) {
   Files files;
-  std::vector<BuiltEntry> entries;
+  Bodies bodies;
   for (const std::size_t size : {0, 1, 3, 4, 4095, 4096, 4097, 8192, 11519, 5}) {
     const std::string name = "body" + std::to_string(size);
-    files[name] = Body(size, static_cast<unsigned>(entries.size()));
-    entries.push_back({name, files[name]});
+    files[name] = Body(size, static_cast<unsigned>(bodies.size()));
+    bodies.push_back({name, files[name]});
   }
-  const BuiltArchive archive(entries);
+  const InstalledArchive archive(bodies);
   archive.Install(kwa::archiveA);
 
   EXPECT_EQ(Extract(), kwa::ArchiveOk);
   EXPECT_EQ(FilesIn(folder.Path()), files);
-  EXPECT_EQ(kwa::archiveA.position, archive.size);
+  EXPECT_EQ(kwa::archiveA.position, archive.End());
   EXPECT_EQ(kwa::archiveB.position, 0U);
-  const std::vector<std::string> expectedEvents = {"start body0 0 0",
-                                                   "start body1 1 1",
-                                                   "progress 1",
-                                                   "start body3 3 3",
-                                                   "progress 3",
-                                                   "start body4 4 4",
-                                                   "progress 4",
-                                                   "start body4095 4095 4095",
-                                                   "progress 4095",
-                                                   "start body4096 4096 4096",
-                                                   "progress 4096",
-                                                   "start body4097 4097 4097",
-                                                   "progress 4096",
-                                                   "progress 4097",
-                                                   "start body8192 8192 8192",
-                                                   "progress 4096",
-                                                   "progress 8192",
-                                                   "start body11519 11519 11519",
-                                                   "progress 4096",
-                                                   "progress 8192",
-                                                   "progress 11519",
-                                                   "start body5 5 5",
-                                                   "progress 5"};
+  // clang-format off
+  const std::vector<std::string> expectedEvents = {
+      "start body0 0 0",
+      "start body1 1 1",             "progress 1",
+      "start body3 3 3",             "progress 3",
+      "start body4 4 4",             "progress 4",
+      "start body4095 4095 4095",    "progress 4095",
+      "start body4096 4096 4096",    "progress 4096",
+      "start body4097 4097 4097",    "progress 4096", "progress 4097",
+      "start body8192 8192 8192",    "progress 4096", "progress 8192",
+      "start body11519 11519 11519", "progress 4096", "progress 8192", "progress 11519",
+      "start body5 5 5",             "progress 5"};
+  // clang-format on
   EXPECT_EQ(events, expectedEvents);
   for (std::size_t i = 0; i < startedEntries.size(); ++i) {
     EXPECT_EQ(startedEntries[i], startedEntries[0] + i) << "entries of one table";
@@ -101,26 +91,27 @@ TEST_F(ExtractArchive, WritesBodiesOfEverySizeAndTellsOfEachChunk) {
 }
 
 TEST_F(ExtractArchive, TakesSizesOf2To31AndMoreForEmptyBodies) {
-  const BuiltArchive archive({{"huge", "", 0x80000000}, {"largest", "", 0xFFFFFFFF}, {"after", "read from here"}});
+  const InstalledArchive archive(
+      Bodies{{"huge", "", 0x80000000}, {"largest", "", 0xFFFFFFFF}, {"after", "read from here"}});
   archive.Install(kwa::archiveA);
   EXPECT_EQ(Extract(), kwa::ArchiveOk);
   EXPECT_EQ(FilesIn(folder.Path()), (Files{{"huge", ""}, {"largest", ""}, {"after", "read from here"}}));
   EXPECT_EQ(events, (std::vector<std::string>{"start huge 2147483648 2147483648", "start largest 4294967295 4294967295",
                                               "start after 14 14", "progress 14"}));
-  EXPECT_EQ(kwa::archiveA.position, archive.size);
+  EXPECT_EQ(kwa::archiveA.position, archive.End());
 }
 
 TEST_F(ExtractArchive, OverwritesAndLetsTheLaterOfTwoNamesWin) {
   WriteWholeFile(folder / "twice", Body(10000));
-  const BuiltArchive archive({{"twice", "the first and longer one"}, {"between", "b"}, {"twice", "second"}});
+  const InstalledArchive archive(Bodies{{"twice", "the first and longer one"}, {"between", "b"}, {"twice", "second"}});
   archive.Install(kwa::archiveA);
   EXPECT_EQ(Extract(), kwa::ArchiveOk);
   EXPECT_EQ(FilesIn(folder.Path()), (Files{{"twice", "second"}, {"between", "b"}}));
 }
 
 TEST_F(ExtractArchive, SelectsArchiveAByZeroAndArchiveBByAllElse) {
-  const BuiltArchive a(Entries{{"a", "of archive A"}});
-  const BuiltArchive b(Entries{{"b", "of archive B"}});
+  const InstalledArchive a(Bodies{{"a", "of archive A"}});
+  const InstalledArchive b(Bodies{{"b", "of archive B"}});
   for (const std::int32_t index : {0, 1, 2, -1, INT_MIN, INT_MAX}) {
     SCOPED_TRACE(index);
     a.Install(kwa::archiveA);
@@ -128,13 +119,13 @@ TEST_F(ExtractArchive, SelectsArchiveAByZeroAndArchiveBByAllElse) {
     const TestFolder own;
     EXPECT_EQ(kwa::ExtractArchive(own.Slashed().c_str(), nullptr, index), kwa::ArchiveOk);
     EXPECT_EQ(FilesIn(own.Path()), index == 0 ? (Files{{"a", "of archive A"}}) : (Files{{"b", "of archive B"}}));
-    EXPECT_EQ(kwa::archiveA.position, index == 0 ? a.size : 0);
-    EXPECT_EQ(kwa::archiveB.position, index == 0 ? 0 : b.size);
+    EXPECT_EQ(kwa::archiveA.position, index == 0 ? a.End() : 0);
+    EXPECT_EQ(kwa::archiveB.position, index == 0 ? 0 : b.End());
   }
 }
 
 TEST_F(ExtractArchive, RefusesAForeignHeader) {
-  const std::string one = BuiltArchive::Word(1);
+  const std::string one = WordBytes(1);
   const struct {
     std::string header;
     kwa::ArchiveResult result;
@@ -142,11 +133,11 @@ TEST_F(ExtractArchive, RefusesAForeignHeader) {
   } cases[] = {
       {"PAWK" + one, kwa::ArchiveCorrupt, 4},         {"kwap" + one, kwa::ArchiveCorrupt, 4},
       {"KWAQ" + one, kwa::ArchiveCorrupt, 4},         {"XWAP" + one, kwa::ArchiveCorrupt, 4},
-      {std::string(8, '\0'), kwa::ArchiveCorrupt, 4}, {"KWAP" + BuiltArchive::Word(0), kwa::ArchiveEmpty, 8},
+      {std::string(8, '\0'), kwa::ArchiveCorrupt, 4}, {"KWAP" + WordBytes(0), kwa::ArchiveEmpty, 8},
   };
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.header);
-    BuiltArchive archive = BuiltArchive::Raw(expected.header + std::string(300, 'x'));
+    const InstalledArchive archive(expected.header + std::string(300, 'x'));
     archive.Install(kwa::archiveA);
     EXPECT_EQ(Extract(), expected.result);
     EXPECT_EQ(kwa::archiveA.position, expected.position);
@@ -159,7 +150,7 @@ TEST_F(ExtractArchive, RefusesAForeignHeader) {
 TEST_F(ExtractArchive, ThrowsWhenTheTableIsTooLong) {
   for (const std::uint32_t count : {16268815U, 16268816U, 0x80000000U, 0xFFFFFFFFU}) {
     SCOPED_TRACE(count);
-    const BuiltArchive archive = BuiltArchive::Raw("KWAP" + BuiltArchive::Word(count));
+    const InstalledArchive archive("KWAP" + WordBytes(count));
     archive.Install(kwa::archiveA);
     try {
       Extract();
@@ -189,8 +180,8 @@ TEST_P(FailingOpen, EndsTheExtractionThere) {
     folder.MakeFolder(failure.name);
   }
   const auto lock = failure.isLocked ? std::make_unique<LockedFile>(folder / failure.name) : nullptr;
-  const BuiltArchive a({{"first", "of A"}, {failure.name, "KWAQ"}, {"third", "3"}});
-  const BuiltArchive b(Entries{{"other", "of B"}});
+  const InstalledArchive a(Bodies{{"first", "of A"}, {failure.name, "KWAQ"}, {"third", "3"}});
+  const InstalledArchive b(Bodies{{"other", "of B"}});
   a.Install(kwa::archiveA);
   b.Install(kwa::archiveB);
 
@@ -199,10 +190,11 @@ TEST_P(FailingOpen, EndsTheExtractionThere) {
   EXPECT_FALSE(Exists(folder / "third"));
   EXPECT_EQ(events,
             (std::vector<std::string>{"start first 4 4", "progress 4", "start " + std::string(failure.name) + " 4 4"}));
-  EXPECT_EQ(kwa::archiveA.position, a.bodyOffsets[1]);
+  const std::uint32_t secondBody = 8 + 3 * sizeof(kwa::ArchiveEntry) + 4;
+  EXPECT_EQ(kwa::archiveA.position, secondBody);
   // A second try takes the body for the magic; the other archive does not care.
   EXPECT_EQ(Extract(0), kwa::ArchiveCorrupt);
-  EXPECT_EQ(kwa::archiveA.position, a.bodyOffsets[1] + 4);
+  EXPECT_EQ(kwa::archiveA.position, secondBody + 4);
   EXPECT_EQ(Extract(1), kwa::ArchiveOk);
   EXPECT_EQ(ReadWholeFile(folder / "other"), "of B");
 }
@@ -216,7 +208,7 @@ INSTANTIATE_TEST_SUITE_P(, FailingOpen,
                          [](const auto& test) { return std::string(test.param.what); });
 
 TEST_F(ExtractArchive, FailsInAMissingFolder) {
-  const BuiltArchive archive(Entries{{"file", "x"}});
+  const InstalledArchive archive(Bodies{{"file", "x"}});
   archive.Install(kwa::archiveA);
   EXPECT_EQ(kwa::ExtractArchive((folder / "missing\\").c_str(), nullptr, 0), kwa::ArchiveExtractFailed);
   EXPECT_EQ(FilesIn(folder.Path()), Files());
@@ -224,7 +216,7 @@ TEST_F(ExtractArchive, FailsInAMissingFolder) {
 
 TEST_F(ExtractArchive, PutsNothingBetweenFolderAndName) {
   folder.MakeFolder("kwa");
-  const BuiltArchive archive({{"dpinst.exe", "x"}, {"\\inside", "y"}});
+  const InstalledArchive archive(Bodies{{"dpinst.exe", "x"}, {"\\inside", "y"}});
   archive.Install(kwa::archiveA);
   EXPECT_EQ(kwa::ExtractArchive((folder / "kwa").c_str(), nullptr, 0), kwa::ArchiveOk);
   EXPECT_EQ(FilesIn(folder.Path()), (Files{{"kwa\\", ""}, {"kwadpinst.exe", "x"}}));
@@ -232,14 +224,14 @@ TEST_F(ExtractArchive, PutsNothingBetweenFolderAndName) {
 }
 
 TEST_F(ExtractArchive, WorksOncePerArchive) {
-  const BuiltArchive archive(Entries{{"file", Body(4097)}});
+  const InstalledArchive archive(Bodies{{"file", Body(4097)}});
   archive.Install(kwa::archiveA);
   EXPECT_EQ(Extract(), kwa::ArchiveOk);
   WriteWholeFile(folder / "file", "changed since");
   events.clear();
   EXPECT_EQ(Extract(), kwa::ArchiveCorrupt);
   EXPECT_EQ(FilesIn(folder.Path()), (Files{{"file", "changed since"}}));
-  EXPECT_EQ(kwa::archiveA.position, archive.size + 4);
+  EXPECT_EQ(kwa::archiveA.position, archive.End() + 4);
   EXPECT_TRUE(events.empty());
 }
 
@@ -251,7 +243,7 @@ TEST_F(ExtractArchive, CallsOnlyTheCallbacksThereAre) {
     const kwa::ExtractionCallbacks* callbacks;
     std::vector<std::string> events;
   } cases[] = {{nullptr, {}}, {&none, {}}, {&onlyStart, {"start f 1 1"}}, {&onlyProgress, {"progress 1"}}};
-  const BuiltArchive archive(Entries{{"f", "x"}});
+  const InstalledArchive archive(Bodies{{"f", "x"}});
   for (const auto& expected : cases) {
     archive.Install(kwa::archiveA);
     events.clear();

@@ -6,12 +6,12 @@
 
 #include <algorithm>
 
-#include "built_archive.h"
+#include "installed_archive.h"
 
 namespace {
 
 TEST(ReadArchiveBytes, ReadsWholeWords) {
-  const BuiltArchive archive = BuiltArchive::Raw("abcdefghijklmnop");
+  const InstalledArchive archive("abcdefghijklmnop");
   const struct {
     std::uint32_t byteCount;
     std::string destination;
@@ -27,7 +27,7 @@ TEST(ReadArchiveBytes, ReadsWholeWords) {
 }
 
 TEST(ReadArchiveRecords, ReadsThemBackToBack) {
-  const BuiltArchive archive = BuiltArchive::Raw("abcdefghijklmnop");
+  const InstalledArchive archive("abcdefghijklmnop");
   archive.Install(kwa::archiveA);
   std::string destination(16, '.');
   kwa::ReadArchiveRecords(destination.data(), 4, 0, 0);

@@ -2,10 +2,9 @@
 // folder and shows the wizard that DPInst would show. It installs nothing.
 //
 // Environment variables:
-//   KWA_STANDIN_REPORT=FOLDER      shows nothing; writes report.json (how it was started, the files beside it, the
-//   flags
-//                                  and, for each language, the wizard's texts; or the error) and a copy of dpinst.xml
-//                                  into the folder
+//   KWA_STANDIN_REPORT=FOLDER      shows nothing; writes report.json and a copy of dpinst.xml into the folder. The
+//                                  report tells how it was started, the files beside it, the flags and, for each
+//                                  language, the wizard's texts; or the error
 //   KWA_STANDIN_LANGUAGE=0x0407    the user's language; by default that of Windows
 //   KWA_STANDIN_AUTO=MILLISECONDS  walks through the wizard by itself, staying that long on each page, and shows no
 //                                  message

@@ -15,8 +15,7 @@ void PutWord(std::string& bytes, std::size_t offset, std::uint32_t word) {
 std::string BuildArchive(const std::vector<ArchiveBody>& bodies) {
   std::string archive = "KWAP" + WordBytes(static_cast<std::uint32_t>(bodies.size()));
   for (const ArchiveBody& body : bodies) {
-    archive += body.name + std::string(260 - body.name.size(), '\0');
-    archive += WordBytes(static_cast<std::uint32_t>(body.bytes.size()));
+    archive += body.name + std::string(260 - body.name.size(), '\0') + WordBytes(body.size);
   }
   for (const ArchiveBody& body : bodies) {
     archive += body.bytes;

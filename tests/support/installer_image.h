@@ -18,7 +18,8 @@ struct EmbeddedArchive {
   std::size_t end;  // behind the last body's padding: where the closing word stands
 };
 
-// The built installer, to be looked into and to be damaged in a copy.
+// The built installer, to be looked into and to be damaged in a copy. Finds its way by itself, not with the tools that
+// are to be tested.
 class InstallerImage {
  public:
   // The installer under test.
@@ -28,15 +29,19 @@ class InstallerImage {
   const EmbeddedArchive& A() const { return archives[0]; }
   const EmbeddedArchive& B() const { return archives[1]; }
   const EmbeddedFile& Find(const std::string& name) const;
-
   std::uint32_t Word(std::size_t position) const;
 
+  // Writes over what stands there.
+  void SetText(std::size_t position, const std::string& text) { bytes.replace(position, text.size(), text); }
+  void SetHalf(std::size_t position, std::uint16_t half);
   void SetWord(std::size_t position, std::uint32_t word);
   // The record's count of an archive, the name or size of an entry, the first bytes of a body.
   void SetCount(const EmbeddedArchive& archive, std::uint32_t count) { SetWord(archive.position + 4, count); }
   void SetSize(const EmbeddedFile& file, std::uint32_t size) { SetWord(file.entryPosition + 260, size); }
   void SetName(const EmbeddedFile& file, std::string name);
   void SetBody(const EmbeddedFile& file, std::string body);
+  // Cuts the file's end off, or puts bytes there.
+  void Resize(std::size_t size) { bytes.resize(size, 'x'); }
 
   void WriteTo(const std::string& path) const;
 
@@ -48,9 +53,5 @@ class InstallerImage {
 // The path of the installer under test.
 const char* InstallerPath();
 
-// The payload that it carries, in the order of the archive.
-struct PayloadFile {
-  std::string name;
-  std::string contents;
-};
-std::vector<PayloadFile> PayloadOf(const EmbeddedArchive& archive, char folder);
+// The bytes of a payload file that went into archive A (folder 'a') or B ('b').
+std::string PayloadFile(char folder, const std::string& name);

@@ -12,11 +12,15 @@ class TemporaryFolder {
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  const std::filesystem::path& Path() const { return path; }
-  std::string operator/(const std::string& name) const { return (path / name).string(); }
+  // Without a separator at its end.
+  const std::string& Path() const { return path; }
+  std::string operator/(const std::string& name) const { return (std::filesystem::path(path) / name).string(); }
+
+  // Creates a folder in this one, its parents as well, and returns its path.
+  std::string MakeFolder(const std::string& name) const;
 
  private:
-  std::filesystem::path path;
+  std::string path;
 };
 
 // The whole file; a missing one fails the test and gives "".

@@ -4,7 +4,8 @@
 
 #include <cstring>
 
-#include "test_folder.h"
+#include "built_archive.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -63,21 +64,23 @@ std::uint32_t InstallerImage::Word(std::size_t position) const {
   return word;
 }
 
+void InstallerImage::SetHalf(std::size_t position, std::uint16_t half) {
+  SetText(position, WordBytes(half).substr(0, 2));
+}
+
 void InstallerImage::SetWord(std::size_t position, std::uint32_t word) {
-  for (std::size_t i = 0; i < 4; ++i) {
-    bytes.at(position + i) = static_cast<char>(word >> (8 * i));
-  }
+  PutWord(bytes, position, word);
 }
 
 void InstallerImage::SetName(const EmbeddedFile& file, std::string name) {
   name.resize(kNameSize);
-  bytes.replace(file.entryPosition, kNameSize, name);
+  SetText(file.entryPosition, name);
 }
 
 void InstallerImage::SetBody(const EmbeddedFile& file, std::string body) {
   EXPECT_LE(body.size(), file.size) << "too large for " << file.name;
   body.resize(file.size);
-  bytes.replace(file.bodyPosition, file.size, body);
+  SetText(file.bodyPosition, body);
 }
 
 void InstallerImage::WriteTo(const std::string& path) const {
@@ -88,10 +91,6 @@ const char* InstallerPath() {
   return KWA_INSTALLER;
 }
 
-std::vector<PayloadFile> PayloadOf(const EmbeddedArchive& archive, char folder) {
-  std::vector<PayloadFile> files;
-  for (const EmbeddedFile& file : archive.files) {
-    files.push_back({file.name, ReadWholeFile(std::string(KWA_PAYLOAD_DIR "/") + folder + "/" + file.name)});
-  }
-  return files;
+std::string PayloadFile(char folder, const std::string& name) {
+  return ReadWholeFile(std::string(KWA_PAYLOAD_DIR "/") + folder + "/" + name);
 }

@@ -9,6 +9,8 @@
 struct ArchiveBody {
   std::string name;
   std::string bytes;
+  // What the entry says of the body's size; by default the truth.
+  std::uint32_t size = static_cast<std::uint32_t>(bytes.size());
 };
 
 // An archive with its closing zero word.
