@@ -15,8 +15,8 @@ struct DriverPackageIdentity {
 // Reads the identity from the [Version] section of the first INF in a folder.
 //
 // workFolder   8-bit path with a trailing separator
-// version      kTextCapacity bytes; receives DriverVer, cut to 259 characters, or "" when INF, section or key is
-// missing displayName  likewise for DriverPackageDisplayName
+// version      kTextCapacity bytes; receives DriverVer, cut to 259 characters; "" without an INF, section or key
+// displayName  likewise for DriverPackageDisplayName
 //
 // Returns the characters copied into version, terminator not counted. Raises nothing. With no search handle at all,
 // which the platform never gives, returns 0 and leaves both buffers as they are.

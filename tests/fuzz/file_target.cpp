@@ -2,26 +2,10 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "entry_name.h"
 #include "file_kind.h"
 #include "installer_file.h"
-#include "pe_imports.h"
-#include "pe_resources.h"
 #include "tool_failure.h"
-#include "version_record.h"
-
-namespace {
-
-void ReadExecutable(const kwa::PeImage& image) {
-  kwa::ReadImports(image);
-  const auto resources = kwa::ReadResources(image);
-  kwa::VersionRecord record;
-  kwa::ReadVersionRecord(kwa::FirstResource(resources, kwa::kResourceTypeVersion), &record);
-  image.CertificateTable();
-  image.HasBaseRelocations();
-}
-
-}  // namespace
+#include "verification.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const kwa::ByteSpan bytes(data, size);
@@ -30,13 +14,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   kwa::FindArchives(bytes);
   try {
     const kwa::InstallerFile installer = kwa::ReadInstallerFile(bytes, "file");
-    if (installer.image) {
-      ReadExecutable(*installer.image);
-    }
-    kwa::FindInf(installer);
+    kwa::VerifyInstaller(installer, {});
     for (const kwa::LocatedArchive& located : installer.archives) {
       for (const kwa::ArchiveItem& item : located.archive.items) {
-        kwa::EntryNameFault(item.name);
         kwa::FileKind(item.body);
         // A sound archive has every byte that it promises.
         if (located.archive.IsReadable() && item.body.Size() != item.size) {
