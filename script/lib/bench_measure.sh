@@ -81,7 +81,7 @@ measure_memory() {
           VmHWM:) [ "$value" -le "$resident" ] || resident=$value ;;
           RssAnon:) [ "$value" -le "$private" ] || private=$value ;;
         esac
-      done <"/proc/$pid/status"
+      done <"/proc/$pid/status" || break # it has just ended
     done 2>/dev/null
     wait "$pid" || fail "failed: $name"
     result "resident.$name" $((resident * 1024))

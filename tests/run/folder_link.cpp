@@ -11,7 +11,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void RunCommand(std::string commandLine) {
+void RunCommand(const std::string& command) {
+  std::string commandLine = command;  // the system may write to it
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process = {};

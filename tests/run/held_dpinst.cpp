@@ -4,19 +4,27 @@
 
 #include "test_folder.h"
 
+namespace {
+
+// Its own among all runs of this and other test processes.
+std::string NextName() {
+  static int number = 0;
+  return "kwa_test_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++number);
+}
+
+}  // namespace
+
 void HeldDpinst::PutInto(InstallerImage& image) {
   const std::string program = ReadWholeFile(KWA_WAITING_DPINST);
   image.SetBody(image.Find("dpinst.exe"), program);
   image.SetBody(image.Find("dpinst64.exe"), program);
 }
 
-HeldDpinst::HeldDpinst(const std::string& folder) {
-  static int number = 0;
-  name = "kwa_test_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++number);
-  processFile = folder + "\\" + name;
-  started = CreateEventA(nullptr, TRUE, FALSE, (name + "_started").c_str());
-  end = CreateEventA(nullptr, TRUE, FALSE, (name + "_end").c_str());
-}
+HeldDpinst::HeldDpinst(const std::string& folder)
+    : name(NextName()),
+      processFile(folder + "\\" + name),
+      started(CreateEventA(nullptr, TRUE, FALSE, (name + "_started").c_str())),
+      end(CreateEventA(nullptr, TRUE, FALSE, (name + "_end").c_str())) {}
 
 HeldDpinst::~HeldDpinst() {
   LetEnd();

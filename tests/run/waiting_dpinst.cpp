@@ -22,7 +22,11 @@ int WINAPI WinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPSTR /*comma
     std::fprintf(file, "%lu", GetCurrentProcessId());
     std::fclose(file);
   }
-  SetEvent(OpenNamedEvent("KWA_TEST_STARTED"));
-  WaitForSingleObject(OpenNamedEvent("KWA_TEST_END"), INFINITE);
+  const HANDLE started = OpenNamedEvent("KWA_TEST_STARTED");
+  SetEvent(started);
+  CloseHandle(started);
+  const HANDLE end = OpenNamedEvent("KWA_TEST_END");
+  WaitForSingleObject(end, INFINITE);
+  CloseHandle(end);
   return 1;
 }

@@ -139,7 +139,8 @@ TEST(ReadPackageIdentity, LeavesTheBuffersOnlyWithoutAHandle) {
   const Calls readAllTheSame = {nothingFound[0], "GetPrivateProfileStringA 'Version' 'DriverVer' '' 260 'C:\\kwa\\'",
                                 "GetPrivateProfileStringA 'Version' 'DriverPackageDisplayName' '' 260 'C:\\kwa\\'",
                                 "FindClose invalid"};
-  for (const HANDLE search : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+  const HANDLE searches[] = {nullptr, INVALID_HANDLE_VALUE};
+  for (const HANDLE search : searches) {
     PlatformAnswers answers;
     answers.search = search;
     char version[kwa::kTextCapacity] = "version";
