@@ -9,6 +9,8 @@
 # "null" shows no window and needs no display; "shown" is for pictures and for people, and needs DISPLAY.
 
 export WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
+# In the locale C, Wine makes no files with names beyond ASCII.
+export LC_ALL=C.UTF-8
 
 # Wine's programs pass their output on to servers that outlive them: a reader of that output would wait for those.
 wine_quiet() { "$@" </dev/null >/dev/null 2>&1; }
@@ -40,11 +42,22 @@ wine_make_one() {
       wine_quiet wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
     fi
   fi
+  wine_keep_home "$prefix"
   # The registry is on disk only when the server has ended.
   wine_quiet wineserver -w
   unset WINEPREFIX
   wine_fonts "$prefix"
   printf '%s\n' "$stamp" >"$prefix/stamp"
+}
+
+# wine_keep_home PREFIX: folders of its own for the user, where Wine puts links to the home folder: the tests delete
+# folders, and a fault in what they test must not get there.
+wine_keep_home() {
+  local link
+  find "$1/drive_c/users" -type l | while read -r link; do
+    rm "$link"
+    mkdir "$link"
+  done
 }
 
 # wine_fonts PREFIX: Debian's Wine does not look where Debian's fonts-wine puts its fonts, and shows dialogs in whatever

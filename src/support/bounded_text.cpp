@@ -19,15 +19,16 @@ int FailEmptied(char* destination, int error) {
   return FailInvalidParameter(error);
 }
 
-// Copies source behind the first `length` bytes of destination; length is less than capacity.
+// Copies source behind the first `length` bytes of destination; length is less than capacity. Nothing is copied of what
+// does not fit: its rest would stand behind a shorter path that is put there next, and the shell would take it for a
+// second path to delete.
 int CopyBehind(char* destination, std::size_t length, std::size_t capacity, const char* source) {
-  for (std::size_t i = length; i < capacity; ++i) {
-    destination[i] = source[i - length];
-    if (destination[i] == '\0') {
-      return 0;
-    }
+  const std::size_t size = std::strlen(source) + 1;
+  if (size > capacity - length) {
+    return FailEmptied(destination, ERANGE);
   }
-  return FailEmptied(destination, ERANGE);
+  std::memcpy(destination + length, source, size);
+  return 0;
 }
 
 }  // namespace

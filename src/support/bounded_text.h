@@ -14,7 +14,7 @@ constexpr std::size_t kTextCapacity = 260;
 // A result that does not fit is never truncated: half a path names a different file. Instead the destination becomes
 // the empty string and the caller goes on with that.
 //
-// destination  zero-terminated 8-bit text; bytes behind the new terminator keep what they held
+// destination  zero-terminated 8-bit text; bytes behind the new terminator keep what they held, after a failure as well
 // capacity     size of destination in bytes, terminator included
 // source       zero-terminated 8-bit text; must not overlap destination
 //

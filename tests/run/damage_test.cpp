@@ -6,51 +6,55 @@ namespace {
 
 using Files = std::map<std::string, std::string>;
 
-// The first files of the payload, in the order in which they are written.
-std::vector<std::string> FirstNames(const InstallerImage& image, std::size_t count) {
+// The files of the payload that are written before the named one, sorted.
+std::vector<std::string> NamesBefore(const InstallerImage& image, const std::string& end) {
   std::vector<std::string> names;
   for (const EmbeddedArchive* archive : {&image.A(), &image.B()}) {
     for (const EmbeddedFile& file : archive->files) {
-      if (names.size() < count) {
-        names.push_back(file.name);
+      if (file.name == end) {
+        std::sort(names.begin(), names.end());
+        return names;
       }
+      names.push_back(file.name);
     }
   }
-  std::sort(names.begin(), names.end());
+  ADD_FAILURE() << "no file " << end;
   return names;
 }
 
 struct Damage {
   const char* what;
   void (*change)(InstallerImage&);
-  bool returns;           // else it ends through terminate
-  std::size_t filesLeft;  // how many of the payload's files stay in the work folder
-  bool isFolderLeft = true;
+  bool returns;     // else it ends through terminate
+  const char* end;  // the first of the payload's files that is not written; those before it stay; null: none stays
 };
+
+constexpr char kFirstOfA[] = "marlinusb.exe";
+constexpr char kFirstOfB[] = "dpinst.exe";
 
 // clang-format off
 const Damage kDamages[] = {
-    {"MagicOfA", [](InstallerImage& image) { image.SetWord(image.A().position, 0x5041574C); }, true, 0},
-    {"NothingInA", [](InstallerImage& image) { image.SetCount(image.A(), 0); }, true, 0},
-    {"MagicOfB", [](InstallerImage& image) { image.SetWord(image.B().position, 0); }, true, 9},
-    {"NothingInB", [](InstallerImage& image) { image.SetCount(image.B(), 0); }, true, 9},
-    {"RefusedNameInA", [](InstallerImage& image) { image.SetName(image.Find("marlin_usb.sys"), "a*b"); }, true, 3},
-    {"MissingFolderInB", [](InstallerImage& image) { image.SetName(image.Find("eula_de.txt"), "x\\y"); }, true, 11},
+    {"MagicOfA", [](InstallerImage& image) { image.SetWord(image.A().position, 0x5041574C); }, true, kFirstOfA},
+    {"NothingInA", [](InstallerImage& image) { image.SetCount(image.A(), 0); }, true, kFirstOfA},
+    {"MagicOfB", [](InstallerImage& image) { image.SetWord(image.B().position, 0); }, true, kFirstOfB},
+    {"NothingInB", [](InstallerImage& image) { image.SetCount(image.B(), 0); }, true, kFirstOfB},
+    {"RefusedNameInA", [](InstallerImage& image) { image.SetName(image.Find("marlin_usb.sys"), "a*b"); }, true, "marlin_usb.sys"},
+    {"MissingFolderInB", [](InstallerImage& image) { image.SetName(image.Find("eula_de.txt"), "x\\y"); }, true, "eula_de.txt"},
     // The table of this many entries does not fit in 32 bits, in a container, or in memory.
-    {"CountOfAPastTheLimit", [](InstallerImage& image) { image.SetCount(image.A(), 16268816); }, false, 0},
-    {"CountOfATheLargest", [](InstallerImage& image) { image.SetCount(image.A(), 0xFFFFFFFF); }, false, 0},
-    {"CountOfAAtTheLimit", [](InstallerImage& image) { image.SetCount(image.A(), 16268815); }, false, 0},
-    {"CountOfAWithoutMemory", [](InstallerImage& image) { image.SetCount(image.A(), 8134407); }, false, 0},
-    {"CountOfBPastTheLimit", [](InstallerImage& image) { image.SetCount(image.B(), 16268816); }, false, 9},
+    {"CountOfAPastTheLimit", [](InstallerImage& image) { image.SetCount(image.A(), 16268816); }, false, kFirstOfA},
+    {"CountOfATheLargest", [](InstallerImage& image) { image.SetCount(image.A(), 0xFFFFFFFF); }, false, kFirstOfA},
+    {"CountOfAAtTheLimit", [](InstallerImage& image) { image.SetCount(image.A(), 16268815); }, false, kFirstOfA},
+    {"CountOfAWithoutMemory", [](InstallerImage& image) { image.SetCount(image.A(), 8134407); }, false, kFirstOfA},
+    {"CountOfBPastTheLimit", [](InstallerImage& image) { image.SetCount(image.B(), 16268816); }, false, kFirstOfB},
     // DPInst cannot be started: it is not there, or no program.
     {"NoDpinst", [](InstallerImage& image) {
        image.SetName(image.Find("dpinst64.exe"), "dpinst65.exe");
        image.SetName(image.Find("dpinst.exe"), "dpinst33.exe");
-     }, true, 0, false},
+     }, true, nullptr},
     {"DpinstIsNoProgram", [](InstallerImage& image) {
        image.SetBody(image.Find("dpinst64.exe"), "");
        image.SetBody(image.Find("dpinst.exe"), "");
-     }, true, 0, false},
+     }, true, nullptr},
 };
 // clang-format on
 
@@ -65,9 +69,9 @@ TEST_P(DamagedInstaller, StartsNothing) {
   EXPECT_EQ(result.exitStatus == 0, damage.returns) << result.exitStatus;
   EXPECT_EQ(result.invalidParameterLines, 0);
   EXPECT_FALSE(DpinstRan());
-  ASSERT_EQ(Exists(work), damage.isFolderLeft);
-  if (damage.isFolderLeft) {
-    EXPECT_EQ(NamesIn(work), FirstNames(sound, damage.filesLeft));
+  ASSERT_EQ(Exists(work), damage.end != nullptr);
+  if (damage.end != nullptr) {
+    EXPECT_EQ(NamesIn(work), NamesBefore(sound, damage.end));
   }
 }
 

@@ -62,7 +62,7 @@ TEST_F(FullDisk, BeforeTheConfigurationIsWritten) {
   LeaveFree(room);
   EXPECT_EQ(RunToEnd(SetupThere()).exitStatus, 0U);
   const DpinstReport report = ReadReport(reports);
-  EXPECT_EQ(report.files.size(), 15U);
+  EXPECT_EQ(report.files.size(), ExpectedNames().size());
   EXPECT_EQ(report.document, ExpectedDocumentHere().substr(0, report.document.size()));
   EXPECT_LT(report.document.size(), ExpectedDocumentHere().size());
   EXPECT_EQ(NamesIn(TempFolder()), std::vector<std::string>());

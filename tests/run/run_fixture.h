@@ -35,8 +35,11 @@ class InstallerRun : public testing::Test {
 // The edition of DPInst for the Windows under test.
 const char* DpinstName();
 
-// The 15 files that DPInst must find beside itself, as a report states them; dpinst.xml as for this identity.
+// The files that DPInst must find beside itself, as a report states them; dpinst.xml as for this identity.
 std::map<std::string, std::string> ExpectedFiles(const std::string& document);
+
+// Their names, sorted.
+std::vector<std::string> ExpectedNames();
 
 // dpinst.xml as the Windows under test must get it.
 std::string ExpectedDocumentHere();

@@ -6,6 +6,18 @@
 
 #include "test_folder.h"
 
+namespace {
+
+using Names = std::vector<std::string>;
+
+Names Difference(const Names& names, const Names& without) {
+  Names difference;
+  std::set_difference(names.begin(), names.end(), without.begin(), without.end(), std::back_inserter(difference));
+  return difference;
+}
+
+}  // namespace
+
 ScratchDrive::ScratchDrive(const std::string& folder) {
   if (MakeDrive(folder)) {
     root = ownLetter + "\\";
@@ -37,9 +49,10 @@ bool ScratchDrive::MakeDrive(const std::string& folder) {
   return Exists(drive + "\\");  // Wine knows the letter then, but opens no file there
 }
 
-std::vector<std::string> ScratchDrive::NewNames() const {
-  const std::vector<std::string> names = NamesIn(root);
-  std::vector<std::string> newNames;
-  std::set_difference(names.begin(), names.end(), namesBefore.begin(), namesBefore.end(), std::back_inserter(newNames));
-  return newNames;
+Names ScratchDrive::NewNames() const {
+  return Difference(NamesIn(root), namesBefore);
+}
+
+Names ScratchDrive::LostNames() const {
+  return Difference(namesBefore, NamesIn(root));
 }

@@ -17,8 +17,9 @@ class ScratchDrive {
   // "X:\".
   const std::string& Root() const { return root; }
 
-  // What has come into the root since the beginning.
+  // What has come into the root since the beginning, and what has gone.
   std::vector<std::string> NewNames() const;
+  std::vector<std::string> LostNames() const;
 
  private:
   bool MakeDrive(const std::string& folder);

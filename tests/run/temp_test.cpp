@@ -1,23 +1,12 @@
 // What becomes of a run for each kind of value of TEMP: where the files go, which command line starts DPInst, how often
 // the runtime complains, and what stays behind.
 
-#include <algorithm>
-
 #include "expected_document.h"
 #include "run_fixture.h"
 #include "scratch_drive.h"
 #include "windows_facts.h"
 
 namespace {
-
-std::vector<std::string> NamesOf(const std::map<std::string, std::string>& files) {
-  std::vector<std::string> names;
-  for (const auto& [name, fingerprint] : files) {
-    names.push_back(name);
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 // dpinst.xml of a package that says nothing of itself.
 std::string DocumentWithoutIdentity() {
@@ -62,6 +51,7 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
     EXPECT_EQ(report.program, drive.Root() + "kwa\\" + DpinstName());
     EXPECT_EQ(report.files, files);
     EXPECT_EQ(drive.NewNames(), std::vector<std::string>());
+    EXPECT_EQ(drive.LostNames(), std::vector<std::string>());
     DeleteFileA((reports + "\\report.json").c_str());
   }
 }
@@ -79,7 +69,8 @@ TEST_F(InstallerTemp, Of256To259CharactersFillsTheRootOfTheDrive) {
     EXPECT_EQ(report.commandLine, std::string("\\") + DpinstName());
     EXPECT_EQ(report.program, drive.Root() + DpinstName());
     EXPECT_EQ(report.document, ExpectedDocumentHere());
-    EXPECT_EQ(drive.NewNames(), NamesOf(files));
+    EXPECT_EQ(drive.NewNames(), ExpectedNames());
+    EXPECT_EQ(drive.LostNames(), std::vector<std::string>());
     for (const std::string& name : drive.NewNames()) {
       EXPECT_EQ(Fingerprint(ReadWholeFile(drive.Root() + name)), files.at(name)) << name;
       DeleteFileA((drive.Root() + name).c_str());

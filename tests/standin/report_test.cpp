@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "dpinst/dpinst_texts.h"
 #include "expected_document.h"
 #include "standin_process.h"
 
@@ -62,7 +63,7 @@ TEST(StandinReport, HoldsTheTextsOfAllLanguages) {
         flags.push_back("legacyMode");
       }
       EXPECT_EQ(report.content["flags"], flags);
-      EXPECT_EQ(report.content["languages"].size(), 25u);
+      EXPECT_EQ(report.content["languages"].size(), std::size(kwa::DpinstLanguages));
       for (const auto& [language, shown] : report.content["languages"].items()) {
         const json& expected = language == "0x0407" ? kGerman : kEnglish;
         for (const auto& [name, text] : expected.items()) {
