@@ -90,7 +90,7 @@ TEST_F(InstallerTemp, Of255CharactersFillsTheCurrentFolder) {
   EXPECT_EQ(report.program, current + "\\" + DpinstName());
   EXPECT_EQ(report.document, DocumentWithoutIdentity());
   EXPECT_EQ(report.files, ExpectedFiles(DocumentWithoutIdentity()));
-  EXPECT_TRUE(Exists(current + "\\Panorama.exe")) << "nobody cleans up";
+  EXPECT_EQ(NamesIn(current), ExpectedNames()) << "nobody cleans up";
 }
 
 TEST_F(InstallerTemp, IsTakenAsItStands) {
