@@ -10,7 +10,7 @@
 
 export WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
 # In the locale C, Wine makes no files with names beyond ASCII.
-export LC_ALL=C.UTF-8
+case ${LC_ALL:-${LC_CTYPE:-${LANG:-C}}} in C | POSIX) export LC_ALL=C.UTF-8 ;; esac
 
 # Wine's programs pass their output on to servers that outlive them: a reader of that output would wait for those.
 wine_quiet() { "$@" </dev/null >/dev/null 2>&1; }
@@ -51,10 +51,10 @@ wine_make_one() {
 }
 
 # wine_keep_home PREFIX: folders of its own for the user, where Wine puts links to the home folder: the tests delete
-# folders, and a fault in what they test must not get there.
+# folders, and a fault in what they test must not get there by the drive's own folders.
 wine_keep_home() {
   local link
-  find "$1/drive_c/users" -type l | while read -r link; do
+  find "$1/drive_c/users" -type l -print0 | while IFS= read -r -d '' link; do
     rm "$link"
     mkdir "$link"
   done

@@ -11,8 +11,8 @@ constexpr std::size_t kTextCapacity = 260;
 // The bounded copy and append of the Microsoft runtime, spelled out here because the msvcrt.dll of Windows 2000 and XP
 // does not export them.
 //
-// A result that does not fit is never truncated: half a path names a different file. Instead the destination becomes
-// the empty string and the caller goes on with that.
+// A result that does not fit is never truncated: half a path names a different file. Instead nothing of it is copied,
+// the destination becomes the empty string, and the caller goes on with that.
 //
 // destination  zero-terminated 8-bit text; bytes behind the new terminator keep what they held, after a failure as well
 // capacity     size of destination in bytes, terminator included

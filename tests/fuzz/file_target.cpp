@@ -4,8 +4,24 @@
 
 #include "file_kind.h"
 #include "installer_file.h"
+#include "pe_imports.h"
+#include "pe_resources.h"
 #include "tool_failure.h"
 #include "verification.h"
+#include "version_record.h"
+
+namespace {
+
+void ReadExecutable(const kwa::PeImage& image) {
+  kwa::ReadImports(image);
+  const auto resources = kwa::ReadResources(image);
+  kwa::VersionRecord record;
+  kwa::ReadVersionRecord(kwa::FirstResource(resources, kwa::kResourceTypeVersion), &record);
+  image.CertificateTable();
+  image.HasBaseRelocations();
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const kwa::ByteSpan bytes(data, size);
@@ -15,6 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     const kwa::InstallerFile installer = kwa::ReadInstallerFile(bytes, "file");
     kwa::VerifyInstaller(installer, {});
+    // verify leaves these out where something before them is damaged.
+    if (installer.image) {
+      ReadExecutable(*installer.image);
+    }
+    kwa::FindInf(installer);
     for (const kwa::LocatedArchive& located : installer.archives) {
       for (const kwa::ArchiveItem& item : located.archive.items) {
         kwa::FileKind(item.body);

@@ -81,7 +81,7 @@ TEST(PayloadContents, EveryDifferenceOfAFolderIsNamed) {
   WriteWholeFile(folder / "in/other", "1");
   const ToolRun run =
       RunTool({"pack", folder / "in", folder / "archive", "--contents", folder / "contents.json", "--archive", "A"});
-  const std::string in = "kwapayload: " + (folder / "in/");
+  const std::string in = "kwapayload: " + (std::filesystem::path(folder / "in") / "").string();
   EXPECT_EQ(1, run.status);
   EXPECT_EQ(in + "gone: is missing\n" + in + "short: has 2 bytes instead of 3\n" + in +
                 "other: is not in the list of contents\n",
