@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "built_archive.h"
 #include "temporary_folder.h"
 #include "tool_failure.h"

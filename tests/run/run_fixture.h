@@ -25,7 +25,7 @@ class InstallerRun : public testing::Test {
 
   bool DpinstRan() const { return Exists(reports + "\\report.json"); }
 
-  const TestFolder folder;
+  const TestFolder folder{};
   const std::string temp = folder.MakeFolder("temp");
   const std::string reports = folder.MakeFolder("reports");
   const std::string current = folder.MakeFolder("current");
