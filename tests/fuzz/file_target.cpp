@@ -2,13 +2,13 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "file_kind.h"
-#include "installer_file.h"
-#include "pe_imports.h"
-#include "pe_resources.h"
-#include "tool_failure.h"
-#include "verification.h"
-#include "version_record.h"
+#include "base/tool_failure.h"
+#include "installer/file_kind.h"
+#include "installer/installer_file.h"
+#include "pe/pe_imports.h"
+#include "pe/pe_resources.h"
+#include "pe/version_record.h"
+#include "verify/verification.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "host_package_identity.h"
-#include "inf_reader.h"
-#include "inf_source_files.h"
+#include "inf/inf_reader.h"
+#include "inf/inf_source_files.h"
+#include "inf/package_identity.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const kwa::ByteSpan inf(data, size);

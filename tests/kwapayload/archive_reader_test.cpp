@@ -1,6 +1,6 @@
 // Finding the two archives of an installer among its data, sound and with every kind of damage.
 
-#include "archive_reader.h"
+#include "payload/archive_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Which names an archive may hold, and how Windows compares them.
 
-#include "entry_name.h"
+#include "payload/entry_name.h"
 
 #include <gtest/gtest.h>
 

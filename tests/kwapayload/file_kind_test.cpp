@@ -1,6 +1,6 @@
 // Kinds of files, worded as the list of contents words them.
 
-#include "file_kind.h"
+#include "installer/file_kind.h"
 
 #include <gtest/gtest.h>
 

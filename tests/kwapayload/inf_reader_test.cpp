@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host_package_identity.h"
+#include "inf/package_identity.h"
 #include "inf_cases.h"
 
 namespace {

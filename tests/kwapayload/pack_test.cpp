@@ -1,12 +1,12 @@
 // The pack command: archives byte for byte, and that a failure says what is wrong and leaves nothing behind.
 
-#include "pack_archive.h"
+#include "payload/pack_archive.h"
 
 #include <gtest/gtest.h>
 
+#include "base/tool_failure.h"
 #include "built_archive.h"
 #include "temporary_folder.h"
-#include "tool_failure.h"
 #include "tool_run.h"
 
 namespace {

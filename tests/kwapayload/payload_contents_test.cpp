@@ -1,6 +1,6 @@
 // The list of contents: what is refused as a list, and how a folder is compared with it.
 
-#include "payload_contents.h"
+#include "payload/payload_contents.h"
 
 #include <gtest/gtest.h>
 

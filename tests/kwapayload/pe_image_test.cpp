@@ -1,14 +1,14 @@
 // The reader of executables: headers, imports, resources, version record, signature.
 
-#include "pe_image.h"
+#include "pe/pe_image.h"
 
 #include <gtest/gtest.h>
 
 #include "built_archive.h"
 #include "built_image.h"
-#include "pe_imports.h"
-#include "pe_resources.h"
-#include "version_record.h"
+#include "pe/pe_imports.h"
+#include "pe/pe_resources.h"
+#include "pe/version_record.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "installer_image.h"
 #include "temporary_folder.h"
 #include "tool_run.h"
-#include "verification.h"
+#include "verify/verification.h"
 
 namespace {
 

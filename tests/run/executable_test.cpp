@@ -8,9 +8,9 @@
 #include <set>
 
 #include "installer_image.h"
-#include "old_windows_imports.h"
-#include "pe_image.h"
-#include "pe_imports.h"
+#include "pe/pe_image.h"
+#include "pe/pe_imports.h"
+#include "verify/old_windows_imports.h"
 
 namespace {
 

@@ -7,13 +7,13 @@
 #include <map>
 #include <set>
 
+#include "base/tool_failure.h"
 #include "catalog.h"
 #include "help_file.h"
 #include "inf_text.h"
 #include "licence_texts.h"
-#include "payload_contents.h"
+#include "payload/payload_contents.h"
 #include "temporary_folder.h"
-#include "tool_failure.h"
 #include "watermark.h"
 
 namespace {

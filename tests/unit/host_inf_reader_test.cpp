@@ -8,12 +8,12 @@
 #include <random>
 #include <string_view>
 
-#include "ansi_code_page.h"
 #include "dpinst/dpinst_config.h"
 #include "dpinst/package_identity.h"
-#include "host_package_identity.h"
+#include "inf/ansi_code_page.h"
+#include "inf/package_identity.h"
 #include "inf_cases.h"
-#include "preview.h"
+#include "installer/preview.h"
 #include "test_folder.h"
 
 namespace {

@@ -6,12 +6,8 @@
 #include <iostream>
 #include <string>
 
-#include "extract_command.h"
-#include "list_command.h"
-#include "pack_command.h"
-#include "preview_command.h"
-#include "tool_failure.h"
-#include "verify_command.h"
+#include "base/tool_failure.h"
+#include "commands/commands.h"
 
 namespace {
 

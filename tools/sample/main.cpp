@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <string>
 
+#include "base/tool_failure.h"
 #include "sample_payload.h"
-#include "tool_failure.h"
 
 namespace {
 

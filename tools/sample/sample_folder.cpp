@@ -4,8 +4,8 @@
 #include <iterator>
 #include <vector>
 
-#include "output_file.h"
-#include "tool_failure.h"
+#include "base/output_file.h"
+#include "base/tool_failure.h"
 
 namespace kwa {
 

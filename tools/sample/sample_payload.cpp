@@ -5,14 +5,14 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/tool_failure.h"
 #include "catalog.h"
 #include "help_file.h"
 #include "inf_text.h"
 #include "licence_texts.h"
 #include "padding.h"
-#include "payload_contents.h"
+#include "payload/payload_contents.h"
 #include "sample_folder.h"
-#include "tool_failure.h"
 #include "watermark.h"
 
 namespace kwa {

@@ -1,0 +1,36 @@
+#include "base/input_file.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "base/tool_failure.h"
+
+namespace kwa {
+namespace {
+
+std::FILE* OpenForReading(const std::filesystem::path& path) {
+#ifdef _WIN32
+  return ::_wfopen(path.c_str(), L"rb");
+#else
+  return std::fopen(path.c_str(), "rb");
+#endif
+}
+
+}  // namespace
+
+InputFile::InputFile(std::filesystem::path filePath) : path(std::move(filePath)), stream(OpenForReading(path)) {
+  if (stream == nullptr) {
+    throw ToolFailure(path, WithSystemText("cannot be opened", errno));
+  }
+  std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+}
+
+std::size_t InputFile::Read(void* buffer, std::size_t size) {
+  const std::size_t count = std::fread(buffer, 1, size, stream.get());
+  if (count < size && std::ferror(stream.get()) != 0) {
+    throw ToolFailure(path, WithSystemText("cannot be read", errno));
+  }
+  return count;
+}
+
+}  // namespace kwa

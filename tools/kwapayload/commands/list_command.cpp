@@ -1,0 +1,45 @@
+#include "commands/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "base/mapped_file.h"
+#include "installer/installer_file.h"
+#include "installer/listing.h"
+
+namespace kwa {
+namespace {
+
+struct ListOptions {
+  std::filesystem::path file;
+  bool isJson = false;
+};
+
+void RunList(const ListOptions& options) {
+  const MappedFile file(options.file);
+  const Listing listing = MakeListing(file, ReadSoundInstallerFile(file.Bytes(), options.file, file.Forgetter()));
+  if (options.isJson) {
+    WriteListingJson(listing, std::cout);
+  } else {
+    WriteListing(listing, std::cout);
+  }
+}
+
+}  // namespace
+
+void AddListCommand(CLI::App& app) {
+  const auto options = std::make_shared<ListOptions>();
+  CLI::App* const list = app.add_subcommand("list", "Tells what an installer or a payload archive holds");
+  list->add_option("FILE", options->file, "Installer, signed or not, or payload archive")->required();
+  list->add_flag("--json", options->isJson, "Writes JSON");
+  list->footer(
+      "POSITION counts bytes from the archive's start. Bytes of a name that are not plain text show as \\xHH.\n"
+      "\n"
+      "Example:\n"
+      "  kwapayload list kwa_installer.exe");
+  list->callback([options] { RunList(*options); });
+}
+
+}  // namespace kwa

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/mapped_file.h"
+#include "installer/installer_file.h"
+
+namespace kwa {
+
+// One file in an installer. Texts are escaped, fit for a terminal.
+struct ListedFile {
+  std::string archive;       // "A" or "B"; "-" in a file that is a single archive
+  std::size_t order;         // place in its archive, from 1
+  std::uint64_t position;    // of the body, in bytes from the archive's start
+  std::uint64_t fileOffset;  // of the body, in bytes from the file's start
+  std::string name;
+  std::uint32_t size;  // bytes
+  std::string kind;
+  std::string sha256;
+};
+
+// What the installer will read from the package's INF, and the devices that the wizard will name for it.
+struct ListedPackage {
+  std::string inf;
+  std::string version;
+  std::string displayName;
+  std::string family;  // empty when the display name chooses none
+  std::vector<std::string> devices;
+  std::vector<std::string> germanDevices;
+};
+
+struct Listing {
+  bool isInstaller;  // not a single archive
+  bool isSigned;
+  std::vector<ListedFile> files;
+  std::optional<ListedPackage> package;  // nothing when there is no INF
+};
+
+// installer  as ReadSoundInstallerFile reads it from file.Bytes()
+Listing MakeListing(const MappedFile& file, const InstallerFile& installer);
+
+// For people: a table of the files, then the package.
+void WriteListing(const Listing& listing, std::ostream& stream);
+
+// For programs. The files have all the fields of a list of contents.
+void WriteListingJson(const Listing& listing, std::ostream& stream);
+
+}  // namespace kwa

@@ -1,0 +1,57 @@
+#include "payload/entry_name.h"
+
+#include <algorithm>
+#include <array>
+
+#include "archive/archive_format.h"
+
+namespace kwa {
+namespace {
+
+// Windows reserves a device's name with any extension, and ignores blanks before the extension.
+bool IsDeviceName(std::string_view name) {
+  std::string stem = UpperCaseName(name.substr(0, name.find('.')));
+  stem.erase(stem.find_last_not_of(' ') + 1);
+  constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+  if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) {
+    return true;
+  }
+  const bool isPort = stem.compare(0, 3, "COM") == 0 || stem.compare(0, 3, "LPT") == 0;
+  return isPort && stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9';
+}
+
+}  // namespace
+
+std::string UpperCaseName(std::string_view name) {
+  std::string upper(name);
+  for (char& character : upper) {
+    if (character >= 'a' && character <= 'z') {
+      character = static_cast<char>(character - 'a' + 'A');
+    }
+  }
+  return upper;
+}
+
+std::string EntryNameFault(std::string_view name) {
+  if (name.empty()) {
+    return "the name is empty";
+  }
+  if (name.size() >= kEntryNameCapacity) {
+    return "the name has " + std::to_string(name.size()) + " bytes; an archive holds at most 259";
+  }
+  if (std::any_of(name.begin(), name.end(), [](char c) { return c < 0x20 || c > 0x7E; })) {
+    return "the name is not plain printable ASCII";
+  }
+  if (const auto at = name.find_first_of("<>:\"/\\|?*"); at != std::string_view::npos) {
+    return std::string("the name holds a '") + name[at] + "', which Windows refuses in a bare file name";
+  }
+  if (name.back() == '.' || name.back() == ' ') {
+    return "the name ends in a dot or blank, which Windows drops";
+  }
+  if (IsDeviceName(name)) {
+    return "the name is a device's on Windows";
+  }
+  return "";
+}
+
+}  // namespace kwa

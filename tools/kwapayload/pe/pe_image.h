@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/byte_span.h"
+
+namespace kwa {
+
+// Values of the PE format that more than one reader here needs, named as the platform's headers name them.
+constexpr std::uint16_t kImageFileMachineI386 = 0x014C;
+constexpr std::uint16_t kImageFileMachineAmd64 = 0x8664;
+constexpr std::uint16_t kImageFileRelocsStripped = 0x0001;
+constexpr std::uint16_t kImageFileDll = 0x2000;
+constexpr std::uint16_t kImageSubsystemNative = 1;
+constexpr std::uint16_t kImageSubsystemWindowsGui = 2;
+constexpr std::uint16_t kImageSubsystemWindowsCui = 3;
+constexpr std::uint16_t kImageDllCharacteristicsDynamicBase = 0x0040;
+constexpr std::uint16_t kImageDllCharacteristicsNxCompat = 0x0100;
+
+// Indexes of the data directories.
+enum PeDirectoryIndex : unsigned {
+  kPeImportDirectory = 1,
+  kPeResourceDirectory = 2,
+  kPeSecurityDirectory = 4,  // its address is an offset in the file
+  kPeBaseRelocationDirectory = 5,
+  kPeDelayImportDirectory = 13,
+};
+
+struct PeSection {
+  std::string name;  // as it stands, up to 8 characters
+  std::uint32_t virtualAddress;
+  std::uint32_t virtualSize;
+  std::uint32_t fileOffset;
+  std::uint32_t fileSize;  // as the header says
+  std::uint32_t characteristics;
+  ByteSpan bytes;  // what the file really has of it, at most fileSize
+
+  bool IsTruncated() const { return bytes.Size() < fileSize; }
+  // Initialized data that the program can neither change nor execute and that stays in memory.
+  bool IsReadOnlyData() const;
+};
+
+struct PeDirectory {
+  std::uint32_t address;  // relative to the image base
+  std::uint32_t size;     // bytes
+};
+
+// The headers of a Windows program, library or driver. Fields mean what the platform says; none is proven.
+struct PeImage {
+  ByteSpan file;
+  std::uint32_t headerOffset;  // of the "PE" signature
+  bool isPlus;                 // PE32+
+  std::uint16_t machine;
+  std::uint16_t characteristics;
+  std::uint16_t subsystem;
+  std::uint16_t dllCharacteristics;
+  std::uint16_t majorSubsystemVersion;
+  std::uint16_t minorSubsystemVersion;
+  std::uint16_t majorOperatingSystemVersion;
+  std::uint16_t minorOperatingSystemVersion;
+  std::uint64_t imageBase;
+  std::uint32_t sizeOfImage;
+  std::uint32_t checkSum;
+  std::vector<PeSection> sections;
+  std::vector<PeDirectory> directories;  // 16 at most
+
+  // The directory, or zeros where the file has none at that index.
+  PeDirectory Directory(PeDirectoryIndex index) const;
+  // The bytes at an address relative to the image base, to the end of what the file has of their section. Empty where
+  // no section holds it.
+  ByteSpan At(std::uint32_t address) const;
+  // Whether the image can be moved: relocations are there and not marked as stripped.
+  bool HasBaseRelocations() const;
+  // The Authenticode signatures, empty in an unsigned file.
+  ByteSpan CertificateTable() const;
+};
+
+// Reads the headers. Returns false, and in *fault why, when the bytes are no such file or end within the headers; then
+// *image is unspecified. Sections that the file does not have completely are no reason: see IsTruncated.
+bool ReadPeImage(ByteSpan file, PeImage* image, std::string* fault);
+
+}  // namespace kwa

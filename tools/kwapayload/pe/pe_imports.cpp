@@ -1,0 +1,114 @@
+#include "pe/pe_imports.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace kwa {
+namespace {
+
+constexpr std::size_t kMaxLibraries = 1024;
+constexpr std::size_t kMaxFunctions = 65536;
+constexpr std::size_t kMaxNameLength = 512;
+
+class ImportReader {
+ public:
+  explicit ImportReader(const PeImage& peImage) : image(peImage) {}
+
+  void ReadLoadTime() {
+    constexpr std::uint32_t kDescriptorSize = 20;
+    ReadDescriptors(kPeImportDirectory, kDescriptorSize, [this](ByteSpan descriptor) {
+      const std::uint32_t name = descriptor.U32(12);
+      const std::uint32_t addressTable = descriptor.U32(16);
+      if (name == 0 || addressTable == 0) {
+        return false;
+      }
+      // A linker may leave out the table of names; the table of addresses then holds them until the program is loaded.
+      const std::uint32_t nameTable = descriptor.U32(0);
+      AddLibrary(name, nameTable != 0 ? nameTable : addressTable, false, 0);
+      return true;
+    });
+  }
+
+  void ReadDelayed() {
+    constexpr std::uint32_t kDescriptorSize = 32;
+    ReadDescriptors(kPeDelayImportDirectory, kDescriptorSize, [this](ByteSpan descriptor) {
+      // Old linkers wrote addresses that include the image base.
+      const std::uint32_t base = (descriptor.U32(0) & 1) != 0 ? 0 : static_cast<std::uint32_t>(image.imageBase);
+      const std::uint32_t name = descriptor.U32(4);
+      if (name == 0) {
+        return false;
+      }
+      AddLibrary(name - base, descriptor.U32(16) - base, true, base);
+      return true;
+    });
+  }
+
+  ImportTable Take() { return std::move(table); }
+
+ private:
+  // Calls `add` with each descriptor until it returns false for the one that ends the table.
+  template <typename Add>
+  void ReadDescriptors(PeDirectoryIndex index, std::uint32_t descriptorSize, Add add) {
+    const PeDirectory directory = image.Directory(index);
+    if (directory.address == 0) {
+      return;
+    }
+    const ByteSpan descriptors = image.At(directory.address);
+    for (std::uint64_t at = 0;; at += descriptorSize) {
+      if (!descriptors.Contains(at, descriptorSize) || table.libraries.size() >= kMaxLibraries) {
+        table.isComplete = false;
+        return;
+      }
+      if (!add(descriptors.Part(at, descriptorSize))) {
+        return;
+      }
+    }
+  }
+
+  std::string NameAt(std::uint32_t address, std::uint32_t offset) {
+    const std::string_view name = image.At(address).TextAt(offset, kMaxNameLength + 1);
+    if (name.empty() || name.size() > kMaxNameLength) {
+      table.isComplete = false;
+    }
+    return std::string(name.substr(0, kMaxNameLength));
+  }
+
+  void AddLibrary(std::uint32_t name, std::uint32_t nameTable, bool isDelayed, std::uint32_t base) {
+    ImportedLibrary library = {NameAt(name, 0), isDelayed, {}};
+    const ByteSpan thunks = image.At(nameTable);
+    const std::uint32_t width = image.isPlus ? 8 : 4;
+    for (std::uint64_t at = 0;; at += width) {
+      if (!thunks.Contains(at, width) || functionCount >= kMaxFunctions) {
+        table.isComplete = false;
+        break;
+      }
+      const std::uint64_t thunk = image.isPlus ? thunks.U64(at) : thunks.U32(at);
+      if (thunk == 0) {
+        break;
+      }
+      ++functionCount;
+      if ((thunk >> (width * 8 - 1)) != 0) {
+        library.functions.push_back("#" + std::to_string(thunk & 0xFFFF));
+      } else {
+        constexpr std::uint32_t kHintSize = 2;
+        library.functions.push_back(NameAt(static_cast<std::uint32_t>(thunk) - base, kHintSize));
+      }
+    }
+    table.libraries.push_back(std::move(library));
+  }
+
+  const PeImage& image;
+  ImportTable table;
+  std::size_t functionCount = 0;
+};
+
+}  // namespace
+
+ImportTable ReadImports(const PeImage& image) {
+  ImportReader reader(image);
+  reader.ReadLoadTime();
+  reader.ReadDelayed();
+  return reader.Take();
+}
+
+}  // namespace kwa

@@ -1,0 +1,124 @@
+#include "pe/version_record.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace kwa {
+namespace {
+
+constexpr std::uint32_t kFixedSignature = 0xFEEF04BD;
+constexpr std::uint32_t kBlockHeaderSize = 6;
+
+void AppendUtf8(std::string& text, std::uint32_t character) {
+  const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
+  if (character < 0x80) {
+    append(character);
+  } else if (character < 0x800) {
+    append(0xC0 | character >> 6);
+    append(0x80 | (character & 0x3F));
+  } else if (character < 0x10000) {
+    append(0xE0 | character >> 12);
+    append(0x80 | (character >> 6 & 0x3F));
+    append(0x80 | (character & 0x3F));
+  } else {
+    append(0xF0 | character >> 18);
+    append(0x80 | (character >> 12 & 0x3F));
+    append(0x80 | (character >> 6 & 0x3F));
+    append(0x80 | (character & 0x3F));
+  }
+}
+
+// The UTF-16 text up to a zero or the end. Sets *length to its units, the zero counted where there is one.
+std::string Utf16Text(ByteSpan bytes, std::uint64_t* length) {
+  constexpr std::uint32_t kReplacement = 0xFFFD;
+  std::string text;
+  std::uint64_t unit = 0;
+  for (; bytes.Contains(unit * 2, 2); ++unit) {
+    std::uint32_t character = bytes.U16(unit * 2);
+    if (character == 0) {
+      ++unit;
+      break;
+    }
+    if (character >= 0xD800 && character < 0xE000) {
+      const std::uint32_t low = bytes.U16(unit * 2 + 2);
+      const bool isPair = character < 0xDC00 && low >= 0xDC00 && low < 0xE000;
+      character = isPair ? 0x10000 + ((character - 0xD800) << 10) + (low - 0xDC00) : kReplacement;
+      unit += isPair ? 1 : 0;
+    }
+    AppendUtf8(text, character);
+  }
+  *length = unit;
+  return text;
+}
+
+std::uint64_t AlignedTo4(std::uint64_t offset) {
+  return (offset + 3) / 4 * 4;
+}
+
+// One block of the record: a key, a value and blocks within. Blocks are aligned from the record's start.
+struct Block {
+  std::string key;
+  ByteSpan value;
+  std::uint64_t childrenOffset;  // in the record
+  std::uint64_t end;             // likewise
+};
+
+bool ReadBlock(ByteSpan record, std::uint64_t offset, std::uint64_t limit, Block* block) {
+  const std::uint64_t length = record.U16(offset);
+  if (length < kBlockHeaderSize || offset + length > limit) {
+    return false;
+  }
+  block->end = offset + length;
+  std::uint64_t keyLength = 0;
+  block->key = Utf16Text(record.Part(offset + kBlockHeaderSize, length - kBlockHeaderSize), &keyLength);
+  const std::uint64_t valueOffset = std::min(AlignedTo4(offset + kBlockHeaderSize + keyLength * 2), block->end);
+  // The length of a text is counted in UTF-16 units.
+  const std::uint64_t valueSize = std::uint64_t{record.U16(offset + 2)} * (record.U16(offset + 4) == 1 ? 2 : 1);
+  block->value = record.Part(valueOffset, std::min(valueSize, block->end - valueOffset));
+  block->childrenOffset = AlignedTo4(valueOffset + valueSize);
+  return true;
+}
+
+// Calls `visit` with each block in a part of the record until it returns false.
+template <typename Visit>
+void ForEachBlock(ByteSpan record, std::uint64_t offset, std::uint64_t limit, Visit visit) {
+  Block block;
+  while (offset < limit && ReadBlock(record, offset, limit, &block) && visit(block)) {
+    offset = AlignedTo4(block.end);
+  }
+}
+
+std::string VersionText(std::uint32_t high, std::uint32_t low) {
+  return std::to_string(high >> 16) + "." + std::to_string(high & 0xFFFF) + "." + std::to_string(low >> 16) + "." +
+         std::to_string(low & 0xFFFF);
+}
+
+}  // namespace
+
+bool ReadVersionRecord(ByteSpan resource, VersionRecord* record) {
+  Block root;
+  if (!ReadBlock(resource, 0, resource.Size(), &root) || root.key != "VS_VERSION_INFO" ||
+      root.value.U32(0) != kFixedSignature) {
+    return false;
+  }
+  record->fileVersion = VersionText(root.value.U32(8), root.value.U32(12));
+  record->productVersion = VersionText(root.value.U32(16), root.value.U32(20));
+  record->texts.clear();
+  ForEachBlock(resource, root.childrenOffset, root.end, [&](const Block& info) {
+    if (info.key != "StringFileInfo") {
+      return true;
+    }
+    ForEachBlock(resource, info.childrenOffset, info.end, [&](const Block& language) {
+      ForEachBlock(resource, language.childrenOffset, language.end, [&](const Block& text) {
+        std::uint64_t ignored = 0;
+        record->texts.emplace(text.key, Utf16Text(text.value, &ignored));
+        return true;
+      });
+      return false;  // the first language is enough
+    });
+    return false;
+  });
+  return true;
+}
+
+}  // namespace kwa

@@ -1,0 +1,166 @@
+#include <algorithm>
+#include <string>
+
+#include "base/escaped_text.h"
+#include "pe/pe_imports.h"
+#include "pe/pe_resources.h"
+#include "pe/version_record.h"
+#include "verify/old_windows_imports.h"
+#include "verify/verification.h"
+
+namespace kwa {
+namespace {
+
+constexpr std::uint16_t kImageFileExecutable = 0x0002;
+constexpr std::uint16_t kImageDllCharacteristicsTerminalServerAware = 0x8000;
+constexpr std::uint32_t kImageScnMemExecute = 0x20000000;
+constexpr std::uint32_t kImageScnMemWrite = 0x80000000;
+
+// The version of Windows 2000; a program that asks for a later one does not start there.
+constexpr std::uint16_t kOldestWindows = 5;
+
+void VerifyHeaders(const PeImage& image, std::vector<Finding>* findings) {
+  const auto add = [&](const char* what, const char* code, Severity severity = Severity::Error) {
+    findings->push_back({severity, "executable", what, code});
+  };
+  if (image.isPlus || image.machine != kImageFileMachineI386) {
+    add("is not a 32-bit x86 program (PE32)", "machine");
+  }
+  if ((image.characteristics & kImageFileExecutable) == 0 || (image.characteristics & kImageFileDll) != 0) {
+    add("is not marked as a program", "not-a-program");
+  }
+  if (image.subsystem != kImageSubsystemWindowsGui) {
+    add("is not of the GUI subsystem: Windows would open a console", "subsystem");
+  }
+  if (image.majorSubsystemVersion > kOldestWindows || image.majorOperatingSystemVersion > kOldestWindows ||
+      (image.majorSubsystemVersion == kOldestWindows && image.minorSubsystemVersion > 0)) {
+    add("asks for a Windows later than 2000", "windows-version");
+  }
+  if ((image.dllCharacteristics & kImageDllCharacteristicsDynamicBase) == 0) {
+    add("is not marked for address space randomization (ASLR)", "no-aslr");
+  } else if (!image.HasBaseRelocations()) {
+    add("has no relocations, so address space randomization (ASLR) has no effect", "no-relocations");
+  }
+  if ((image.dllCharacteristics & kImageDllCharacteristicsNxCompat) == 0) {
+    add("is not marked for data execution prevention (DEP)", "no-dep");
+  }
+  if ((image.dllCharacteristics & kImageDllCharacteristicsTerminalServerAware) == 0) {
+    add("is not marked as aware of terminal servers", "not-terminal-server-aware", Severity::Warning);
+  }
+  for (const PeSection& section : image.sections) {
+    if ((section.characteristics & kImageScnMemExecute) != 0 && (section.characteristics & kImageScnMemWrite) != 0) {
+      findings->push_back({Severity::Error, "executable, section " + EscapedText(section.name),
+                           "can be written and executed", "writable-code"});
+    }
+  }
+}
+
+std::string LowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return text;
+}
+
+bool HadOldWindows(const std::string& library, const std::string& function) {
+  return std::any_of(std::begin(kOldWindowsImports), std::end(kOldWindowsImports), [&](const OldWindowsImport& known) {
+    return library == known.library && function == known.function;
+  });
+}
+
+void VerifyImports(const PeImage& image, std::vector<Finding>* findings) {
+  const ImportTable imports = ReadImports(image);
+  if (!imports.isComplete) {
+    findings->push_back({Severity::Error, "executable", "its import table is damaged", "imports-damaged"});
+  }
+  for (const ImportedLibrary& imported : imports.libraries) {
+    const std::string library = LowerCase(imported.name);
+    const std::string where = "executable, imports of " + EscapedText(imported.name);
+    if (library != "kernel32.dll" && library != "shell32.dll" && library != "msvcrt.dll") {
+      findings->push_back(
+          {Severity::Error, where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed"});
+      continue;
+    }
+    for (const std::string& function : imported.functions) {
+      if (!HadOldWindows(library, function)) {
+        findings->push_back({Severity::Error, where,
+                             EscapedText(function) + " is not known to be in Windows 2000 and XP", "import-too-new"});
+      }
+    }
+  }
+}
+
+// The value of the attribute `level` of the manifest's requestedExecutionLevel, or "".
+std::string RequestedLevel(std::string_view manifest) {
+  const std::size_t element = manifest.find("<requestedExecutionLevel");
+  if (element == std::string_view::npos) {
+    return "";
+  }
+  const std::string_view tag = manifest.substr(element, manifest.find('>', element) - element);
+  for (const char quote : {'"', '\''}) {
+    const std::string start = std::string("level=") + quote;
+    if (const std::size_t at = tag.find(start); at != std::string_view::npos) {
+      const std::string_view value = tag.substr(at + start.size());
+      return std::string(value.substr(0, value.find(quote)));
+    }
+  }
+  return "";
+}
+
+void VerifyResources(const PeImage& image, std::vector<Finding>* findings) {
+  const std::vector<PeResource> resources = ReadResources(image);
+  const ByteSpan manifest = FirstResource(resources, kResourceTypeManifest);
+  if (manifest.Empty()) {
+    findings->push_back({Severity::Error, "executable", "has no manifest", "no-manifest"});
+  } else if (const std::string level = RequestedLevel(manifest.Text()); level != "requireAdministrator") {
+    findings->push_back({Severity::Error, "executable, manifest",
+                         "asks for the level \"" + EscapedText(level) + "\" instead of \"requireAdministrator\"",
+                         "manifest-level"});
+  }
+  const ByteSpan version = FirstResource(resources, kResourceTypeVersion);
+  VersionRecord record;
+  if (version.Empty()) {
+    findings->push_back({Severity::Error, "executable", "has no version record", "no-version"});
+  } else if (!ReadVersionRecord(version, &record)) {
+    findings->push_back({Severity::Error, "executable", "its version record is damaged", "version-damaged"});
+  } else if (record.fileVersion != record.productVersion ||
+             record.fileVersion.rfind(record.texts["FileVersion"], 0) != 0) {
+    findings->push_back({Severity::Error, "executable, version record",
+                         "its versions differ: file " + record.fileVersion + " (\"" +
+                             EscapedText(record.texts["FileVersion"]) + "\"), product " + record.productVersion,
+                         "versions-differ"});
+  }
+}
+
+// What lies behind the last section belongs to no one but a signature.
+void VerifyEnd(const PeImage& image, std::vector<Finding>* findings) {
+  std::uint64_t end = image.headerOffset;
+  for (const PeSection& section : image.sections) {
+    end = std::max(end, std::uint64_t{section.fileOffset} + section.bytes.Size());
+  }
+  const ByteSpan certificates = image.CertificateTable();
+  const std::uint64_t rest = image.file.Size() - std::min<std::uint64_t>(end, image.file.Size());
+  // A signature begins on a multiple of 8.
+  if (rest > certificates.Size() + 7) {
+    findings->push_back({Severity::Warning, "executable",
+                         std::to_string(rest - certificates.Size()) + " bytes behind the last section are no signature",
+                         "overlay"});
+  }
+}
+
+}  // namespace
+
+void VerifyExecutable(const InstallerFile& installer, std::vector<Finding>* findings) {
+  if (!installer.image) {
+    return;
+  }
+  const std::vector<PeSection>& sections = installer.image->sections;
+  if (std::any_of(sections.begin(), sections.end(), [](const PeSection& section) { return section.IsTruncated(); })) {
+    return;  // reported already, and what is missing cannot be judged
+  }
+  VerifyHeaders(*installer.image, findings);
+  VerifyImports(*installer.image, findings);
+  VerifyResources(*installer.image, findings);
+  VerifyEnd(*installer.image, findings);
+}
+
+}  // namespace kwa

@@ -1,0 +1,113 @@
+#include <map>
+#include <set>
+#include <string>
+
+#include "base/escaped_text.h"
+#include "base/text_kind.h"
+#include "dpinst/device_families.h"
+#include "inf/inf_reader.h"
+#include "inf/inf_source_files.h"
+#include "inf/package_identity.h"
+#include "payload/entry_name.h"
+#include "verify/verification.h"
+
+namespace kwa {
+namespace {
+
+// Why a value makes the configuration unreadable, or "": it is written into the XML text as it stands.
+std::string XmlFault(const std::string& value) {
+  for (const char c : value) {
+    if (c == '&' || c == '<') {
+      return std::string("holds \"") + c + "\", which breaks the XML of the configuration";
+    }
+    if (static_cast<unsigned char>(c) < ' ' && c != '\t') {
+      return "holds a control character, which breaks the XML of the configuration";
+    }
+  }
+  if (value.find("]]>") != std::string::npos) {
+    return "holds \"]]>\", which breaks the XML of the configuration";
+  }
+  if (!IsUtf8(ByteSpan(value))) {
+    return "holds characters beyond ASCII, which the configuration would carry as invalid UTF-8";
+  }
+  return "";
+}
+
+// Judges a value that the installer writes into its configuration. Returns whether it is fit.
+bool VerifyValue(const std::string& where, const char* key, const std::string& value, bool isCut,
+                 std::vector<Finding>* findings) {
+  if (value.empty()) {
+    findings->push_back({Severity::Error, where, std::string("[Version] has no ") + key, "version-key-missing"});
+  } else if (isCut) {
+    findings->push_back({Severity::Error, where,
+                         std::string(key) + " has more than " + std::to_string(kInfValueLimit) +
+                             " characters, and the installer keeps no more",
+                         "value-too-long"});
+  } else if (const std::string fault = XmlFault(value); !fault.empty()) {
+    findings->push_back({Severity::Error, where, std::string(key) + " " + fault, "value-breaks-xml"});
+  } else {
+    return true;
+  }
+  return false;
+}
+
+void VerifyIdentity(const std::string& where, ByteSpan inf, std::vector<Finding>* findings) {
+  const auto isCut = [&](const char* key) {
+    return ReadInfValue(inf, "Version", key, kInfValueLimit + 1).size() > kInfValueLimit;
+  };
+  const PackageIdentity identity = ReadHostPackageIdentity(inf);
+  VerifyValue(where, "DriverVer", identity.version, isCut("DriverVer"), findings);
+  const bool isNameFit =
+      VerifyValue(where, "DriverPackageDisplayName", identity.displayName, isCut("DriverPackageDisplayName"), findings);
+  if (isNameFit && FindDeviceFamily(identity.displayName.c_str()) == nullptr) {
+    findings->push_back({Severity::Error, where,
+                         "DriverPackageDisplayName \"" + EscapedText(identity.displayName) +
+                             "\" names no device family, so the wizard will list no devices",
+                         "no-family"});
+  }
+}
+
+}  // namespace
+
+void VerifyPackage(const InstallerFile& installer, std::vector<Finding>* findings) {
+  std::set<std::string> names;
+  for (const LocatedArchive& located : installer.archives) {
+    for (const ArchiveItem& item : located.archive.items) {
+      names.insert(UpperCaseName(item.name));
+    }
+  }
+  const ArchiveItem* const item = FindInf(installer);
+  if (item == nullptr) {
+    findings->push_back({Severity::Error, "package", "holds no INF", "no-inf"});
+    return;
+  }
+  const std::string where = "package, " + EscapedText(item->name);
+  for (const std::string& name : names) {
+    const std::string inf = UpperCaseName(item->name);
+    if (name != inf && name.size() > 4 && name.compare(name.size() - 4, 4, ".INF") == 0) {
+      findings->push_back({Severity::Error, where, "is not the only INF: there is " + EscapedText(name), "second-inf"});
+    }
+  }
+  VerifyIdentity(where, item->body, findings);
+
+  const std::string catalog = ReadInfValue(item->body, "Version", "CatalogFile");
+  if (catalog.empty()) {
+    findings->push_back({Severity::Error, where, "[Version] has no CatalogFile", "version-key-missing"});
+  } else if (names.count(UpperCaseName(catalog)) == 0) {
+    findings->push_back(
+        {Severity::Error, where, "CatalogFile \"" + EscapedText(catalog) + "\" is not carried", "catalog-missing"});
+  }
+  const std::vector<std::string> sources = ReadInfSourceFiles(item->body);
+  if (sources.empty()) {
+    findings->push_back({Severity::Error, where, "has no [SourceDisksFiles]", "no-source-files"});
+  }
+  for (const std::string& source : sources) {
+    if (names.count(UpperCaseName(source)) == 0) {
+      findings->push_back({Severity::Error, where,
+                           "[SourceDisksFiles] names \"" + EscapedText(source) + "\", which is not carried",
+                           "source-file-missing"});
+    }
+  }
+}
+
+}  // namespace kwa
