@@ -40,10 +40,8 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-#ifdef SIGXFSZ
   // A file larger than the user's limit is then a failed write, reported and cleaned up like any other.
   std::signal(SIGXFSZ, SIG_IGN);
-#endif
   int status = kExitFailure;
   try {
     status = Run(argc, argv);

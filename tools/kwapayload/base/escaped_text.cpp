@@ -3,12 +3,12 @@
 namespace kwa {
 namespace {
 
-void AppendHex(std::string& result, char character) {
+void AppendHex(char character, std::string* result) {
   constexpr char kDigits[] = "0123456789ABCDEF";
   const auto byte = static_cast<unsigned char>(character);
-  result += "\\x";
-  result += kDigits[byte / 16];
-  result += kDigits[byte % 16];
+  *result += "\\x";
+  *result += kDigits[byte / 16];
+  *result += kDigits[byte % 16];
 }
 
 bool IsControl(char character) {
@@ -24,7 +24,7 @@ std::string EscapedText(std::string_view text) {
     if (character == '\\') {
       result += "\\\\";
     } else if (IsControl(character) || static_cast<unsigned char>(character) > 0x7E) {
-      AppendHex(result, character);
+      AppendHex(character, &result);
     } else {
       result += character;
     }
@@ -36,7 +36,7 @@ std::string ShownPath(const std::filesystem::path& path) {
   std::string result;
   for (const char character : path.string()) {
     if (IsControl(character)) {
-      AppendHex(result, character);
+      AppendHex(character, &result);
     } else {
       result += character;
     }

@@ -6,19 +6,9 @@
 #include "base/tool_failure.h"
 
 namespace kwa {
-namespace {
 
-std::FILE* OpenForReading(const std::filesystem::path& path) {
-#ifdef _WIN32
-  return ::_wfopen(path.c_str(), L"rb");
-#else
-  return std::fopen(path.c_str(), "rb");
-#endif
-}
-
-}  // namespace
-
-InputFile::InputFile(std::filesystem::path filePath) : path(std::move(filePath)), stream(OpenForReading(path)) {
+InputFile::InputFile(std::filesystem::path filePath)
+    : path(std::move(filePath)), stream(std::fopen(path.c_str(), "rb")) {
   if (stream == nullptr) {
     throw ToolFailure(path, WithSystemText("cannot be opened", errno));
   }

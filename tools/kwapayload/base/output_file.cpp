@@ -1,34 +1,15 @@
 #include "base/output_file.h"
 
-#include <fcntl.h>
-
 #include <cerrno>
 #include <random>
 #include <string>
 #include <system_error>
 #include <utility>
 
-#ifdef _WIN32
-#include <io.h>
-#include <share.h>
-#include <sys/stat.h>
-#endif
-
 #include "base/tool_failure.h"
 
 namespace kwa {
 namespace {
-
-// Fails with EEXIST where the file exists, so that nothing, not even a link that someone placed, is followed.
-std::FILE* CreateNewFile(const std::filesystem::path& path) {
-#ifdef _WIN32
-  const int descriptor =
-      ::_wsopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _SH_DENYWR, _S_IREAD | _S_IWRITE);
-  return descriptor < 0 ? nullptr : ::_fdopen(descriptor, "wb");
-#else
-  return std::fopen(path.c_str(), "wbxe");
-#endif
-}
 
 // Not made from the target's name, which may be as long as the file system allows.
 std::filesystem::path TemporaryPath(const std::filesystem::path& target) {
@@ -46,7 +27,8 @@ OutputFile::OutputFile(std::filesystem::path targetPath) : target(std::move(targ
   }
   do {
     temporary = TemporaryPath(target);
-    stream = CreateNewFile(temporary);
+    // Fails with EEXIST where the file exists, so that nothing, not even a link that someone placed, is followed.
+    stream = std::fopen(temporary.c_str(), "wbxe");
   } while (stream == nullptr && errno == EEXIST);
   if (stream == nullptr) {
     throw ToolFailure(target, WithSystemText("cannot be created", errno));

@@ -1,5 +1,7 @@
 #include "base/text_kind.h"
 
+#include <utf8.h>
+
 #include <cstdint>
 
 namespace kwa {
@@ -61,29 +63,7 @@ std::string Utf16Kind(ByteSpan text, bool isBigEndian) {
 }  // namespace
 
 bool IsUtf8(ByteSpan bytes) {
-  for (std::uint64_t at = 0; at < bytes.Size();) {
-    const std::uint32_t first = bytes.U8(at++);
-    if (first < 0x80) {
-      continue;
-    }
-    const unsigned following = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
-    if (first < 0xC2 || first > 0xF4 || !bytes.Contains(at, following)) {
-      return false;
-    }
-    std::uint32_t character = first & (0x3FU >> following);
-    for (unsigned i = 0; i < following; ++i) {
-      const std::uint32_t byte = bytes.U8(at++);
-      if ((byte & 0xC0) != 0x80) {
-        return false;
-      }
-      character = character << 6 | (byte & 0x3F);
-    }
-    const bool isOverlong = (following == 2 && character < 0x800) || (following == 3 && character < 0x10000);
-    if (isOverlong || character > 0x10FFFF || (character >= 0xD800 && character < 0xE000)) {
-      return false;
-    }
-  }
-  return true;
+  return utf8::is_valid(bytes.begin(), bytes.end());
 }
 
 std::string TextKind(ByteSpan file) {

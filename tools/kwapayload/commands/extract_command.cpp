@@ -18,8 +18,8 @@ struct ExtractOptions {
 
 void RunExtract(const ExtractOptions& options) {
   const MappedFile file(options.file);
-  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file, file.Forgetter());
-  ExtractFiles(file, options.file, installer, options.request);
+  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file);
+  ExtractFiles(options.file, installer, options.request);
 }
 
 }  // namespace

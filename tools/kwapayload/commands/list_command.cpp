@@ -19,7 +19,7 @@ struct ListOptions {
 
 void RunList(const ListOptions& options) {
   const MappedFile file(options.file);
-  const Listing listing = MakeListing(file, ReadSoundInstallerFile(file.Bytes(), options.file, file.Forgetter()));
+  const Listing listing = MakeListing(ReadSoundInstallerFile(file.Bytes(), options.file));
   if (options.isJson) {
     WriteListingJson(listing, std::cout);
   } else {

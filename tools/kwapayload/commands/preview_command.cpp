@@ -5,12 +5,10 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#endif
 
+#include "base/escaped_text.h"
 #include "base/mapped_file.h"
+#include "base/tool_failure.h"
 #include "inf/package_identity.h"
 #include "installer/installer_file.h"
 #include "installer/preview.h"
@@ -25,14 +23,14 @@ struct PreviewOptions {
 
 void RunPreview(const PreviewOptions& options) {
   const MappedFile file(options.file);
-  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file, file.Forgetter());
+  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file);
   const ArchiveItem* const inf = FindInf(installer);
   // Without an INF the installer writes its configuration all the same, with nothing in it of the package.
-  const PackageIdentity identity = inf != nullptr ? ReadHostPackageIdentity(inf->body) : PackageIdentity();
-#ifdef _WIN32
-  _setmode(_fileno(stdout), _O_BINARY);
-#endif
+  const PackageIdentity identity = inf != nullptr ? ReadHostPackageIdentity(InfText(inf->body)) : PackageIdentity();
   std::cout << PreviewDpinstConfig(identity, options.windows == "xp");
+  if (!identity.fault.empty()) {
+    throw ToolFailure(options.file, EscapedText(inf->name) + " " + identity.fault + ": what is printed is a guess");
+  }
 }
 
 }  // namespace
@@ -47,7 +45,11 @@ void AddPreviewCommand(CLI::App& app) {
       ->check(CLI::IsMember({"vista", "xp"}))
       ->default_val("vista");
   preview->footer(
-      "Byte for byte what the installer writes, line ends of Windows included.\n"
+      "Byte for byte what the installer writes, line ends of Windows included. Where that cannot be known, as the "
+      "INF's\n"
+      "version or display name is not plain text for every Windows, prints what is likely, says so on the error "
+      "stream\n"
+      "and exits with 1.\n"
       "\n"
       "Example:\n"
       "  kwapayload preview kwa_installer.exe --windows xp > dpinst.xml");

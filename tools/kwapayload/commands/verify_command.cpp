@@ -26,17 +26,17 @@ const char* SeverityWord(Severity severity) {
   return severity == Severity::Error ? "error" : "warning";
 }
 
-void PrintLines(const std::filesystem::path& file, const std::vector<Finding>& findings) {
+void PrintLines(const std::filesystem::path& file, const Findings& findings) {
   for (const Finding& finding : findings) {
     std::cout << SeverityWord(finding.severity) << ": " << finding.where << (finding.where.empty() ? "" : ": ")
               << finding.what << '\n';
   }
-  if (findings.empty()) {
+  if (findings.Empty()) {
     std::cout << ShownPath(file) << ": in order\n";
   }
 }
 
-void PrintJson(const std::filesystem::path& file, const std::vector<Finding>& findings) {
+void PrintJson(const std::filesystem::path& file, const Findings& findings) {
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   for (const Finding& finding : findings) {
     list.push_back({{"severity", SeverityWord(finding.severity)},
@@ -51,13 +51,11 @@ void PrintJson(const std::filesystem::path& file, const std::vector<Finding>& fi
 void RunVerify(const VerifyOptions& options) {
   const PayloadContents contents = options.contents.empty() ? PayloadContents() : ReadPayloadContents(options.contents);
   const MappedFile file(options.file);
-  const InstallerFile installer = ReadInstallerFile(file.Bytes(), options.file, file.Forgetter());
-  const std::vector<Finding> findings = VerifyInstaller(installer, contents);
+  const InstallerFile installer = ReadInstallerFile(file.Bytes(), options.file);
+  const Findings findings = VerifyInstaller(installer, contents);
   options.asJson ? PrintJson(options.file, findings) : PrintLines(options.file, findings);
-  for (const Finding& finding : findings) {
-    if (finding.severity == Severity::Error || !options.allowWarnings) {
-      throw CLI::RuntimeError(EXIT_FAILURE);
-    }
+  if (findings.HasError() || (!findings.Empty() && !options.allowWarnings)) {
+    throw CLI::RuntimeError(EXIT_FAILURE);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "base/output_file.h"
 #include "base/tool_failure.h"
@@ -40,7 +41,7 @@ std::vector<Fault> FindFaults(const std::vector<const ArchiveItem*>& items, cons
       faults.push_back({ShownPath(path), EscapedText(item->name) + ": " + fault});
       continue;
     }
-    if (!upperNames.insert(UpperCaseName(item->name)).second) {
+    if (!upperNames.insert(UpperCase(item->name)).second) {
       faults.push_back({ShownPath(path), EscapedText(item->name) +
                                              " stands there twice; to Windows, upper and lower case are the same"});
     }
@@ -56,8 +57,7 @@ std::vector<Fault> FindFaults(const std::vector<const ArchiveItem*>& items, cons
 
 }  // namespace
 
-void ExtractFiles(const MappedFile& file, const std::filesystem::path& path, const InstallerFile& installer,
-                  const ExtractionRequest& request) {
+void ExtractFiles(const std::filesystem::path& path, const InstallerFile& installer, const ExtractionRequest& request) {
   const std::vector<const ArchiveItem*> items = SelectItems(installer, request.names);
   if (std::vector<Fault> faults = FindFaults(items, path, request); !faults.empty()) {
     throw ToolFailure(std::move(faults));
@@ -69,7 +69,7 @@ void ExtractFiles(const MappedFile& file, const std::filesystem::path& path, con
   }
   for (const ArchiveItem* const item : items) {
     OutputFile output(request.folder / item->name);
-    file.ForEachPiece(item->body, [&output](ByteSpan piece) { output.Write(piece.Data(), piece.Size()); });
+    output.Write(item->body.Text());
     output.Commit();
   }
 }

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "base/mapped_file.h"
 #include "installer/installer_file.h"
 
 namespace kwa {
@@ -19,9 +18,8 @@ struct ExtractionRequest {
 // that can be known before anything is written (a name that is not there, one that is no bare file name, one that
 // stands twice, a file that exists), or with the first that writing meets; each file appears complete or not at all.
 //
-// path       of the file, for messages
-// installer  as ReadSoundInstallerFile reads it from file.Bytes()
-void ExtractFiles(const MappedFile& file, const std::filesystem::path& path, const InstallerFile& installer,
-                  const ExtractionRequest& request);
+// path       of the installer, for messages
+// installer  as ReadSoundInstallerFile reads it
+void ExtractFiles(const std::filesystem::path& path, const InstallerFile& installer, const ExtractionRequest& request);
 
 }  // namespace kwa

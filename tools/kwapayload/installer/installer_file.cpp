@@ -4,92 +4,116 @@
 #include <utility>
 
 #include "archive/archive_format.h"
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "base/tool_failure.h"
-#include "payload/archive_probe.h"
 #include "payload/entry_name.h"
 
 namespace kwa {
 namespace {
 
-constexpr std::size_t kInstallerArchives = 2;
 constexpr std::uint64_t kClosingWordSize = 4;
 
-void FindInSections(const ForgetBytes& forget, InstallerFile* installer) {
-  std::uint64_t searchedEnd = 0;
-  for (const PeSection& section : installer->image->sections) {
-    // The sections behind a cut are missing for the same reason.
-    if (section.IsTruncated() && installer->findings.empty()) {
-      installer->findings.push_back(
-          {Severity::Error, "section " + EscapedText(section.name),
-           "the file ends " + std::to_string(section.fileSize - section.bytes.Size()) + " bytes before it does",
-           "truncated"});
-    }
-    // Sections do not overlap in the file, unless someone wants it read many times over.
-    if (!section.IsReadOnlyData() || section.fileOffset < searchedEnd) {
-      continue;
-    }
-    searchedEnd = std::uint64_t{section.fileOffset} + section.bytes.Size();
-    for (ParsedArchive& archive : FindArchives(section.bytes, forget)) {
-      const std::string letter(1, static_cast<char>('A' + std::min<std::size_t>(installer->archives.size(), 25)));
-      const std::uint64_t fileOffset = section.fileOffset + archive.offset;
-      installer->archives.push_back({letter, fileOffset, std::move(archive)});
+// The sections with read-only data in the order of the file. Those that begin within another are left out: sections do
+// not overlap, unless someone wants the file read many times over.
+std::vector<PeSection> SectionsToSearch(const PeImage& image) {
+  std::vector<PeSection> sorted = image.sections;
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const PeSection& left, const PeSection& right) { return left.fileOffset < right.fileOffset; });
+  std::vector<PeSection> sections;
+  std::uint64_t end = 0;
+  for (const PeSection& section : sorted) {
+    if (section.IsReadOnlyData() && section.fileOffset >= end) {
+      end = std::uint64_t{section.fileOffset} + section.bytes.Size();
+      sections.push_back(section);
     }
   }
-  // A file that was cut off lacks archives for no other reason.
-  const std::size_t count = installer->archives.size();
-  if (count != kInstallerArchives && installer->findings.empty()) {
-    const std::string number = count == 0 ? "no" : count == 1 ? "one" : "more than two";
-    installer->findings.push_back(
-        {Severity::Error, "",
-         "holds " + number + " payload archive" + (count == 1 ? "" : "s") + " in its read-only data instead of two",
-         "archive-count"});
+  return sections;
+}
+
+void FindTruncation(InstallerFile* installer) {
+  // The sections behind a cut are missing for the same reason.
+  const std::vector<PeSection>& sections = installer->image->sections;
+  const auto cut =
+      std::find_if(sections.begin(), sections.end(), [](const PeSection& section) { return section.IsTruncated(); });
+  if (cut != sections.end()) {
+    installer->findings.AddError(
+        "section " + EscapedText(cut->name),
+        "the file ends " + std::to_string(cut->fileSize - cut->bytes.Size()) + " bytes before it does", "truncated");
   }
 }
 
-void AppendErrors(const std::vector<Finding>& findings, const std::string& prefix, const std::filesystem::path& path,
-                  std::vector<Fault>* faults) {
-  for (const Finding& finding : findings) {
-    if (finding.severity == Severity::Error) {
-      const std::string separator = prefix.empty() || finding.where.empty() ? "" : ", ";
-      const std::string where = prefix + separator + finding.where;
-      faults->push_back({ShownPath(path), where + (where.empty() ? "" : ": ") + finding.what});
+void FindInSections(InstallerFile* installer) {
+  const std::vector<PeSection> sections = SectionsToSearch(*installer->image);
+  for (const PeSection& section : sections) {
+    for (ParsedArchive& archive : FindArchives(section.bytes)) {
+      // No letter is needed for one too many.
+      const std::string letter = installer->archives.empty() ? "A" : "B";
+      installer->archives.push_back({letter, section.fileOffset + archive.offset, std::move(archive)});
+    }
+  }
+  if (installer->IsWhole()) {
+    return;
+  }
+  // A file that was cut off lacks archives for no other reason.
+  if (installer->findings.Empty()) {
+    const std::size_t count = installer->archives.size();
+    const std::string number = count == 0 ? "no" : count == 1 ? "one" : "more than two";
+    installer->findings.AddError(
+        "", "holds " + number + " payload archive" + (count == 1 ? "" : "s") + " in its read-only data instead of two",
+        "archive-count");
+  }
+  for (const PeSection& section : sections) {
+    for (BrokenArchive& broken : FindBrokenArchives(section.bytes)) {
+      Finding& fault = broken.fault;
+      fault.where = "archive at offset " + std::to_string(section.fileOffset + broken.offset) +
+                    (fault.where.empty() ? "" : ", ") + fault.where;
+      installer->findings.Add(std::move(fault));
     }
   }
 }
 
 }  // namespace
 
-InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& path, const ForgetBytes& forget) {
+std::string LocatedArchive::Where(const ArchiveItem& item) const {
+  return (letter == "-" ? "" : "archive " + letter + ", ") + EscapedText(item.name);
+}
+
+InstallerFile ReadInstallerFile(ByteSpan bytes, const std::filesystem::path& path) {
   InstallerFile installer;
+  std::string fault;
   if (bytes.StartsWith("MZ")) {
-    std::string fault;
     if (!ReadPeImage(bytes, &installer.image.emplace(), &fault)) {
       throw ToolFailure(path, fault);
     }
-    FindInSections(forget, &installer);
+    FindTruncation(&installer);
+    FindInSections(&installer);
     return installer;
   }
-  ParsedArchive archive = ReadArchiveAt(bytes);
-  if (archive.items.empty() && bytes.U32(0) != kArchiveMagic) {
+  if (bytes.U32(0) != kArchiveMagic) {
     throw ToolFailure(path, "is neither an installer nor a payload archive");
   }
+  ParsedArchive archive;
+  if (Finding finding; !ReadArchive(bytes, 0, &archive, &finding)) {
+    installer.findings.Add(std::move(finding));
+    return installer;
+  }
   const std::uint64_t end = archive.size + kClosingWordSize;
-  if (archive.IsReadable() && !IsZeroFilled(bytes.From(end))) {
-    installer.findings.push_back({Severity::Warning, "",
-                                  std::to_string(bytes.Size() - end) + " bytes follow the archive's closing word",
-                                  "trailing-bytes"});
+  if (!IsZeroFilled(bytes.From(end))) {
+    installer.findings.AddWarning("", std::to_string(bytes.Size() - end) + " bytes follow the archive's closing word",
+                                  "trailing-bytes");
   }
   installer.archives.push_back({"-", 0, std::move(archive)});
   return installer;
 }
 
-InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path& path, const ForgetBytes& forget) {
-  InstallerFile installer = ReadInstallerFile(bytes, path, forget);
+InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path& path) {
+  InstallerFile installer = ReadInstallerFile(bytes, path);
   std::vector<Fault> faults;
-  AppendErrors(installer.findings, "", path, &faults);
-  for (const LocatedArchive& located : installer.archives) {
-    AppendErrors(located.archive.findings, located.letter == "-" ? "" : "archive " + located.letter, path, &faults);
+  for (const Finding& finding : installer.findings) {
+    if (finding.severity == Severity::Error) {
+      faults.push_back({ShownPath(path), finding.where + (finding.where.empty() ? "" : ": ") + finding.what});
+    }
   }
   if (!faults.empty()) {
     throw ToolFailure(std::move(faults));
@@ -99,16 +123,10 @@ InstallerFile ReadSoundInstallerFile(ByteSpan bytes, const std::filesystem::path
 
 const ArchiveItem* FindInf(const InstallerFile& installer) {
   const ArchiveItem* first = nullptr;
-  std::string firstName;
   for (const LocatedArchive& located : installer.archives) {
     for (const ArchiveItem& item : located.archive.items) {
-      std::string name = UpperCaseName(item.name);
-      constexpr std::string_view kExtension = ".INF";
-      const bool isInf = name.size() >= kExtension.size() &&
-                         name.compare(name.size() - kExtension.size(), kExtension.size(), kExtension) == 0;
-      if (isInf && (first == nullptr || name < firstName)) {
+      if (IsInfName(item.name) && (first == nullptr || UpperCase(item.name) < UpperCase(first->name))) {
         first = &item;
-        firstName = std::move(name);
       }
     }
   }

@@ -9,7 +9,7 @@
 #include "dpinst/device_families.h"
 #include "inf/package_identity.h"
 #include "installer/file_kind.h"
-#include "trust/sha256.h"
+#include "trust/digest.h"
 
 namespace kwa {
 namespace {
@@ -27,7 +27,7 @@ std::vector<std::string> DeviceNames(const char* const* rows, unsigned rowCount)
 }
 
 ListedPackage ReadPackage(const ArchiveItem& inf) {
-  const PackageIdentity identity = ReadHostPackageIdentity(inf.body);
+  const PackageIdentity identity = ReadHostPackageIdentity(InfText(inf.body));
   ListedPackage package = {
       EscapedText(inf.name), EscapedText(identity.version), EscapedText(identity.displayName), "", {}, {}};
   if (const DeviceFamily* const family = FindDeviceFamily(identity.displayName.c_str())) {
@@ -65,18 +65,15 @@ void WriteTable(const std::vector<Row>& rows, std::ostream& stream) {
 
 }  // namespace
 
-Listing MakeListing(const MappedFile& file, const InstallerFile& installer) {
+Listing MakeListing(const InstallerFile& installer) {
   Listing listing = {};
   listing.isInstaller = installer.image.has_value();
   listing.isSigned = installer.image.has_value() && !installer.image->CertificateTable().Empty();
   for (const LocatedArchive& located : installer.archives) {
     std::size_t order = 0;
     for (const ArchiveItem& item : located.archive.items) {
-      Sha256 digest;
-      file.ForEachPiece(item.body, [&digest](ByteSpan piece) { digest.Add(piece); });
       listing.files.push_back({located.letter, ++order, item.position, located.fileOffset + item.position,
-                               EscapedText(item.name), item.size, FileKind(item.body), digest.Hex()});
-      file.Forget(item.body);
+                               EscapedText(item.name), item.size, FileKind(item.body), Sha256Hex(item.body)});
     }
   }
   if (const ArchiveItem* const inf = FindInf(installer)) {

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "base/mapped_file.h"
 #include "installer/installer_file.h"
 
 namespace kwa {
@@ -40,8 +39,8 @@ struct Listing {
   std::optional<ListedPackage> package;  // nothing when there is no INF
 };
 
-// installer  as ReadSoundInstallerFile reads it from file.Bytes()
-Listing MakeListing(const MappedFile& file, const InstallerFile& installer);
+// installer  as ReadSoundInstallerFile reads it
+Listing MakeListing(const InstallerFile& installer);
 
 // For people: a table of the files, then the package.
 void WriteListing(const Listing& listing, std::ostream& stream);

@@ -1,179 +1,143 @@
 #include "payload/archive_reader.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <string>
 
 #include "archive/archive_format.h"
 #include "base/escaped_text.h"
-#include "payload/archive_probe.h"
 
 namespace kwa {
 namespace {
 
 constexpr std::uint32_t kWordSize = 4;
-constexpr std::uint64_t kForgetStep = 4 * 1024 * 1024;
+constexpr std::size_t kMaxArchives = 3;
+constexpr std::size_t kMaxBrokenArchives = 16;
 
-// More than anyone reads; a file that is made of damage does not fill the memory with them.
-constexpr std::size_t kMaxFindings = 1000;
-constexpr std::size_t kMaxArchives = 16;
+// Bytes from an archive's start to its first body.
+constexpr std::uint64_t BodiesPosition(std::uint64_t count) {
+  return kArchiveHeaderSize + count * sizeof(ArchiveEntry);
+}
 
-// Notes what is wrong with the name field of an item.
-void CheckNameField(ByteSpan record, std::vector<Finding>& findings) {
-  const ByteSpan field = record.Part(0, kEntryNameCapacity);
+// What keeps a field from being that of a name, or an empty text.
+Finding NameFieldFault(ByteSpan field) {
   const std::string_view name = field.TextAt(0, kEntryNameCapacity);
-  const std::string where = EscapedText(name);
+  const auto fault = [](const char* what, const char* code) { return Finding{Severity::Error, "", what, code}; };
+  if (name.empty()) {
+    return fault("has no name", "name-empty");
+  }
   if (name.size() == kEntryNameCapacity) {
-    findings.push_back({Severity::Error, where, "the name is not ended within its 260 bytes", "name-not-ended"});
-  } else if (name.empty()) {
-    findings.push_back({Severity::Error, where, "an entry has no name", "name-empty"});
-  } else if (!IsZeroFilled(field.From(name.size()))) {
-    findings.push_back(
-        {Severity::Warning, where, "the bytes behind the name's end are not zero", "name-not-zero-filled"});
+    return fault("has a name that is not ended within its 260 bytes", "name-not-ended");
   }
+  if (std::any_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; })) {
+    return fault("has a name with control characters", "name-control");
+  }
+  if (!IsZeroFilled(field.From(name.size()))) {
+    return fault("has bytes other than zero behind its name", "name-not-zero-filled");
+  }
+  return {};
 }
 
-// Fills in items, size and findings of an archive of `count` entries whose table lies within the area.
-void Describe(ByteSpan area, std::uint64_t count, ParsedArchive* archive) {
-  const std::uint64_t bodiesPosition = BodiesPosition(count);
-  std::uint64_t position = bodiesPosition;
-  bool areBodiesKnown = true;
-  std::vector<Finding> paddingFindings;
-  archive->items.reserve(static_cast<std::size_t>(count));
-  for (std::uint64_t i = 0; i < count; ++i) {
-    const ByteSpan record = EntryRecord(area, archive->offset, i);
-    ArchiveItem item = {record.TextAt(0, kEntryNameCapacity), record.U32(kEntryNameCapacity), position, {}};
-    if (archive->findings.size() < kMaxFindings) {
-      CheckNameField(record, archive->findings);
-    }
-    const std::uint64_t padded = PaddedSize(item.size);
-    if (areBodiesKnown && item.size >= kEntrySizeLimit) {
-      archive->findings.push_back(
-          {Severity::Error, EscapedText(item.name),
-           "has " + std::to_string(item.size) + " bytes; the installer reads bodies below 2147483648",
-           "size-too-large"});
-      areBodiesKnown = false;
-    } else if (areBodiesKnown && !area.Contains(archive->offset + position, padded)) {
-      archive->findings.push_back({Severity::Error, EscapedText(item.name),
-                                   "its body of " + std::to_string(item.size) + " bytes runs past the end of the data",
-                                   "body-past-end"});
-      areBodiesKnown = false;
-    }
-    if (areBodiesKnown) {
-      item.body = area.Part(archive->offset + position, item.size);
-      if (paddingFindings.size() < kMaxFindings &&
-          !IsZeroFilled(area.Part(archive->offset + position + item.size, padded - item.size))) {
-        paddingFindings.push_back(
-            {Severity::Warning, EscapedText(item.name), "the padding behind its body is not zero", "padding"});
-      }
-      position += padded;
-    }
-    archive->items.push_back(item);
-  }
-  archive->size = position;
-  if (!areBodiesKnown) {
-    return;
-  }
-  const std::uint64_t end = archive->offset + archive->size;
-  if (area.Contains(end, kWordSize) && area.U32(end) == 0) {
-    archive->findings.insert(archive->findings.end(), paddingFindings.begin(), paddingFindings.end());
-  } else if (paddingFindings.empty()) {
-    archive->findings.push_back({Severity::Warning, "", "no zero word follows the last body", "closing-word"});
-  } else {
-    archive->findings.push_back(
-        {Severity::Error, "", "the sizes do not add up: no zero word follows the last body", "sizes"});
-  }
+// Whether what lies at an offset, where the magic stands, has a first entry with a name.
+bool HasFirstName(ByteSpan area, std::uint64_t offset) {
+  const ByteSpan field = area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity);
+  return field.Size() == kEntryNameCapacity && NameFieldFault(field).what.empty();
 }
 
-// Reads the archive at an offset, if there is one. Sets *isEndKnown to whether it is known where the archive ends.
-bool RecognizeArchive(ByteSpan area, std::uint64_t offset, ProbeBudget* budget, ParsedArchive* archive,
-                      bool* isEndKnown) {
-  const ArchiveShape shape = ProbeArchive(area, offset, budget);
-  if (shape.kind == ArchiveShapeKind::None) {
-    return false;
+// Calls `visit` with the offset of each magic outside sound archives, in their order, and with the archive or the fault
+// there, until it returns false.
+//
+// The work is linear, even where tables are made to overlap: the name field of one is then made of another's names and
+// sizes, and as both need text where the other has zeros, one of the two soon has a size that leads out of the area.
+template <typename Visit>
+void ForEachMagic(ByteSpan area, Visit visit) {
+  for (std::uint64_t offset = 0; area.Contains(offset, BodiesPosition(1)); offset += kWordSize) {
+    if (area.U32(offset) != kArchiveMagic) {
+      continue;
+    }
+    ParsedArchive archive;
+    Finding fault;
+    const bool isSound = ReadArchive(area, offset, &archive, &fault);
+    const std::uint64_t size = archive.size;
+    if (!visit(offset, isSound ? &archive : nullptr, fault)) {
+      return;
+    }
+    offset += isSound ? size : 0;
   }
-  *archive = {offset, 0, area.U32(offset + kWordSize), {}, {}};
-  *isEndKnown = shape.isEndKnown;
-  if (shape.kind == ArchiveShapeKind::BadMagic) {
-    archive->findings.push_back(
-        {Severity::Error, "",
-         "begins with \"" + EscapedText(area.Part(offset, kWordSize).Text()) + "\" instead of \"KWAP\"", "magic"});
-  } else if (shape.kind == ArchiveShapeKind::BadCount) {
-    archive->findings.push_back(
-        {Severity::Error, "",
-         "says that it has " + std::to_string(archive->count) + " entries, but has " + std::to_string(shape.entryCount),
-         "count"});
-  }
-  Describe(area, shape.entryCount, archive);
-  return true;
 }
 
 }  // namespace
 
-bool ParsedArchive::IsReadable() const {
-  return !items.empty() && std::none_of(findings.begin(), findings.end(),
-                                        [](const Finding& finding) { return finding.severity == Severity::Error; });
+bool IsZeroFilled(ByteSpan bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
-std::vector<ParsedArchive> FindArchives(ByteSpan area, const ForgetBytes& forget) {
+bool ReadArchive(ByteSpan area, std::uint64_t offset, ParsedArchive* archive, Finding* fault) {
+  const auto fail = [fault](std::string_view name, const std::string& what, const char* code) {
+    *fault = {Severity::Error, EscapedText(name), what, code};
+    return false;
+  };
+  const std::uint64_t count = area.U32(offset + kWordSize);
+  const std::string countText = std::to_string(count);
+  *archive = {offset, BodiesPosition(count), {}};
+  if (area.U32(offset) != kArchiveMagic) {
+    return fail("", "does not begin with \"KWAP\"", "magic");
+  }
+  if (count == 0) {
+    return fail("", "has no entries", "no-entries");
+  }
+  if (!area.Contains(offset, archive->size)) {
+    return fail("", "ends within its table of " + countText + " entries", "table-past-end");
+  }
+  for (std::uint64_t i = 0; i < count; ++i) {
+    const ByteSpan record = area.Part(offset + BodiesPosition(i), sizeof(ArchiveEntry));
+    if (const Finding nameFault = NameFieldFault(record.Part(0, kEntryNameCapacity)); !nameFault.what.empty()) {
+      return fail("",
+                  "its table of " + countText + " entries ends behind entry " + std::to_string(i) + ": the next one " +
+                      nameFault.what,
+                  nameFault.code.c_str());
+    }
+    const std::string_view name = record.TextAt(0, kEntryNameCapacity);
+    const std::uint32_t size = record.U32(kEntryNameCapacity);
+    if (size >= kEntrySizeLimit) {
+      return fail(name, "has " + std::to_string(size) + " bytes; the installer reads bodies below 2147483648",
+                  "size-too-large");
+    }
+    const std::uint64_t padding = PaddedSize(size) - size;
+    if (!area.Contains(offset + archive->size, size + padding)) {
+      return fail(name, "its body of " + std::to_string(size) + " bytes runs past the end of the data",
+                  "body-past-end");
+    }
+    const ByteSpan bodies = area.From(offset + archive->size);
+    archive->items.push_back({name, size, archive->size, bodies.Part(0, size), bodies.Part(size, padding)});
+    archive->size += size + padding;
+  }
+  const std::uint64_t end = offset + archive->size;
+  if (!area.Contains(end, kWordSize) || area.U32(end) != 0) {
+    return fail("", "no zero word follows the last body", "closing-word");
+  }
+  return true;
+}
+
+std::vector<ParsedArchive> FindArchives(ByteSpan area) {
   std::vector<ParsedArchive> archives;
-  ProbeBudget budget(area.Size());
-  std::size_t firstDoubtful = SIZE_MAX;
-  std::uint64_t forgotten = 0;
-  for (std::uint64_t offset = 0;
-       area.Contains(offset, BodiesPosition(1)) && !budget.IsUsedUp() && archives.size() < kMaxArchives;) {
-    if (forget && offset - forgotten >= kForgetStep) {
-      forget(area.Part(forgotten, offset - forgotten));
-      forgotten = offset;
+  ForEachMagic(area, [&](std::uint64_t, ParsedArchive* archive, const Finding&) {
+    if (archive != nullptr) {
+      archives.push_back(std::move(*archive));
     }
-    ParsedArchive archive;
-    bool isEndKnown = false;
-    if (!RecognizeArchive(area, offset, &budget, &archive, &isEndKnown)) {
-      offset += kWordSize;
-      continue;
-    }
-    if (isEndKnown) {
-      offset += archive.size + kWordSize;
-    } else {
-      // Somewhere behind the table, among bodies that may hold archives themselves.
-      offset += BodiesPosition(archive.items.size());
-      firstDoubtful = std::min(firstDoubtful, archives.size());
-    }
-    archives.push_back(std::move(archive));
-  }
-  // What was found among the bodies of a damaged archive is theirs, but for the last: the installer's other archive.
-  if (firstDoubtful == 0 && archives.size() > 2) {
-    archives.erase(archives.begin() + 1, archives.end() - 1);
-  } else if (firstDoubtful == 1 && archives.size() > 2) {
-    archives.erase(archives.begin() + 2, archives.end());
-  }
-  // A table without the magic counts only where an archive is missing.
-  const auto hasMagic = [area](const ParsedArchive& archive) { return area.U32(archive.offset) == kArchiveMagic; };
-  if (std::count_if(archives.begin(), archives.end(), hasMagic) >= 2) {
-    archives.erase(std::stable_partition(archives.begin(), archives.end(), hasMagic), archives.end());
-  }
+    return archives.size() < kMaxArchives;
+  });
   return archives;
 }
 
-ParsedArchive ReadArchiveAt(ByteSpan bytes) {
-  ParsedArchive archive = {};
-  ProbeBudget budget(bytes.Size());
-  bool isEndKnown = false;
-  if (RecognizeArchive(bytes, 0, &budget, &archive, &isEndKnown)) {
-    return archive;
-  }
-  archive.count = bytes.U32(kWordSize);
-  if (bytes.U32(0) != kArchiveMagic) {
-    archive.findings.push_back({Severity::Error, "", "does not begin with \"KWAP\"", "magic"});
-  } else if (archive.count == 0) {
-    archive.findings.push_back({Severity::Error, "", "has no entries", "no-entries"});
-  } else if (!bytes.Contains(0, BodiesPosition(archive.count))) {
-    archive.findings.push_back({Severity::Error, "",
-                                "ends within its table of " + std::to_string(archive.count) + " entries",
-                                "table-past-end"});
-  } else {
-    Describe(bytes, archive.count, &archive);
-  }
-  return archive;
+std::vector<BrokenArchive> FindBrokenArchives(ByteSpan area) {
+  std::vector<BrokenArchive> broken;
+  ForEachMagic(area, [&](std::uint64_t offset, ParsedArchive* archive, const Finding& fault) {
+    if (archive == nullptr && HasFirstName(area, offset)) {
+      broken.push_back({offset, fault});
+    }
+    return broken.size() < kMaxBrokenArchives;
+  });
+  return broken;
 }
 
 }  // namespace kwa

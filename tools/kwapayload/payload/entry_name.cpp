@@ -4,13 +4,14 @@
 #include <array>
 
 #include "archive/archive_format.h"
+#include "base/ascii_text.h"
 
 namespace kwa {
 namespace {
 
 // Windows reserves a device's name with any extension, and ignores blanks before the extension.
 bool IsDeviceName(std::string_view name) {
-  std::string stem = UpperCaseName(name.substr(0, name.find('.')));
+  std::string stem = UpperCase(name.substr(0, name.find('.')));
   stem.erase(stem.find_last_not_of(' ') + 1);
   constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
   if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) {
@@ -22,14 +23,9 @@ bool IsDeviceName(std::string_view name) {
 
 }  // namespace
 
-std::string UpperCaseName(std::string_view name) {
-  std::string upper(name);
-  for (char& character : upper) {
-    if (character >= 'a' && character <= 'z') {
-      character = static_cast<char>(character - 'a' + 'A');
-    }
-  }
-  return upper;
+bool IsInfName(std::string_view name) {
+  constexpr std::string_view kExtension = ".inf";
+  return name.size() >= kExtension.size() && IsSameText(name.substr(name.size() - kExtension.size()), kExtension);
 }
 
 std::string EntryNameFault(std::string_view name) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "archive/archive_format.h"
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "base/input_file.h"
 #include "payload/entry_name.h"
@@ -35,13 +36,13 @@ json ParseJson(const std::filesystem::path& path) {
 // Reads the fields of one file; collects in `faults` what is wrong with them.
 class FieldReader {
  public:
-  FieldReader(const json& objectToRead, std::vector<std::string>& faultList)
+  FieldReader(const json& objectToRead, std::vector<std::string>* faultList)
       : object(objectToRead), faults(faultList) {}
 
   std::string Text(const char* key) {
     const auto field = object.find(key);
     if (field == object.end() || !field->is_string() || field->get_ref<const std::string&>().empty()) {
-      faults.push_back(std::string("has no text \"") + key + "\"");
+      faults->push_back(std::string("has no text \"") + key + "\"");
       return "";
     }
     return field->get<std::string>();
@@ -50,7 +51,7 @@ class FieldReader {
   std::uint32_t Number(const char* key) {
     const auto field = object.find(key);
     if (field == object.end() || !field->is_number_unsigned() || field->get<std::uint64_t>() >= kEntrySizeLimit) {
-      faults.push_back(std::string("has no \"") + key + "\" between 0 and 2147483647");
+      faults->push_back(std::string("has no \"") + key + "\" between 0 and 2147483647");
       return 0;
     }
     return field->get<std::uint32_t>();
@@ -58,23 +59,23 @@ class FieldReader {
 
  private:
   const json& object;
-  std::vector<std::string>& faults;
+  std::vector<std::string>* faults;
 };
 
-ContentsFile ReadFile(const json& object, std::vector<std::string>& faults) {
+ContentsFile ReadFile(const json& object, std::vector<std::string>* faults) {
   FieldReader fields(object, faults);
   ContentsFile file = {};
   const std::string archive = fields.Text("archive");
   if (archive == "A" || archive == "B") {
     file.archive = archive[0];
   } else if (!archive.empty()) {
-    faults.push_back("has an \"archive\" other than A and B");
+    faults->push_back("has an \"archive\" other than A and B");
   }
   file.order = fields.Number("order");
   file.name = fields.Text("name");
   if (!file.name.empty()) {
     if (const std::string fault = EntryNameFault(file.name); !fault.empty()) {
-      faults.push_back(fault);
+      faults->push_back(fault);
     }
   }
   file.size = fields.Number("size");
@@ -83,19 +84,19 @@ ContentsFile ReadFile(const json& object, std::vector<std::string>& faults) {
 }
 
 // The names must be told apart by Windows, and each archive's orders be 1, 2, 3, … along its upper-case names.
-void CheckNamesAndOrder(PayloadContents sorted, std::vector<std::string>& faults) {
+void CheckNamesAndOrder(PayloadContents sorted, std::vector<std::string>* faults) {
   std::sort(sorted.begin(), sorted.end(), [](const ContentsFile& left, const ContentsFile& right) {
-    return UpperCaseName(left.name) < UpperCaseName(right.name);
+    return UpperCase(left.name) < UpperCase(right.name);
   });
   std::map<char, std::uint32_t> place;
   for (std::size_t i = 0; i < sorted.size(); ++i) {
     const ContentsFile& file = sorted[i];
-    if (i > 0 && UpperCaseName(sorted[i - 1].name) == UpperCaseName(file.name)) {
-      faults.push_back(file.name + " is listed twice; to Windows, upper and lower case are the same");
+    if (i > 0 && IsSameText(sorted[i - 1].name, file.name)) {
+      faults->push_back(file.name + " is listed twice; to Windows, upper and lower case are the same");
     }
     if (const std::uint32_t order = ++place[file.archive]; file.order != order) {
-      faults.push_back(file.name + " has order " + std::to_string(file.order) + " in archive " + file.archive +
-                       "; by its upper-case name it is " + std::to_string(order));
+      faults->push_back(file.name + " has order " + std::to_string(file.order) + " in archive " + file.archive +
+                        "; by its upper-case name it is " + std::to_string(order));
     }
   }
 }
@@ -112,7 +113,7 @@ PayloadContents ReadPayloadContents(const std::filesystem::path& path) {
   std::vector<std::string> faults;
   for (const json& object : *list) {
     std::vector<std::string> fileFaults;
-    contents.push_back(ReadFile(object, fileFaults));
+    contents.push_back(ReadFile(object, &fileFaults));
     const std::string& name = contents.back().name;
     const std::string shown = name.empty() ? "" : " (" + EscapedText(name) + ")";
     for (const std::string& fault : fileFaults) {
@@ -120,7 +121,7 @@ PayloadContents ReadPayloadContents(const std::filesystem::path& path) {
     }
   }
   if (faults.empty()) {
-    CheckNamesAndOrder(contents, faults);
+    CheckNamesAndOrder(contents, &faults);
   }
   if (!faults.empty()) {
     std::vector<Fault> lines;

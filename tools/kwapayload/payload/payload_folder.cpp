@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "archive/archive_format.h"
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "base/tool_failure.h"
 #include "payload/entry_name.h"
@@ -59,12 +60,12 @@ std::vector<PayloadFile> ListPayloadFolder(const std::filesystem::path& folder) 
     throw ToolFailure(folder, "holds no files");
   }
   std::sort(files.begin(), files.end(), [](const PayloadFile& left, const PayloadFile& right) {
-    const std::string upperLeft = UpperCaseName(left.name);
-    const std::string upperRight = UpperCaseName(right.name);
+    const std::string upperLeft = UpperCase(left.name);
+    const std::string upperRight = UpperCase(right.name);
     return upperLeft != upperRight ? upperLeft < upperRight : left.name < right.name;
   });
   for (std::size_t i = 1; i < files.size(); ++i) {
-    if (UpperCaseName(files[i - 1].name) == UpperCaseName(files[i].name)) {
+    if (IsSameText(files[i - 1].name, files[i].name)) {
       check(files[i].path, "is to Windows the same name as " + EscapedText(files[i - 1].name));
     }
   }

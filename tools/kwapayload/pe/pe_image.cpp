@@ -5,10 +5,8 @@
 namespace kwa {
 namespace {
 
-constexpr std::uint32_t kScnInitializedData = 0x00000040;
-constexpr std::uint32_t kScnDiscardable = 0x02000000;
-constexpr std::uint32_t kScnExecute = 0x20000000;
-constexpr std::uint32_t kScnWrite = 0x80000000;
+constexpr std::uint32_t kImageScnCntInitializedData = 0x00000040;
+constexpr std::uint32_t kImageScnMemDiscardable = 0x02000000;
 
 constexpr std::uint32_t kCoffHeaderSize = 20;
 constexpr std::uint32_t kSectionHeaderSize = 40;
@@ -23,7 +21,6 @@ constexpr std::uint16_t kOptionalMagic64 = 0x020B;
 PeSection ReadSection(ByteSpan file, ByteSpan header) {
   PeSection section = {};
   section.name = header.TextAt(0, 8);
-  section.virtualSize = header.U32(8);
   section.virtualAddress = header.U32(12);
   section.fileSize = header.U32(16);
   section.fileOffset = header.U32(20);
@@ -39,8 +36,6 @@ void ReadOptionalHeader(ByteSpan optional, PeImage* image) {
   image->minorOperatingSystemVersion = optional.U16(42);
   image->majorSubsystemVersion = optional.U16(48);
   image->minorSubsystemVersion = optional.U16(50);
-  image->sizeOfImage = optional.U32(56);
-  image->checkSum = optional.U32(64);
   image->subsystem = optional.U16(68);
   image->dllCharacteristics = optional.U16(70);
   const std::uint32_t tableOffset = image->isPlus ? 112 : 96;
@@ -54,7 +49,8 @@ void ReadOptionalHeader(ByteSpan optional, PeImage* image) {
 }  // namespace
 
 bool PeSection::IsReadOnlyData() const {
-  return (characteristics & (kScnInitializedData | kScnDiscardable | kScnExecute | kScnWrite)) == kScnInitializedData;
+  constexpr std::uint32_t kOthers = kImageScnMemDiscardable | kImageScnMemExecute | kImageScnMemWrite;
+  return (characteristics & (kImageScnCntInitializedData | kOthers)) == kImageScnCntInitializedData;
 }
 
 PeDirectory PeImage::Directory(PeDirectoryIndex index) const {

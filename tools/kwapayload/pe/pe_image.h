@@ -18,6 +18,8 @@ constexpr std::uint16_t kImageSubsystemWindowsGui = 2;
 constexpr std::uint16_t kImageSubsystemWindowsCui = 3;
 constexpr std::uint16_t kImageDllCharacteristicsDynamicBase = 0x0040;
 constexpr std::uint16_t kImageDllCharacteristicsNxCompat = 0x0100;
+constexpr std::uint32_t kImageScnMemExecute = 0x20000000;
+constexpr std::uint32_t kImageScnMemWrite = 0x80000000;
 
 // Indexes of the data directories.
 enum PeDirectoryIndex : unsigned {
@@ -31,7 +33,6 @@ enum PeDirectoryIndex : unsigned {
 struct PeSection {
   std::string name;  // as it stands, up to 8 characters
   std::uint32_t virtualAddress;
-  std::uint32_t virtualSize;
   std::uint32_t fileOffset;
   std::uint32_t fileSize;  // as the header says
   std::uint32_t characteristics;
@@ -61,8 +62,6 @@ struct PeImage {
   std::uint16_t majorOperatingSystemVersion;
   std::uint16_t minorOperatingSystemVersion;
   std::uint64_t imageBase;
-  std::uint32_t sizeOfImage;
-  std::uint32_t checkSum;
   std::vector<PeSection> sections;
   std::vector<PeDirectory> directories;  // 16 at most
 

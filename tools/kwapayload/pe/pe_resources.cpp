@@ -1,7 +1,6 @@
 #include "pe/pe_resources.h"
 
 #include <algorithm>
-#include <array>
 
 namespace kwa {
 namespace {
@@ -19,12 +18,12 @@ class ResourceTree {
       : image(peImage), root(peImage.At(peImage.Directory(kPeResourceDirectory).address)) {}
 
   std::vector<PeResource> Read() {
-    ReadDirectory(0, 0);
+    ReadDirectory(0, 0, 0);
     return std::move(resources);
   }
 
  private:
-  void ReadDirectory(std::uint32_t offset, unsigned level) {
+  void ReadDirectory(std::uint32_t offset, unsigned level, std::uint32_t type) {
     constexpr std::uint32_t kHeaderSize = 16;
     constexpr std::uint32_t kEntrySize = 8;
     const ByteSpan directory = root.From(offset);
@@ -35,20 +34,19 @@ class ResourceTree {
       if (entry.Size() < kEntrySize || ++entriesSeen > kMaxTreeEntries || resources.size() >= kMaxResources) {
         return;
       }
-      path[level] = entry.U32(0);
+      const std::uint32_t entryType = level == 0 ? entry.U32(0) : type;
       const bool isDirectory = (entry.U32(4) & kHighBit) != 0;
       const std::uint32_t target = entry.U32(4) & ~kHighBit;
       if (level + 1 < kTreeDepth && isDirectory) {
-        ReadDirectory(target, level + 1);
+        ReadDirectory(target, level + 1, entryType);
       } else if (level + 1 == kTreeDepth && !isDirectory) {
-        resources.push_back({path[0], path[1], path[2], image.At(root.U32(target)).Part(0, root.U32(target + 4ULL))});
+        resources.push_back({entryType, image.At(root.U32(target)).Part(0, root.U32(target + 4ULL))});
       }
     }
   }
 
   const PeImage& image;
   const ByteSpan root;
-  std::array<std::uint32_t, kTreeDepth> path = {};
   std::size_t entriesSeen = 0;
   std::vector<PeResource> resources;
 };

@@ -10,11 +10,9 @@ namespace kwa {
 constexpr std::uint32_t kResourceTypeVersion = 16;
 constexpr std::uint32_t kResourceTypeManifest = 24;
 
-// One resource with numbers for type and name; those with texts are left out.
+// One resource with a number for type, name and language; those with texts are left out.
 struct PeResource {
   std::uint32_t type;
-  std::uint32_t name;
-  std::uint32_t language;
   ByteSpan bytes;
 };
 

@@ -1,7 +1,10 @@
 #include "pe/version_record.h"
 
+#include <utf8.h>
+
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 namespace kwa {
 namespace {
@@ -9,26 +12,8 @@ namespace {
 constexpr std::uint32_t kFixedSignature = 0xFEEF04BD;
 constexpr std::uint32_t kBlockHeaderSize = 6;
 
-void AppendUtf8(std::string& text, std::uint32_t character) {
-  const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (character < 0x80) {
-    append(character);
-  } else if (character < 0x800) {
-    append(0xC0 | character >> 6);
-    append(0x80 | (character & 0x3F));
-  } else if (character < 0x10000) {
-    append(0xE0 | character >> 12);
-    append(0x80 | (character >> 6 & 0x3F));
-    append(0x80 | (character & 0x3F));
-  } else {
-    append(0xF0 | character >> 18);
-    append(0x80 | (character >> 12 & 0x3F));
-    append(0x80 | (character >> 6 & 0x3F));
-    append(0x80 | (character & 0x3F));
-  }
-}
-
-// The UTF-16 text up to a zero or the end. Sets *length to its units, the zero counted where there is one.
+// The UTF-16 text up to a zero or the end, a replacement character for half a surrogate pair. Sets *length to its
+// units, the zero counted where there is one.
 std::string Utf16Text(ByteSpan bytes, std::uint64_t* length) {
   constexpr std::uint32_t kReplacement = 0xFFFD;
   std::string text;
@@ -45,7 +30,7 @@ std::string Utf16Text(ByteSpan bytes, std::uint64_t* length) {
       character = isPair ? 0x10000 + ((character - 0xD800) << 10) + (low - 0xDC00) : kReplacement;
       unit += isPair ? 1 : 0;
     }
-    AppendUtf8(text, character);
+    utf8::append(character, std::back_inserter(text));
   }
   *length = unit;
   return text;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <string>
 
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "base/text_kind.h"
 #include "installer/file_kind.h"
@@ -9,10 +10,6 @@
 
 namespace kwa {
 namespace {
-
-bool SameName(std::string_view one, std::string_view other) {
-  return UpperCaseName(one) == UpperCaseName(other);
-}
 
 const ContentsFile* FindWanted(const PayloadContents& wanted, std::string_view name) {
   const auto found =
@@ -38,7 +35,7 @@ char BestLetter(const LocatedArchive& located, const PayloadContents& contents) 
   return shared[1] > shared[0] ? 'B' : 'A';
 }
 
-void CompareArchive(const LocatedArchive& located, const PayloadContents& contents, std::vector<Finding>* findings) {
+void CompareArchive(const LocatedArchive& located, const PayloadContents& contents, Findings* findings) {
   const char letter = BestLetter(located, contents);
   const PayloadContents wanted = SelectArchive(contents, letter);
   const std::vector<ArchiveItem>& items = located.archive.items;
@@ -49,26 +46,25 @@ void CompareArchive(const LocatedArchive& located, const PayloadContents& conten
     const std::string where = prefix + EscapedText(item.name);
     if (const ContentsFile* const file = FindWanted(wanted, item.name)) {
       if (item.size != file->size) {
-        findings->push_back({Severity::Error, where,
-                             "has " + std::to_string(item.size) + " bytes instead of " + std::to_string(file->size),
-                             "size"});
+        findings->AddError(
+            where, "has " + std::to_string(item.size) + " bytes instead of " + std::to_string(file->size), "size");
       } else if (const std::string kind = FileKind(item.body); kind != file->kind) {
-        findings->push_back({Severity::Error, where, "is " + kind + " instead of " + file->kind, "kind"});
+        findings->AddError(where, "is " + kind + " instead of " + file->kind, "kind");
       }
     } else if (i < wanted.size() && FindItem(items, wanted[i].name) == nullptr) {
       // A changed name is one fault, not a missing and an unexpected file.
       renamed.emplace_back(wanted[i].name);
       if (EntryNameFault(item.name).empty()) {  // else the name itself is reported already
-        findings->push_back({Severity::Error, where, "stands in the place of " + wanted[i].name, "unexpected-file"});
+        findings->AddError(where, "stands in the place of " + wanted[i].name, "unexpected-file");
       }
     } else {
-      findings->push_back({Severity::Error, where, "is not in the list of contents", "unexpected-file"});
+      findings->AddError(where, "is not in the list of contents", "unexpected-file");
     }
   }
   for (const ContentsFile& file : wanted) {
     if (FindItem(items, file.name) == nullptr &&
         std::find(renamed.begin(), renamed.end(), file.name) == renamed.end()) {
-      findings->push_back({Severity::Error, prefix + file.name, "is missing", "missing-file"});
+      findings->AddError(prefix + file.name, "is missing", "missing-file");
     }
   }
 }
@@ -89,18 +85,16 @@ constexpr Companion kCompanions[] = {
 
 }  // namespace
 
-void VerifyContents(const InstallerFile& installer, const PayloadContents& contents, std::vector<Finding>* findings) {
+void VerifyContents(const InstallerFile& installer, const PayloadContents& contents, Findings* findings) {
   if (contents.empty()) {
     return;
   }
   for (const LocatedArchive& located : installer.archives) {
-    if (located.archive.IsReadable()) {
-      CompareArchive(located, contents, findings);
-    }
+    CompareArchive(located, contents, findings);
   }
 }
 
-void VerifyCompanions(const InstallerFile& installer, const PayloadContents& contents, std::vector<Finding>* findings) {
+void VerifyCompanions(const InstallerFile& installer, const PayloadContents& contents, Findings* findings) {
   for (const Companion& companion : kCompanions) {
     if (FindWanted(contents, companion.name) != nullptr) {
       continue;
@@ -109,19 +103,18 @@ void VerifyCompanions(const InstallerFile& installer, const PayloadContents& con
     std::string where = companion.name;
     for (const LocatedArchive& located : installer.archives) {
       for (const ArchiveItem& item : located.archive.items) {
-        if (SameName(item.name, companion.name)) {
+        if (IsSameText(item.name, companion.name)) {
           found = &item;
-          where = "archive " + located.letter + ", " + companion.name;
+          where = located.Where(item);
         }
       }
     }
     if (found == nullptr) {
-      findings->push_back({Severity::Error, where, "is missing", "missing-file"});
+      findings->AddError(where, "is missing", "missing-file");
     } else if (companion.kind != nullptr && FileKind(found->body).rfind(companion.kind, 0) != 0) {
-      findings->push_back(
-          {Severity::Error, where, "is " + FileKind(found->body) + " instead of " + companion.kind, "kind"});
+      findings->AddError(where, "is " + FileKind(found->body) + " instead of " + companion.kind, "kind");
     } else if (companion.kind == nullptr && !IsUtf8(found->body)) {
-      findings->push_back({Severity::Error, where, "is not valid UTF-8, which DPInst takes it for", "not-utf8"});
+      findings->AddError(where, "is not valid UTF-8, which DPInst takes it for", "not-utf8");
     }
   }
 }

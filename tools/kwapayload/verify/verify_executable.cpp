@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <string>
 
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
@@ -13,15 +14,13 @@ namespace {
 
 constexpr std::uint16_t kImageFileExecutable = 0x0002;
 constexpr std::uint16_t kImageDllCharacteristicsTerminalServerAware = 0x8000;
-constexpr std::uint32_t kImageScnMemExecute = 0x20000000;
-constexpr std::uint32_t kImageScnMemWrite = 0x80000000;
 
 // The version of Windows 2000; a program that asks for a later one does not start there.
 constexpr std::uint16_t kOldestWindows = 5;
 
-void VerifyHeaders(const PeImage& image, std::vector<Finding>* findings) {
+void VerifyHeaders(const PeImage& image, Findings* findings) {
   const auto add = [&](const char* what, const char* code, Severity severity = Severity::Error) {
-    findings->push_back({severity, "executable", what, code});
+    findings->Add({severity, "executable", what, code});
   };
   if (image.isPlus || image.machine != kImageFileMachineI386) {
     add("is not a 32-bit x86 program (PE32)", "machine");
@@ -49,16 +48,10 @@ void VerifyHeaders(const PeImage& image, std::vector<Finding>* findings) {
   }
   for (const PeSection& section : image.sections) {
     if ((section.characteristics & kImageScnMemExecute) != 0 && (section.characteristics & kImageScnMemWrite) != 0) {
-      findings->push_back({Severity::Error, "executable, section " + EscapedText(section.name),
-                           "can be written and executed", "writable-code"});
+      findings->AddError("executable, section " + EscapedText(section.name), "can be written and executed",
+                         "writable-code");
     }
   }
-}
-
-std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return text;
 }
 
 bool HadOldWindows(const std::string& library, const std::string& function) {
@@ -67,23 +60,22 @@ bool HadOldWindows(const std::string& library, const std::string& function) {
   });
 }
 
-void VerifyImports(const PeImage& image, std::vector<Finding>* findings) {
+void VerifyImports(const PeImage& image, Findings* findings) {
   const ImportTable imports = ReadImports(image);
   if (!imports.isComplete) {
-    findings->push_back({Severity::Error, "executable", "its import table is damaged", "imports-damaged"});
+    findings->AddError("executable", "its import table is damaged", "imports-damaged");
   }
   for (const ImportedLibrary& imported : imports.libraries) {
     const std::string library = LowerCase(imported.name);
     const std::string where = "executable, imports of " + EscapedText(imported.name);
     if (library != "kernel32.dll" && library != "shell32.dll" && library != "msvcrt.dll") {
-      findings->push_back(
-          {Severity::Error, where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed"});
+      findings->AddError(where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed");
       continue;
     }
     for (const std::string& function : imported.functions) {
       if (!HadOldWindows(library, function)) {
-        findings->push_back({Severity::Error, where,
-                             EscapedText(function) + " is not known to be in Windows 2000 and XP", "import-too-new"});
+        findings->AddError(where, EscapedText(function) + " is not known to be in Windows 2000 and XP",
+                           "import-too-new");
       }
     }
   }
@@ -106,33 +98,33 @@ std::string RequestedLevel(std::string_view manifest) {
   return "";
 }
 
-void VerifyResources(const PeImage& image, std::vector<Finding>* findings) {
+void VerifyResources(const PeImage& image, Findings* findings) {
   const std::vector<PeResource> resources = ReadResources(image);
   const ByteSpan manifest = FirstResource(resources, kResourceTypeManifest);
   if (manifest.Empty()) {
-    findings->push_back({Severity::Error, "executable", "has no manifest", "no-manifest"});
+    findings->AddError("executable", "has no manifest", "no-manifest");
   } else if (const std::string level = RequestedLevel(manifest.Text()); level != "requireAdministrator") {
-    findings->push_back({Severity::Error, "executable, manifest",
-                         "asks for the level \"" + EscapedText(level) + "\" instead of \"requireAdministrator\"",
-                         "manifest-level"});
+    findings->AddError("executable, manifest",
+                       "asks for the level \"" + EscapedText(level) + "\" instead of \"requireAdministrator\"",
+                       "manifest-level");
   }
   const ByteSpan version = FirstResource(resources, kResourceTypeVersion);
   VersionRecord record;
   if (version.Empty()) {
-    findings->push_back({Severity::Error, "executable", "has no version record", "no-version"});
+    findings->AddError("executable", "has no version record", "no-version");
   } else if (!ReadVersionRecord(version, &record)) {
-    findings->push_back({Severity::Error, "executable", "its version record is damaged", "version-damaged"});
+    findings->AddError("executable", "its version record is damaged", "version-damaged");
   } else if (record.fileVersion != record.productVersion ||
              record.fileVersion.rfind(record.texts["FileVersion"], 0) != 0) {
-    findings->push_back({Severity::Error, "executable, version record",
-                         "its versions differ: file " + record.fileVersion + " (\"" +
-                             EscapedText(record.texts["FileVersion"]) + "\"), product " + record.productVersion,
-                         "versions-differ"});
+    findings->AddError("executable, version record",
+                       "its versions differ: file " + record.fileVersion + " (\"" +
+                           EscapedText(record.texts["FileVersion"]) + "\"), product " + record.productVersion,
+                       "versions-differ");
   }
 }
 
 // What lies behind the last section belongs to no one but a signature.
-void VerifyEnd(const PeImage& image, std::vector<Finding>* findings) {
+void VerifyEnd(const PeImage& image, Findings* findings) {
   std::uint64_t end = image.headerOffset;
   for (const PeSection& section : image.sections) {
     end = std::max(end, std::uint64_t{section.fileOffset} + section.bytes.Size());
@@ -141,15 +133,15 @@ void VerifyEnd(const PeImage& image, std::vector<Finding>* findings) {
   const std::uint64_t rest = image.file.Size() - std::min<std::uint64_t>(end, image.file.Size());
   // A signature begins on a multiple of 8.
   if (rest > certificates.Size() + 7) {
-    findings->push_back({Severity::Warning, "executable",
+    findings->AddWarning("executable",
                          std::to_string(rest - certificates.Size()) + " bytes behind the last section are no signature",
-                         "overlay"});
+                         "overlay");
   }
 }
 
 }  // namespace
 
-void VerifyExecutable(const InstallerFile& installer, std::vector<Finding>* findings) {
+void VerifyExecutable(const InstallerFile& installer, Findings* findings) {
   if (!installer.image) {
     return;
   }

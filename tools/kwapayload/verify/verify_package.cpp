@@ -2,6 +2,7 @@
 #include <set>
 #include <string>
 
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "base/text_kind.h"
 #include "dpinst/device_families.h"
@@ -34,78 +35,82 @@ std::string XmlFault(const std::string& value) {
 }
 
 // Judges a value that the installer writes into its configuration. Returns whether it is fit.
-bool VerifyValue(const std::string& where, const char* key, const std::string& value, bool isCut,
-                 std::vector<Finding>* findings) {
+bool VerifyValue(const std::string& where, const char* key, const std::string& value, bool isCut, Findings* findings) {
   if (value.empty()) {
-    findings->push_back({Severity::Error, where, std::string("[Version] has no ") + key, "version-key-missing"});
+    findings->AddError(where, std::string("[Version] has no ") + key, "version-key-missing");
   } else if (isCut) {
-    findings->push_back({Severity::Error, where,
-                         std::string(key) + " has more than " + std::to_string(kInfValueLimit) +
-                             " characters, and the installer keeps no more",
-                         "value-too-long"});
+    findings->AddError(where,
+                       std::string(key) + " has more than " + std::to_string(kInfValueLimit) +
+                           " characters, and the installer keeps no more",
+                       "value-too-long");
   } else if (const std::string fault = XmlFault(value); !fault.empty()) {
-    findings->push_back({Severity::Error, where, std::string(key) + " " + fault, "value-breaks-xml"});
+    findings->AddError(where, std::string(key) + " " + fault, "value-breaks-xml");
   } else {
     return true;
   }
   return false;
 }
 
-void VerifyIdentity(const std::string& where, ByteSpan inf, std::vector<Finding>* findings) {
+void VerifyIdentity(const std::string& where, const InfText& inf, Findings* findings) {
+  const PackageIdentity identity = ReadHostPackageIdentity(inf);
+  if (!identity.fault.empty()) {
+    findings->AddError(where, identity.fault, "inf-encoding");
+    return;
+  }
   const auto isCut = [&](const char* key) {
     return ReadInfValue(inf, "Version", key, kInfValueLimit + 1).size() > kInfValueLimit;
   };
-  const PackageIdentity identity = ReadHostPackageIdentity(inf);
   VerifyValue(where, "DriverVer", identity.version, isCut("DriverVer"), findings);
   const bool isNameFit =
       VerifyValue(where, "DriverPackageDisplayName", identity.displayName, isCut("DriverPackageDisplayName"), findings);
   if (isNameFit && FindDeviceFamily(identity.displayName.c_str()) == nullptr) {
-    findings->push_back({Severity::Error, where,
-                         "DriverPackageDisplayName \"" + EscapedText(identity.displayName) +
-                             "\" names no device family, so the wizard will list no devices",
-                         "no-family"});
+    findings->AddError(where,
+                       "DriverPackageDisplayName \"" + EscapedText(identity.displayName) +
+                           "\" names no device family, so the wizard will list no devices",
+                       "no-family");
   }
 }
 
 }  // namespace
 
-void VerifyPackage(const InstallerFile& installer, std::vector<Finding>* findings) {
+void VerifyPackage(const InstallerFile& installer, Findings* findings) {
   std::set<std::string> names;
   for (const LocatedArchive& located : installer.archives) {
     for (const ArchiveItem& item : located.archive.items) {
-      names.insert(UpperCaseName(item.name));
+      names.insert(UpperCase(item.name));
     }
   }
   const ArchiveItem* const item = FindInf(installer);
   if (item == nullptr) {
-    findings->push_back({Severity::Error, "package", "holds no INF", "no-inf"});
+    findings->AddError("package", "holds no INF", "no-inf");
     return;
   }
   const std::string where = "package, " + EscapedText(item->name);
   for (const std::string& name : names) {
-    const std::string inf = UpperCaseName(item->name);
-    if (name != inf && name.size() > 4 && name.compare(name.size() - 4, 4, ".INF") == 0) {
-      findings->push_back({Severity::Error, where, "is not the only INF: there is " + EscapedText(name), "second-inf"});
+    if (IsInfName(name) && name != UpperCase(item->name)) {
+      findings->AddError(where, "is not the only INF: there is " + EscapedText(name), "second-inf");
     }
   }
-  VerifyIdentity(where, item->body, findings);
-
-  const std::string catalog = ReadInfValue(item->body, "Version", "CatalogFile");
-  if (catalog.empty()) {
-    findings->push_back({Severity::Error, where, "[Version] has no CatalogFile", "version-key-missing"});
-  } else if (names.count(UpperCaseName(catalog)) == 0) {
-    findings->push_back(
-        {Severity::Error, where, "CatalogFile \"" + EscapedText(catalog) + "\" is not carried", "catalog-missing"});
+  const InfText inf(item->body);
+  VerifyIdentity(where, inf, findings);
+  if (!inf.Fault().empty()) {
+    return;  // what else is read of it is as doubtful
   }
-  const std::vector<std::string> sources = ReadInfSourceFiles(item->body);
+
+  const std::string catalog = ReadInfValue(inf, "Version", "CatalogFile");
+  if (catalog.empty()) {
+    findings->AddError(where, "[Version] has no CatalogFile", "version-key-missing");
+  } else if (names.count(UpperCase(catalog)) == 0) {
+    findings->AddError(where, "CatalogFile \"" + EscapedText(catalog) + "\" is not carried", "catalog-missing");
+  }
+  const std::vector<std::string> sources = ReadInfSourceFiles(inf);
   if (sources.empty()) {
-    findings->push_back({Severity::Error, where, "has no [SourceDisksFiles]", "no-source-files"});
+    findings->AddError(where, "has no [SourceDisksFiles]", "no-source-files");
   }
   for (const std::string& source : sources) {
-    if (names.count(UpperCaseName(source)) == 0) {
-      findings->push_back({Severity::Error, where,
-                           "[SourceDisksFiles] names \"" + EscapedText(source) + "\", which is not carried",
-                           "source-file-missing"});
+    if (names.count(UpperCase(source)) == 0) {
+      findings->AddError(where, "[SourceDisksFiles] names \"" + EscapedText(source) + "\", which is not carried",
+                         "source-file-missing");
     }
   }
 }

@@ -1,0 +1,46 @@
+#include "base/ascii_text.h"
+
+#include <algorithm>
+
+namespace kwa {
+namespace {
+
+char UpperCaseLetter(char letter) {
+  return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+}
+
+char LowerCaseLetter(char letter) {
+  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+}  // namespace
+
+std::string UpperCase(std::string_view text) {
+  std::string upper(text);
+  std::transform(upper.begin(), upper.end(), upper.begin(), UpperCaseLetter);
+  return upper;
+}
+
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  std::transform(lower.begin(), lower.end(), lower.begin(), LowerCaseLetter);
+  return lower;
+}
+
+bool IsSameText(std::string_view one, std::string_view other) {
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                    [](char left, char right) { return UpperCaseLetter(left) == UpperCaseLetter(right); });
+}
+
+std::string_view Trimmed(std::string_view text, std::string_view blanks) {
+  const std::size_t begin = text.find_first_not_of(blanks);
+  return begin == std::string_view::npos ? "" : text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
+std::string_view TakeLine(std::string_view* text) {
+  const std::string_view line = text->substr(0, text->find_first_of("\r\n"));
+  text->remove_prefix(std::min(line.size() + 1, text->size()));
+  return line;
+}
+
+}  // namespace kwa

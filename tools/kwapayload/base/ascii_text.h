@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Text whose meaning is ASCII; other bytes pass as they are.
+
+namespace kwa {
+
+// a to z as A to Z, and the other way round.
+std::string UpperCase(std::string_view text);
+std::string LowerCase(std::string_view text);
+
+// Whether two texts are the same without regard to case.
+bool IsSameText(std::string_view one, std::string_view other);
+
+// The text without any of `blanks` at its beginning and end.
+std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t");
+
+// Takes the first line off the text and returns it without its end, a CR or LF. An empty line stands between CR and LF.
+std::string_view TakeLine(std::string_view* text);
+
+}  // namespace kwa
