@@ -9,7 +9,7 @@
 #include "inf/package_identity.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const kwa::ByteSpan inf(data, size);
+  const kwa::InfText inf(kwa::ByteSpan(data, size));
   const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(inf);
   if (identity.version.size() > kwa::kInfValueLimit || identity.displayName.size() > kwa::kInfValueLimit) {
     std::abort();

@@ -1,39 +1,31 @@
 #include "tool_run.h"
 
-#include <cstdlib>
-
-#ifndef _WIN32
+#include <gtest/gtest.h>
 #include <sys/wait.h>
-#endif
+
+#include <cstdlib>
 
 #include "temporary_folder.h"
 
-namespace {
-
-std::string Quoted(const std::string& text) {
-#ifdef _WIN32
-  return '"' + text + '"';
-#else
-  return '\'' + text + '\'';
-#endif
-}
-
-}  // namespace
-
 ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& before) {
   const TemporaryFolder folder;
-  std::string command = before + Quoted(KWA_TOOL);
+  std::string command = before + "'" KWA_TOOL "'";
   for (const std::string& argument : arguments) {
-    command += ' ' + Quoted(argument);
+    command += " '" + argument + "'";
   }
-  command += " >" + Quoted(folder / "out") + " 2>" + Quoted(folder / "err");
-#ifdef _WIN32
-  // cmd takes off the first and the last quote.
-  const int status = std::system(('"' + command + '"').c_str());
-#else
+  command += " >'" + (folder / "out") + "' 2>'" + (folder / "err") + "'";
   // The shell that redirects the output is wanted here.
   const int result = std::system(command.c_str());  // NOLINT(cert-env33-c)
   const int status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
-#endif
   return {status, ReadWholeFile(folder / "out"), ReadWholeFile(folder / "err")};
+}
+
+void ExpectFailure(const ToolRun& run, const std::string& folder, const std::vector<std::string>& faults) {
+  std::string expected;
+  for (const std::string& fault : faults) {
+    expected += "kwapayload: " + folder + "/" + fault + "\n";
+  }
+  EXPECT_EQ(1, run.status);
+  EXPECT_EQ(expected, run.errors);
+  EXPECT_EQ("", run.output);
 }
