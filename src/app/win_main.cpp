@@ -23,8 +23,9 @@ namespace {
 void IgnoreFileStart(const ArchiveEntry* /*entry*/, std::uint32_t /*size*/) {}
 
 int Install() {
-  // The zeros behind the path are needed: DeleteFolderTree hands the buffer to the shell as a list of paths.
-  char workFolder[kTextCapacity] = {};
+  // DeleteFolderTree hands this to the shell as a list of paths, which ends with two zeros: one byte more than any copy
+  // or append is told of, so that they also stand behind a path that fills the capacity.
+  char workFolder[kTextCapacity + 1] = {};
   char workPath[kTextCapacity] = {};
   DriverPackageIdentity identity = {};
   strcpy_s(identity.version, kTextCapacity, "");
