@@ -4,10 +4,6 @@ include(ExternalProject)
 
 set(kwaPayloadTool ${CMAKE_BINARY_DIR}/kwapayload)
 set(kwaSampleTool ${CMAKE_BINARY_DIR}/samplepayload)
-if(CMAKE_HOST_WIN32)
-  string(APPEND kwaPayloadTool .exe)
-  string(APPEND kwaSampleTool .exe)
-endif()
 
 # A ready tool saves most of a release's build time.
 set(KWA_PAYLOAD_TOOL "" CACHE FILEPATH "kwapayload for a release; empty: the build makes its own")
