@@ -97,5 +97,5 @@ report_plot() {
   for name in private.{installer,floor,nsis} resident.installer; do
     report_series "$name" 1e-6 >"$work/plot/$name"
   done
-  (cd "$work/plot" && quietly gnuplot ../../../script/lib/bench.gnuplot)
+  (cd "$work/plot" && quietly gnuplot ../../../bench/bench.gnuplot)
 }
