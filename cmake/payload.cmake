@@ -29,6 +29,7 @@ if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
   # The sample's Windows programs, for both machines.
   add_subdirectory(tools/sample/programs programs-x86)
   set(x64Dir ${CMAKE_BINARY_DIR}/programs-x64)
+  set(sampleFiles ${CMAKE_SOURCE_DIR}/tools/sample/files)
   ExternalProject_Add(sample_programs_x64
     SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools/sample/programs
     BINARY_DIR ${x64Dir}
@@ -42,9 +43,10 @@ if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
   file(MAKE_DIRECTORY ${payloadDir}/a ${payloadDir}/b)
   add_custom_command(
     OUTPUT ${payloadFiles}
-    COMMAND ${kwaSampleTool} --contents ${kwaContents} --programs-x86 ${CMAKE_BINARY_DIR}/programs-x86
-      --programs-x64 ${x64Dir} ${payloadDir}
-    DEPENDS ${kwaSampleTool} ${kwaContents} standin settings driver asio mixer
+    COMMAND ${kwaSampleTool} --contents ${kwaContents} --files ${sampleFiles}
+      --programs-x86 ${CMAKE_BINARY_DIR}/programs-x86 --programs-x64 ${x64Dir} ${payloadDir}
+    DEPENDS ${kwaSampleTool} ${kwaContents} ${sampleFiles}/eula_de.txt ${sampleFiles}/eula_en.txt
+      ${sampleFiles}/signer.pem standin settings driver asio mixer
       ${x64Dir}/standin.exe ${x64Dir}/driver.sys ${x64Dir}/asio.dll
     COMMENT "Making the sample payload"
     VERBATIM)

@@ -1,122 +1,135 @@
 #include "catalog.h"
 
-#include <initializer_list>
+#include <openssl/asn1t.h>
+
+#include <memory>
 #include <stdexcept>
 
+#include "der.h"
 #include "padding.h"
+#include "program.h"
 
 namespace kwa {
 namespace {
 
-// The DER tags that a catalog uses.
-enum Tag : unsigned char {
-  kInteger = 0x02,
-  kOctetString = 0x04,
-  kNull = 0x05,
-  kObjectId = 0x06,
-  kUtcTime = 0x17,
-  kSequence = 0x30,
-  kSet = 0x31,
-  kContext0 = 0xA0,
+constexpr char kTrustListType[] = "1.3.6.1.4.1.311.10.1";
+constexpr char kCatalogUsage[] = "1.3.6.1.4.1.311.12.1.1";
+constexpr char kSecondGeneration[] = "1.3.6.1.4.1.311.12.1.3";
+constexpr char kNameValueType[] = "1.3.6.1.4.1.311.12.2.1";
+
+struct NameValue {
+  ASN1_BMPSTRING* name;
+  ASN1_INTEGER* flags;
+  ASN1_OCTET_STRING* value;
 };
 
-std::string Der(Tag tag, const std::string& content) {
-  const std::size_t length = content.size();
-  std::string bytes(1, static_cast<char>(tag));
-  if (length > 0xFF) {
-    bytes += static_cast<char>(0x82);
-    bytes += static_cast<char>(length >> 8);
-  } else if (length > 0x7F) {
-    bytes += static_cast<char>(0x81);
-  }
-  bytes += static_cast<char>(length & 0xFF);
-  return bytes + content;
+struct CatalogMember {
+  ASN1_OCTET_STRING* tag;
+  STACK_OF(X509_ATTRIBUTE) * attributes;
+};
+DEFINE_STACK_OF(CatalogMember)
+
+struct TrustList {
+  STACK_OF(ASN1_OBJECT) * usage;
+  ASN1_OCTET_STRING* identifier;
+  ASN1_UTCTIME* time;
+  X509_ALGOR* generation;
+  STACK_OF(CatalogMember) * members;
+  STACK_OF(X509_EXTENSION) * extensions;
+};
+
+// clang-format off
+ASN1_SEQUENCE(NameValue) = {
+  ASN1_SIMPLE(NameValue, name, ASN1_BMPSTRING),
+  ASN1_SIMPLE(NameValue, flags, ASN1_INTEGER),
+  ASN1_SIMPLE(NameValue, value, ASN1_OCTET_STRING)
+} static_ASN1_SEQUENCE_END(NameValue)
+
+ASN1_SEQUENCE(CatalogMember) = {
+  ASN1_SIMPLE(CatalogMember, tag, ASN1_OCTET_STRING),
+  ASN1_SET_OF(CatalogMember, attributes, X509_ATTRIBUTE)
+} static_ASN1_SEQUENCE_END(CatalogMember)
+
+ASN1_SEQUENCE(TrustList) = {
+  ASN1_SEQUENCE_OF(TrustList, usage, ASN1_OBJECT),
+  ASN1_SIMPLE(TrustList, identifier, ASN1_OCTET_STRING),
+  ASN1_SIMPLE(TrustList, time, ASN1_UTCTIME),
+  ASN1_SIMPLE(TrustList, generation, X509_ALGOR),
+  ASN1_SEQUENCE_OF(TrustList, members, CatalogMember),
+  ASN1_EXP_SEQUENCE_OF(TrustList, extensions, X509_EXTENSION, 0)
+} static_ASN1_SEQUENCE_END(TrustList)
+    // clang-format on
+
+    template <typename Value>
+    std::shared_ptr<Value> New(const ASN1_ITEM* item) {
+  Value* const value = reinterpret_cast<Value*>(ASN1_item_new(item));
+  Require(value != nullptr);
+  return {value, [item](Value* owned) { ASN1_item_free(reinterpret_cast<ASN1_VALUE*>(owned), item); }};
 }
 
-// Arcs after 1.3.6.1.4.1.311, Microsoft's.
-std::string MicrosoftObjectId(std::initializer_list<int> arcs) {
-  std::string content = "\x2B\x06\x01\x04\x01\x82\x37";
-  for (const int arc : arcs) content += static_cast<char>(arc);
-  return Der(kObjectId, content);
-}
-
-std::string SignedDataObjectId() {
-  return Der(kObjectId, "\x2A\x86\x48\x86\xF7\x0D\x01\x07\x02");
+void Set(ASN1_STRING* string, const std::string& bytes) {
+  Require(ASN1_STRING_set(string, bytes.data(), static_cast<int>(bytes.size())) == 1);
 }
 
 std::string Utf16(const std::string& ascii) {
   std::string bytes;
-  for (const char c : ascii) {
-    bytes += c;
-    bytes += '\0';
-  }
-  return bytes + std::string(2, '\0');
+  for (const char c : ascii + '\0') bytes.append({c, '\0'});
+  return bytes;
 }
 
-// A name and a value that the catalog gives a member.
-std::string NameValue(const std::string& name, const std::string& value) {
-  std::string bigEndianName;
-  for (const char c : name) {
-    bigEndianName += '\0';
-    bigEndianName += c;
-  }
-  const Tag kBmpString = static_cast<Tag>(0x1E);
-  const std::string content =
-      Der(kSequence, Der(kBmpString, bigEndianName) + Der(kInteger, std::string("\x10\x01\x00\x01", 4)) +
-                         Der(kOctetString, value));
-  return Der(kSequence, MicrosoftObjectId({12, 2, 1}) + Der(kSet, content));
+// A name and a value that the catalog gives a member, or itself.
+std::string NameValueDer(const std::string& name, const std::string& value) {
+  const std::shared_ptr<NameValue> pair = New<NameValue>(ASN1_ITEM_rptr(NameValue));
+  Require(ASN1_mbstring_copy(&pair->name, reinterpret_cast<const unsigned char*>(name.data()),
+                             static_cast<int>(name.size()), MBSTRING_ASC, B_ASN1_BMPSTRING) > 0 &&
+          ASN1_INTEGER_set(pair->flags, 0x10010001) == 1);
+  Set(pair->value, value);
+  return Der(pair.get(), ASN1_ITEM_rptr(NameValue));
 }
 
-// One file that the catalog vouches for, under its hash.
-std::string Member(unsigned number, const std::string& fileName, const std::string& attributes) {
-  static const char kDigits[] = "0123456789ABCDEF";
-  std::string hash;
-  for (const char byte : PaddingBytes(20, number)) {
-    hash += kDigits[static_cast<unsigned char>(byte) >> 4];
-    hash += kDigits[static_cast<unsigned char>(byte) & 15];
-  }
-  return Der(kSequence,
-             Der(kOctetString, Utf16(hash)) +
-                 Der(kSet, NameValue("File", Utf16(fileName)) +
-                               NameValue("OSAttr", Utf16("2:5.00,2:5.1,2:5.2,2:6.0,2:6.1,2:6.2,2:6.3")) + attributes));
+void AddAttribute(CatalogMember* member, const char* type, const std::string& der) {
+  X509_ATTRIBUTE* const attribute = X509_ATTRIBUTE_create_by_txt(
+      nullptr, type, V_ASN1_SEQUENCE, reinterpret_cast<const unsigned char*>(der.data()), static_cast<int>(der.size()));
+  Require(attribute != nullptr && sk_X509_ATTRIBUTE_push(member->attributes, attribute) > 0);
 }
 
-std::string Catalog(const std::string& members) {
-  const std::string list =
-      Der(kSequence, Der(kSequence, MicrosoftObjectId({12, 1, 1})) + Der(kOctetString, PaddingBytes(16, 0)) +
-                         Der(kUtcTime, "140213120000Z") +
-                         Der(kSequence, MicrosoftObjectId({12, 1, 2}) + Der(kNull, "")) + Der(kSequence, members));
-  const std::string signedData = Der(
-      kSequence, Der(kInteger, "\x01") + Der(kSet, "") +  // version, no digest algorithms
-                     Der(kSequence, MicrosoftObjectId({10, 1}) + Der(kContext0, list)) + Der(kSet, ""));  // no signers
-  return Der(kSequence, SignedDataObjectId() + Der(kContext0, signedData));
+void AddMember(TrustList* list, const std::string& name, const std::string& content) {
+  const bool isProgram = content.rfind("MZ", 0) == 0;
+  const std::string digest = isProgram ? ImageDigest(content) : Sha256Of(content);
+  CatalogMember* const member = reinterpret_cast<CatalogMember*>(ASN1_item_new(ASN1_ITEM_rptr(CatalogMember)));
+  Require(member != nullptr && sk_CatalogMember_push(list->members, member) > 0);
+  Set(member->tag, digest);
+  AddAttribute(member, kNameValueType, NameValueDer("File", Utf16(name)));
+  AddAttribute(member, kNameValueType, NameValueDer("OSAttr", Utf16("2:5.00,2:5.1,2:5.2,2:6.0,2:6.1,2:6.2,2:6.3")));
+  AddAttribute(member, kIndirectDataType,
+               IndirectData(isProgram ? DigestOf::kProgramImage : DigestOf::kWholeFile, digest));
 }
 
-// The package's files; a catalog that has room vouches for further revisions of them.
-const char* const kFileNames[] = {"marlin_usb.inf",    "marlinusb.exe",       "marlin_usb.sys",
-                                  "marlin_usb_64.sys", "marlin_usb_asio.dll", "marlin_usb_asio_64.dll",
-                                  "panorama.chm",      "panorama.exe"};
-constexpr unsigned kFileCount = sizeof kFileNames / sizeof kFileNames[0];
+std::string Catalog(const std::map<std::string, std::string>& files, std::size_t remarkBytes, const Signer& signer) {
+  const std::shared_ptr<TrustList> list = New<TrustList>(ASN1_ITEM_rptr(TrustList));
+  Require(sk_ASN1_OBJECT_push(list->usage, ObjectId(kCatalogUsage)) > 0);
+  Set(list->identifier, PaddingBytes(16, 0));
+  Set(list->time, "140213120000Z");
+  X509_ALGOR_set0(list->generation, ObjectId(kSecondGeneration), V_ASN1_NULL, nullptr);
+  for (const auto& [name, content] : files) AddMember(list.get(), name, content);
 
-// The last member, whose remark fills the catalog. Below this remark, lengths would take fewer bytes.
-std::string LastMember(std::size_t remarkBytes) {
-  return Member(0, "readme.txt", NameValue("Remark", PaddingBytes(remarkBytes, 1)));
+  const std::shared_ptr<ASN1_STRING> remark(
+      StringOf(V_ASN1_OCTET_STRING, NameValueDer("Remark", PaddingBytes(remarkBytes, 1))), ASN1_STRING_free);
+  const std::shared_ptr<ASN1_OBJECT> type(ObjectId(kNameValueType), ASN1_OBJECT_free);
+  X509_EXTENSION* const extension = X509_EXTENSION_create_by_OBJ(nullptr, type.get(), 0, remark.get());
+  Require(extension != nullptr && sk_X509_EXTENSION_push(list->extensions, extension) > 0);
+  return SignedData(signer, kTrustListType, Der(list.get(), ASN1_ITEM_rptr(TrustList)));
 }
-constexpr std::size_t kSmallestRemark = 256;
 
 }  // namespace
 
-std::string MakeCatalog(std::size_t size) {
-  std::string members;
-  RequireSize(Catalog(LastMember(kSmallestRemark)).size(), size);
+std::string MakeCatalog(const std::map<std::string, std::string>& files, std::size_t size, const Signer& signer) {
+  // Below this remark, lengths would take fewer bytes; above the catalog's greatest size, more.
+  constexpr std::size_t kSmallestRemark = 256;
+  const std::size_t smallest = Catalog(files, kSmallestRemark, signer).size();
+  RequireSize(smallest, size);
   if (size > 0xFFFF) throw std::runtime_error("the list of contents asks for more than 65535 bytes");
-  for (unsigned i = 0;; ++i) {
-    const std::string more = members + Member(i + 1, kFileNames[i % kFileCount], "");
-    if (Catalog(more + LastMember(kSmallestRemark)).size() > size) break;
-    members = more;
-  }
-  const std::size_t missing = size - Catalog(members + LastMember(kSmallestRemark)).size();
-  return Catalog(members + LastMember(kSmallestRemark + missing));
+  return Catalog(files, kSmallestRemark + size - smallest, signer);
 }
 
 }  // namespace kwa

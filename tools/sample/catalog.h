@@ -2,12 +2,16 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
+
+#include "signer.h"
 
 namespace kwa {
 
-// PKCS #7 signed data over a catalog list, in DER: well formed, but signed by nobody, and the hashes of its members
-// are made up. Throws std::runtime_error when size, in bytes, is too small for a catalog or over 65535.
-std::string MakeCatalog(std::size_t size);
+// A signed catalog of the second generation that covers files, contents by name: programs by the digest of their image,
+// others by that of all their bytes. A remark fills it up to size bytes. Throws std::runtime_error when size is too
+// small or over 65535.
+std::string MakeCatalog(const std::map<std::string, std::string>& files, std::size_t size, const Signer& signer);
 
 }  // namespace kwa

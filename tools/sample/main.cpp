@@ -22,6 +22,8 @@ int Run(int argc, char** argv) {
   kwa::SampleSources sources;
   std::filesystem::path output;
   app.add_option("--contents", sources.contents, "The list of contents (payload/contents.json)")->required();
+  app.add_option("--files", sources.files, "Folder of the licence texts and the signer (tools/sample/files)")
+      ->required();
   app.add_option("--programs-x86", sources.programsX86, "Folder of the built 32-bit programs")->required();
   app.add_option("--programs-x64", sources.programsX64, "Folder of the built 64-bit programs")->required();
   app.add_option("OUTPUT", output, "Folder to write to; other files in its a/ and b/ are removed")->required();

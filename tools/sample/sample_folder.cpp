@@ -18,24 +18,24 @@ std::string ReadWholeFile(const fs::path& path) {
   return bytes;
 }
 
-void WriteIfDifferent(const fs::path& path, const std::string& bytes) {
-  std::error_code error;
-  if (fs::file_size(path, error) == bytes.size() && !error && ReadWholeFile(path) == bytes) return;
-  OutputFile file(path);
-  file.Write(bytes);
-  file.Commit();
-}
-
-void PrepareFolder(const fs::path& folder, const std::set<std::string>& names) {
+void FillFolder(const fs::path& folder, const std::map<std::string, std::string>& files) {
   try {
     fs::create_directories(folder);
     std::vector<fs::path> strays;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-      if (names.count(entry.path().filename().string()) == 0) strays.push_back(entry.path());
+      if (files.count(entry.path().filename().string()) == 0) strays.push_back(entry.path());
     }
     for (const fs::path& stray : strays) fs::remove_all(stray);
   } catch (const fs::filesystem_error& error) {
     throw ToolFailure(error.path1(), error.code().message());
+  }
+  for (const auto& [name, bytes] : files) {
+    const fs::path path = folder / name;
+    std::error_code error;
+    if (fs::file_size(path, error) == bytes.size() && !error && ReadWholeFile(path) == bytes) continue;
+    OutputFile file(path);
+    file.Write(bytes);
+    file.Commit();
   }
 }
 

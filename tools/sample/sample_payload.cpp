@@ -1,18 +1,20 @@
 #include "sample_payload.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "base/tool_failure.h"
 #include "catalog.h"
 #include "help_file.h"
 #include "inf_text.h"
-#include "licence_texts.h"
-#include "padding.h"
 #include "payload/payload_contents.h"
+#include "program.h"
 #include "sample_folder.h"
+#include "signer.h"
 #include "watermark.h"
 
 namespace kwa {
@@ -23,55 +25,59 @@ namespace {
 
 struct ProgramSource {
   bool x64;
+  bool isSigned;  // as the file is that it stands for
   const char* fileName;
 };
 
 // Which of the built programs each of the payload's programs is.
 const std::map<std::string, ProgramSource> kPrograms = {
-    {"marlinusb.exe", {false, "settings.exe"}},     {"marlin_usb.sys", {false, "driver.sys"}},
-    {"marlin_usb_64.sys", {true, "driver.sys"}},    {"marlin_usb_asio.dll", {false, "asio.dll"}},
-    {"marlin_usb_asio_64.dll", {true, "asio.dll"}}, {"Panorama.exe", {false, "mixer.exe"}},
-    {"dpinst.exe", {false, "standin.exe"}},         {"dpinst64.exe", {true, "standin.exe"}},
+    {"marlinusb.exe", {false, false, "settings.exe"}},     {"marlin_usb.sys", {false, false, "driver.sys"}},
+    {"marlin_usb_64.sys", {true, false, "driver.sys"}},    {"marlin_usb_asio.dll", {false, false, "asio.dll"}},
+    {"marlin_usb_asio_64.dll", {true, false, "asio.dll"}}, {"Panorama.exe", {false, true, "mixer.exe"}},
+    {"dpinst.exe", {false, true, "standin.exe"}},          {"dpinst64.exe", {true, true, "standin.exe"}},
 };
 
-// The loader ignores what stands behind a program's end.
-std::string PadProgram(const std::string& program, std::size_t size) {
-  RequireSize(program.size(), size);
-  return program + PaddingBytes(size - program.size(), static_cast<unsigned>(size));
-}
+constexpr char kCatalogName[] = "marlin_usb.cat";
 
-std::string MakeContent(const ContentsFile& file, const SampleSources& sources) {
+std::string MakeContent(const ContentsFile& file, const SampleSources& sources, const Signer& signer) {
   const std::string& name = file.name;
   const auto program = kPrograms.find(name);
   if (program != kPrograms.end()) {
-    const auto& [x64, fileName] = program->second;
-    return PadProgram(ReadWholeFile((x64 ? sources.programsX64 : sources.programsX86) / fileName), file.size);
+    const auto& [x64, isSigned, fileName] = program->second;
+    const std::string built = ReadWholeFile((x64 ? sources.programsX64 : sources.programsX86) / fileName);
+    return isSigned ? MakeSignedProgram(built, file.size, signer) : MakeProgram(built, file.size);
   }
   if (name == "marlin_usb.inf") return MakeInf(file.size);
-  if (name == "marlin_usb.cat") return MakeCatalog(file.size);
   if (name == "Panorama.chm") return MakeHelpFile(file.size);
-  if (name == "eula_de.txt") return MakeLicenceText(LicenceLanguage::kGerman, file.size);
-  if (name == "eula_en.txt") return MakeLicenceText(LicenceLanguage::kEnglish, file.size);
   if (name == "kwa.bmp") return MakeWatermark(file.size);
-  throw std::runtime_error("the sample payload has no such file");
+  if (name != "eula_de.txt" && name != "eula_en.txt") throw std::runtime_error("the sample payload has no such file");
+  const std::string text = ReadWholeFile(sources.files / name);
+  if (text.size() != file.size) {
+    throw std::runtime_error("the list of contents asks for " + std::to_string(file.size) + " bytes, this text has " +
+                             std::to_string(text.size()));
+  }
+  return text;
 }
 
 }  // namespace
 
 void MakeSamplePayload(const SampleSources& sources, const fs::path& output) {
-  std::map<fs::path, std::set<std::string>> names = {{output / "a", {}}, {output / "b", {}}};
-  std::map<fs::path, std::string> contentOf;
-  for (const ContentsFile& file : ReadPayloadContents(sources.contents)) {
-    const fs::path folder = output / (file.archive == 'A' ? "a" : "b");
-    names[folder].insert(file.name);
+  const Signer signer = ReadSigner(sources.files / "signer.pem");
+  std::map<char, std::map<std::string, std::string>> contents = {{'A', {}}, {'B', {}}};  // by archive and name
+  std::vector<ContentsFile> files = ReadPayloadContents(sources.contents);
+  // The catalog comes last: it covers all other files of the driver package.
+  std::stable_partition(files.begin(), files.end(), [](const ContentsFile& file) { return file.name != kCatalogName; });
+  for (const ContentsFile& file : files) {
+    std::map<std::string, std::string>& archive = contents[file.archive];
     try {
-      contentOf[folder / file.name] = MakeContent(file, sources);
+      archive[file.name] =
+          file.name == kCatalogName ? MakeCatalog(archive, file.size, signer) : MakeContent(file, sources, signer);
     } catch (const std::runtime_error& error) {
       throw ToolFailure(file.name, error.what());
     }
   }
-  for (const auto& [folder, kept] : names) PrepareFolder(folder, kept);
-  for (const auto& [path, content] : contentOf) WriteIfDifferent(path, content);
+  FillFolder(output / "a", contents['A']);
+  FillFolder(output / "b", contents['B']);
 }
 
 }  // namespace kwa

@@ -8,6 +8,7 @@ namespace kwa {
 // Where samplepayload takes its input from.
 struct SampleSources {
   std::filesystem::path contents;     // the list of contents, payload/contents.json
+  std::filesystem::path files;        // folder of the licence texts and the signer's key
   std::filesystem::path programsX86;  // folders of the built programs
   std::filesystem::path programsX64;
 };
