@@ -110,7 +110,7 @@ const Damage kPayloadDamages[] = {
     {"OtherSize", [](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); },
      {"error: archive B, eula_en.txt: has 4004 bytes instead of 4002"}},
     {"DpinstOfTheWrongMachine", [](InstallerImage& image) { SetMachine(image, "dpinst.exe", 0x8664); },
-     {"error: archive B, dpinst.exe: is PE32, x64, Windows GUI program instead of PE32, x86"}},
+     {"error: archive B, dpinst.exe: is PE32, x64, Windows GUI program, Authenticode-signed instead of PE32, x86"}},
     {"DriverOfTheWrongMachine", [](InstallerImage& image) { SetMachine(image, "marlin_usb_64.sys", 0x014C); },
      {"error: archive A, marlin_usb_64.sys: is PE32+, x86, native instead of PE32+, x64, native"}},
     {"LicenceNotUtf8", [](InstallerImage& image) { SetByte(image, "eula_de.txt", 100, '\xFF'); },

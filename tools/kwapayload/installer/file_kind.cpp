@@ -49,7 +49,8 @@ std::string ExecutableKind(ByteSpan file) {
   if (!ReadPeImage(file, &image, &fault)) {
     return "DOS program";
   }
-  return (image.isPlus ? "PE32+, " : "PE32, ") + MachineText(image.machine) + ", " + ProgramText(image);
+  return (image.isPlus ? "PE32+, " : "PE32, ") + MachineText(image.machine) + ", " + ProgramText(image) +
+         (image.CertificateTable().Empty() ? "" : ", Authenticode-signed");
 }
 
 std::string BitmapText(std::uint32_t width, std::uint32_t height, std::uint32_t bits, const std::string& coding) {
