@@ -6,6 +6,7 @@
 #include <iostream>
 #include <string>
 
+#include "base/output_file.h"
 #include "base/tool_failure.h"
 #include "commands/commands.h"
 
@@ -27,6 +28,13 @@ int Run(int argc, char** argv) {
   kwa::AddExtractCommand(app);
   kwa::AddVerifyCommand(app);
   kwa::AddPreviewCommand(app);
+  // An empty value is a script's unset variable: taken for no value, it would silently drop what the option asks for.
+  const CLI::Validator notEmpty([](std::string& value) { return value.empty() ? "the value is empty" : ""; }, "");
+  for (CLI::App* const command : app.get_subcommands({})) {
+    for (CLI::Option* const option : command->get_options()) {
+      option->check(notEmpty);
+    }
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::RuntimeError& error) {
@@ -42,6 +50,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // A file larger than the user's limit is then a failed write, reported and cleaned up like any other.
   std::signal(SIGXFSZ, SIG_IGN);
+  kwa::RemoveTemporaryFilesOnSignals();
   int status = kExitFailure;
   try {
     status = Run(argc, argv);

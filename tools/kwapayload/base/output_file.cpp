@@ -1,6 +1,12 @@
 #include "base/output_file.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <random>
 #include <string>
 #include <system_error>
@@ -17,14 +23,59 @@ std::filesystem::path TemporaryPath(const std::filesystem::path& target) {
   return target.parent_path() / ("kwapayload-" + std::to_string(random()) + ".tmp");
 }
 
+constexpr std::array<int, 3> kEndingSignals = {SIGINT, SIGTERM, SIGHUP};
+
+// The paths of the temporary files that there are, for a signal's handler: it may call next to nothing. More files than
+// this at a time would not be removed; no command writes more than two.
+std::array<std::atomic<const char*>, 4> temporaryPaths;
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+void ReplaceTemporaryPath(const char* old, const char* path) {
+  const auto place = std::find(temporaryPaths.begin(), temporaryPaths.end(), old);
+  if (place != temporaryPaths.end()) {
+    *place = path;
+  }
+}
+
+void RemoveTemporaryFilesAndEnd(int signal) {
+  for (const std::atomic<const char*>& path : temporaryPaths) {
+    if (path != nullptr) {
+      ::unlink(path);
+    }
+  }
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+// Holds the signals back while the files and the paths above are out of step.
+class SignalPause {
+ public:
+  SignalPause() {
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : kEndingSignals) {
+      sigaddset(&ending, signal);
+    }
+    ::sigprocmask(SIG_BLOCK, &ending, &before);
+  }
+  SignalPause(const SignalPause&) = delete;
+  SignalPause& operator=(const SignalPause&) = delete;
+  ~SignalPause() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
+
+ private:
+  sigset_t before = {};
+};
+
 }  // namespace
 
-OutputFile::OutputFile(std::filesystem::path targetPath) : target(std::move(targetPath)) {
+OutputFile::OutputFile(std::filesystem::path targetPath, Existing existingFile)
+    : target(std::move(targetPath)), existing(existingFile) {
   std::error_code error;
   const auto status = std::filesystem::status(target, error);
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
     throw ToolFailure(target, "exists and is not a file");
   }
+  const SignalPause pause;
   do {
     temporary = TemporaryPath(target);
     // Fails with EEXIST where the file exists, so that nothing, not even a link that someone placed, is followed.
@@ -33,6 +84,7 @@ OutputFile::OutputFile(std::filesystem::path targetPath) : target(std::move(targ
   if (stream == nullptr) {
     throw ToolFailure(target, WithSystemText("cannot be created", errno));
   }
+  ReplaceTemporaryPath(nullptr, temporary.c_str());
   std::setvbuf(stream, nullptr, _IONBF, 0);
 }
 
@@ -41,8 +93,10 @@ OutputFile::~OutputFile() {
     std::fclose(stream);
   }
   if (!committed) {
+    const SignalPause pause;
     std::error_code ignored;
     std::filesystem::remove(temporary, ignored);
+    ReplaceTemporaryPath(temporary.c_str(), nullptr);
   }
 }
 
@@ -62,12 +116,30 @@ void OutputFile::Commit() {
   if (stream != nullptr) {
     Close();
   }
+  const SignalPause pause;
+  if (existing == Existing::Kept) {
+    // Takes the name, or learns that somebody has it. Every file system can do this.
+    std::FILE* const place = std::fopen(target.c_str(), "wbxe");
+    if (place == nullptr) {
+      throw ToolFailure(target, WithSystemText("cannot be created", errno));
+    }
+    std::fclose(place);
+  }
   std::error_code error;
   std::filesystem::rename(temporary, target, error);
   if (error) {
     throw ToolFailure(target, "cannot be created: " + error.message());
   }
+  ReplaceTemporaryPath(temporary.c_str(), nullptr);
   committed = true;
+}
+
+void RemoveTemporaryFilesOnSignals() {
+  for (const int signal : kEndingSignals) {
+    if (std::signal(signal, RemoveTemporaryFilesAndEnd) == SIG_IGN) {
+      std::signal(signal, SIG_IGN);
+    }
+  }
 }
 
 }  // namespace kwa

@@ -68,7 +68,7 @@ void ExtractFiles(const std::filesystem::path& path, const InstallerFile& instal
     throw ToolFailure(request.folder, "cannot be created: " + error.message());
   }
   for (const ArchiveItem* const item : items) {
-    OutputFile output(request.folder / item->name);
+    OutputFile output(request.folder / item->name, request.mayOverwrite ? Existing::Replaced : Existing::Kept);
     output.Write(item->body.Text());
     output.Commit();
   }

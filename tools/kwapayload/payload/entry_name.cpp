@@ -41,6 +41,9 @@ std::string EntryNameFault(std::string_view name) {
   if (const auto at = name.find_first_of("<>:\"/\\|?*"); at != std::string_view::npos) {
     return std::string("the name holds a '") + name[at] + "', which Windows refuses in a bare file name";
   }
+  if (name.find(';') != std::string_view::npos) {
+    return "the name holds a ';', at which the build's lists of files are split";
+  }
   if (name.back() == '.' || name.back() == ' ') {
     return "the name ends in a dot or blank, which Windows drops";
   }

@@ -30,6 +30,8 @@ json ParseJson(const std::filesystem::path& path) {
     const std::string before = text.substr(0, error.byte > 0 ? error.byte - 1 : 0);
     const auto line = 1 + std::count(before.begin(), before.end(), '\n');
     throw ToolFailure(path, "is not valid JSON: line " + std::to_string(line));
+  } catch (const json::exception&) {
+    throw ToolFailure(path, "holds a number that is too large");
   }
 }
 

@@ -98,6 +98,14 @@ std::string RequestedLevel(std::string_view manifest) {
   return "";
 }
 
+// Whether a text says the number: all four parts, or those before the zeros at its end.
+bool MeansVersion(std::string text, const std::string& number) {
+  while (!text.empty() && text.size() < number.size()) {
+    text += ".0";
+  }
+  return text == number;
+}
+
 void VerifyResources(const PeImage& image, Findings* findings) {
   const std::vector<PeResource> resources = ReadResources(image);
   const ByteSpan manifest = FirstResource(resources, kResourceTypeManifest);
@@ -115,7 +123,7 @@ void VerifyResources(const PeImage& image, Findings* findings) {
   } else if (!ReadVersionRecord(version, &record)) {
     findings->AddError("executable", "its version record is damaged", "version-damaged");
   } else if (record.fileVersion != record.productVersion ||
-             record.fileVersion.rfind(record.texts["FileVersion"], 0) != 0) {
+             !MeansVersion(record.texts["FileVersion"], record.fileVersion)) {
     findings->AddError("executable, version record",
                        "its versions differ: file " + record.fileVersion + " (\"" +
                            EscapedText(record.texts["FileVersion"]) + "\"), product " + record.productVersion,
@@ -129,12 +137,21 @@ void VerifyEnd(const PeImage& image, Findings* findings) {
   for (const PeSection& section : image.sections) {
     end = std::max(end, std::uint64_t{section.fileOffset} + section.bytes.Size());
   }
-  const ByteSpan certificates = image.CertificateTable();
-  const std::uint64_t rest = image.file.Size() - std::min<std::uint64_t>(end, image.file.Size());
-  // A signature begins on a multiple of 8.
-  if (rest > certificates.Size() + 7) {
-    findings->AddWarning("executable",
-                         std::to_string(rest - certificates.Size()) + " bytes behind the last section are no signature",
+  const std::uint64_t size = image.file.Size();
+  std::uint64_t rest = size - std::min(end, size);
+  const PeDirectory signature = image.Directory(kPeSecurityDirectory);
+  if (signature.address != 0 || signature.size != 0) {
+    if (signature.address < end || signature.address % 8 != 0 ||
+        signature.address + std::uint64_t{signature.size} != size) {
+      findings->AddError("executable", "its security directory leads to no signature at the file's end",
+                         "signature-place");
+      return;
+    }
+    // A signature begins on a multiple of 8.
+    rest = (signature.address - end) / 8 * 8;
+  }
+  if (rest != 0) {
+    findings->AddWarning("executable", std::to_string(rest) + " bytes behind the last section are no signature",
                          "overlay");
   }
 }
