@@ -1,12 +1,15 @@
 # shellcheck shell=bash
 # Wine prefixes for the scripts: sourced, not run. The caller sets -e.
 #
-#   wine_make FOLDER null|shown [PREFIX…]   makes FOLDER/win64, FOLDER/win32 and FOLDER/winxp, each once
-#   wine_small_disks FOLDER                 a small drive S for each, where this machine allows it
-#   wine_start FOLDER [PREFIX…]             starts their servers, which then stay until the script ends
+#   wine_lock FOLDER               keeps other scripts from the prefixes in FOLDER until this script ends
+#   wine_make FOLDER [PREFIX…]     makes FOLDER/win64, FOLDER/win32 and FOLDER/winxp, each once
+#   wine_small_disks FOLDER COMMAND…
+#                                  becomes COMMAND, with a small drive S for each prefix where this machine allows it;
+#                                  returns within that COMMAND
+#   wine_start FOLDER [PREFIX…]    starts their servers, which then stay until the script ends
 #
-# Whoever needs one Windows only names it; winxp is made from win32 and stands behind it.
-# "null" shows no window and needs no display; "shown" is for pictures and for people, and needs DISPLAY.
+# Whoever needs one Windows only names it; winxp is made from win32 and stands behind it. No window is shown but in a
+# virtual desktop, and no display is needed.
 
 export WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
 # In the locale C, Wine makes no files with names beyond ASCII.
@@ -15,11 +18,11 @@ case ${LC_ALL:-${LC_CTYPE:-${LANG:-C}}} in C | POSIX) export LC_ALL=C.UTF-8 ;; e
 # Wine's programs pass their output on to servers that outlive them: a reader of that output would wait for those.
 wine_quiet() { "$@" </dev/null >/dev/null 2>&1; }
 
-# wine_make_one PREFIX ARCH null|shown: a complete prefix carries the stamp of its recipe; any other is made anew.
+# wine_make_one PREFIX: a complete prefix carries the stamp of its recipe; any other is made anew.
 wine_make_one() {
-  local prefix=$1 arch=$2 graphics=$3
-  local stamp
-  stamp="$(wine --version) $graphics $(cksum <"${BASH_SOURCE[0]}")"
+  local prefix=$1 arch=win32 stamp
+  [ "${prefix##*/}" != win64 ] || arch=win64
+  stamp="$(wine --version) $(cksum <"${BASH_SOURCE[0]}")"
   if [ "$(cat "$prefix/stamp" 2>/dev/null)" = "$stamp" ]; then
     return 0
   fi
@@ -38,9 +41,7 @@ wine_make_one() {
     DISPLAY='' WINEARCH=$arch wine_quiet wineboot -i
     # A program that crashes shall end, not wait for somebody to press a button.
     wine_quiet wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
-    if [ "$graphics" = null ]; then
-      wine_quiet wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
-    fi
+    wine_quiet wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
   fi
   wine_keep_home "$prefix"
   # The registry is on disk only when the server has ended.
@@ -69,27 +70,46 @@ wine_fonts() {
 
 wine_all=(win64 win32 winxp)
 
-wine_make() {
-  local folder=$1 graphics=$2 prefix
-  shift 2
-  # One script at a time: the end of one would end the other's servers. Held until the script ends.
-  mkdir -p "$folder"
-  exec {wine_lock}>"$folder/lock"
+# One script at a time: the end of one would end the other's servers.
+wine_lock() {
+  mkdir -p "$1"
+  exec {wine_lock}>"$1/lock"
   if ! flock -n "$wine_lock"; then
-    printf 'wine: waiting for another script that uses %s\n' "$folder"
+    printf 'wine: waiting for another script that uses %s\n' "$1"
     flock "$wine_lock"
   fi
+}
+
+wine_make() {
+  local folder=$1 prefix
+  shift
   for prefix in "${@:-${wine_all[@]}}"; do
-    if [ "$prefix" = win64 ]; then
-      wine_make_one "$folder/$prefix" win64 "$graphics"
-    else
-      wine_make_one "$folder/$prefix" win32 "$graphics"
-    fi
+    wine_make_one "$folder/$prefix"
   done
 }
 
+# wine_small_disks FOLDER COMMAND…: the disks of 40 MB, which a test may fill, are mounted for COMMAND and what it starts
+# alone: however that ends, nothing stays mounted. KWA_SMALL_DISK names the drive; it is empty where that is not allowed.
+wine_small_disks() {
+  local folder=$1 as_root=() as_user=() prefix
+  shift
+  [ -z "${KWA_SMALL_DISK+known}" ] || return 0
+  export KWA_SMALL_DISK=
+  # Who is not root is it in a user namespace, for the mounts.
+  if [ "$(id -u)" -ne 0 ]; then
+    as_root=(--map-root-user)
+    as_user=(unshare --map-user="$(id -u)" --map-group="$(id -g)")
+  fi
+  for prefix in "${wine_all[@]}"; do mkdir -p "$folder/$prefix-disk"; done
+  wine_quiet unshare "${as_root[@]}" --mount "${as_user[@]}" true || return 0
+  # shellcheck disable=SC2016 # expanded there
+  exec unshare "${as_root[@]}" --mount bash -c '
+    folder=$1 KWA_SMALL_DISK=S:/
+    for disk in "$folder"/*-disk; do mount -t tmpfs -o size=40m tmpfs "$disk" || KWA_SMALL_DISK=; done
+    exec "${@:2}"' small_disks "$folder" "${as_user[@]}" "$@"
+}
+
 wine_servers=()
-wine_disks=()
 
 wine_start() {
   local folder=$1 prefix
@@ -99,45 +119,23 @@ wine_start() {
   for prefix in "${@:-${wine_all[@]}}"; do
     prefix=$folder/$prefix
     wine_servers+=("$prefix")
-    # Fails when the server of a script that was killed still runs; that one serves as well.
-    WINEPREFIX=$prefix wine_quiet wineserver -p {wine_lock}>&- || true
+    # The server of a script that was killed does not see this one's small disks.
+    WINEPREFIX=$prefix wine_quiet wineserver -k || true
+    ln -sfn "$prefix-disk" "$prefix/dosdevices/s:"
+    WINEPREFIX=$prefix wine_quiet wineserver -p {wine_lock}>&-
     # Also the processes that Wine starts with its first program and its first window: the reader of a test's output
     # would have to wait for those that the test started.
     WINEPREFIX=$prefix wine_quiet wine start /wait cmd /c exit {wine_lock}>&-
     # The process of the desktop stays a second longer than the last program with a window, and so would a test. This
     # one stays, unseen.
-    if [[ "$(cat "$prefix/stamp")" == *" null "* ]]; then
-      WINEPREFIX=$prefix wine_quiet wine notepad {wine_lock}>&- &
-    fi
+    WINEPREFIX=$prefix wine_quiet wine notepad {wine_lock}>&- &
   done
-}
-
-# wine_small_disks FOLDER: a drive S of 40 MB for each prefix, which a test may fill, named in KWA_SMALL_DISK. Without the
-# right to mount there is none.
-wine_small_disks() {
-  local folder=$1 prefix disk
-  local as_root=()
-  [ "$(id -u)" -eq 0 ] || as_root=(sudo -n)
-  for prefix in "${wine_all[@]}"; do
-    disk=$folder/$prefix-disk
-    mkdir -p "$disk"
-    mountpoint -q "$disk" || wine_quiet "${as_root[@]}" mount -t tmpfs -o "size=40m,uid=$(id -u)" tmpfs "$disk" || return 0
-    wine_disks+=("$disk")
-    ln -sfn "$disk" "$folder/$prefix/dosdevices/s:"
-  done
-  export KWA_SMALL_DISK=S:/
 }
 
 wine_stop() {
-  local prefix disk
-  local as_root=()
-  [ "$(id -u)" -eq 0 ] || as_root=(sudo -n)
+  local prefix
   for prefix in "${wine_servers[@]}"; do
     WINEPREFIX=$prefix wine_quiet wineserver -k || true
   done
-  for disk in "${wine_disks[@]}"; do
-    wine_quiet "${as_root[@]}" umount -l "$disk" || true
-  done
   wine_servers=()
-  wine_disks=()
 }
