@@ -1,156 +1,234 @@
-// What the installer asks of the platform: which calls, in which order, with which arguments, and what it does with
-// answers that no test machine gives.
+// What the installer asks of the platform, and what it does with answers that no test machine gives. The functions of
+// the platform's names below take its place (see CMakeLists.txt).
+
+#include <windows.h>
+// After windows.h, which it needs.
+#include <shellapi.h>
 
 #include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
 
 #include "app/dpinst_process.h"
 #include "app/folder_tree.h"
 #include "app/windows_bitness.h"
 #include "dpinst/dpinst_config.h"
 #include "dpinst/package_identity.h"
-#include "platform_calls.h"
 
 namespace {
 
-using Calls = std::vector<std::string>;
+// Handles that are never followed.
+char processObject, threadObject, kernelObject;
+char block[64], text[] = "text";
 
-// The calls that an action makes; all checks come after it, with the real platform back in place.
-template <typename Action>
-Calls CallsOf(const PlatformAnswers& answers, Action action) {
-  const PlatformCalls calls(answers);
-  action();
-  return calls.Made();
+struct Platform {
+  bool hasMemory = true;
+  bool startsPrograms = true;
+  DWORD wait = WAIT_OBJECT_0;
+  bool hasExitCode = true;
+  DWORD lastError = ERROR_FILE_NOT_FOUND;  // 2
+  bool hasText = true;
+  bool hasKernel = true;
+  bool hasWow64Directory = true;
+  UINT wow64Length = 0;
+  int deletion = 0;
+  DWORD majorVersion = 0;
+  HANDLE search = nullptr;
+  // What was asked: each function with the arguments that matter.
+  std::string calls;
+} platform;
+
+template <typename... Parts>
+void Note(const Parts&... parts) {
+  std::ostringstream call;
+  (call << ... << parts) << "; ";
+  platform.calls += call.str();
 }
 
-PlatformAnswers Answers(void (*change)(PlatformAnswers&)) {
-  PlatformAnswers answers;
-  change(answers);
-  return answers;
+const char* Name(HANDLE handle) {
+  return handle == &processObject ? "process" : handle == &threadObject ? "thread" : "another handle";
 }
 
-struct RunCase {
-  const char* what;
-  void (*change)(PlatformAnswers&);
-  bool result;
-  Calls calls;
-};
+UINT WINAPI Wow64Directory(wchar_t* /*folder*/, UINT /*capacity*/) {
+  return platform.wow64Length;
+}
 
-// clang-format off
-const std::string kAlloc = "HeapAlloc heap 0 23";
-const std::string kCreate = "CreateProcessA null 'C:\\a folder\\dpinst.exe' in the block no security 0 0 own environment "
-                            "null plain start zeroed result";
-const std::string kLastError = "GetLastError";
-const std::string kFormat = "FormatMessageA 1100 no source 2 400 0 no inserts";
-const std::string kFreeText = "LocalFree text";
-const std::string kWait = "WaitForSingleObject process forever";
-const std::string kExitCode = "GetExitCodeProcess process";
-const std::string kThreadCode = "GetExitCodeThread thread";
-const std::string kCloseProcess = "CloseHandle process";
-const std::string kCloseThread = "CloseHandle thread";
-const std::string kFree = "HeapFree heap 0 block";
+}  // namespace
 
-const RunCase kRunCases[] = {
-    {"Normal", [](PlatformAnswers&) {}, true,
-     {kAlloc, kCreate, kWait, kExitCode, kThreadCode, kCloseProcess, kCloseThread, kFree}},
-    {"NoMemory", [](PlatformAnswers& answers) { answers.heapAlloc = false; }, false, {kAlloc}},
-    {"NotStarted", [](PlatformAnswers& answers) { answers.createProcess = FALSE; }, true,
-     {kAlloc, kCreate, kLastError, kFormat, kFreeText, kFree}},
-    {"NotStartedAndNoText",
-     [](PlatformAnswers& answers) { answers.createProcess = FALSE; answers.formatMessage = false; }, true,
-     {kAlloc, kCreate, kLastError, kFormat, kFree}},
-    {"WaitFailed", [](PlatformAnswers& answers) { answers.wait = WAIT_FAILED; }, true,
-     {kAlloc, kCreate, kWait, kLastError, kFormat, kFreeText, kExitCode, kThreadCode, kCloseProcess, kCloseThread, kFree}},
-    {"WaitAbandoned", [](PlatformAnswers& answers) { answers.wait = WAIT_ABANDONED; }, true,
-     {kAlloc, kCreate, kWait, kLastError, kFormat, kFreeText, kExitCode, kThreadCode, kCloseProcess, kCloseThread, kFree}},
-    {"NoExitCode", [](PlatformAnswers& answers) { answers.getExitCodeProcess = FALSE; }, true,
-     {kAlloc, kCreate, kWait, kExitCode, kLastError, kFormat, kFreeText, kThreadCode, kCloseProcess, kCloseThread, kFree}},
-};
-// clang-format on
+void* WINAPI HeapAlloc(HANDLE /*heap*/, DWORD flags, SIZE_T size) {
+  Note("HeapAlloc ", flags, " ", size);
+  return platform.hasMemory ? block : nullptr;
+}
+
+BOOL WINAPI HeapFree(HANDLE /*heap*/, DWORD /*flags*/, void* memory) {
+  Note("HeapFree", memory == block ? "" : " of another block");
+  return TRUE;
+}
+
+BOOL WINAPI CreateProcessA(const char* application, char* commandLine, SECURITY_ATTRIBUTES* processSecurity,
+                           SECURITY_ATTRIBUTES* threadSecurity, BOOL inheritHandles, DWORD flags, void* environment,
+                           const char* folder, STARTUPINFOA* startup, PROCESS_INFORMATION* process) {
+  STARTUPINFOA plainStartup = {};
+  plainStartup.cb = 68;
+  const bool isPlain = application == nullptr && commandLine == block && processSecurity == nullptr &&
+                       threadSecurity == nullptr && inheritHandles == FALSE && flags == 0 && environment == nullptr &&
+                       folder == nullptr && std::memcmp(startup, &plainStartup, sizeof plainStartup) == 0;
+  Note("CreateProcessA", isPlain ? " " : " not plain ", commandLine);
+  if (platform.startsPrograms) {
+    *process = {&processObject, &threadObject, 1, 2};
+  }
+  return platform.startsPrograms ? TRUE : FALSE;
+}
+
+DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+  Note("WaitForSingleObject ", Name(handle), milliseconds == INFINITE ? "" : " with a limit");
+  return platform.wait;
+}
+
+BOOL WINAPI GetExitCodeProcess(HANDLE handle, DWORD* /*exitCode*/) {
+  Note("GetExitCodeProcess ", Name(handle));
+  return platform.hasExitCode ? TRUE : FALSE;
+}
+
+BOOL WINAPI GetExitCodeThread(HANDLE handle, DWORD* /*exitCode*/) {
+  Note("GetExitCodeThread ", Name(handle));
+  return FALSE;
+}
+
+BOOL WINAPI CloseHandle(HANDLE handle) {
+  Note("CloseHandle ", Name(handle));
+  return TRUE;
+}
+
+DWORD WINAPI GetLastError() {
+  return platform.lastError;
+}
+
+DWORD WINAPI FormatMessageA(DWORD flags, const void* /*source*/, DWORD message, DWORD language, char* buffer,
+                            DWORD size, va_list* /*inserts*/) {
+  Note("FormatMessageA ", std::hex, flags, " ", message, " ", language, " ", size);
+  if (platform.hasText) {
+    *reinterpret_cast<char**>(buffer) = text;
+  }
+  return platform.hasText ? sizeof text - 1 : 0;
+}
+
+HLOCAL WINAPI LocalFree(HLOCAL memory) {
+  Note("LocalFree", memory == text ? "" : " of another text");
+  return nullptr;
+}
+
+HMODULE WINAPI GetModuleHandleA(const char* name) {
+  const bool isFound = platform.hasKernel && std::strcmp(name, "kernel32.dll") == 0;
+  return isFound ? reinterpret_cast<HMODULE>(&kernelObject) : nullptr;
+}
+
+FARPROC WINAPI GetProcAddress(HMODULE module, const char* name) {
+  const bool isFound = platform.hasWow64Directory && module == reinterpret_cast<HMODULE>(&kernelObject) &&
+                       std::strcmp(name, "GetSystemWow64DirectoryW") == 0;
+  return isFound ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(Wow64Directory)) : nullptr;
+}
+
+int WINAPI SHFileOperationA(SHFILEOPSTRUCTA* operation) {
+  SHFILEOPSTRUCTA plain = {};
+  plain.wFunc = FO_DELETE;
+  plain.pFrom = operation->pFrom;
+  plain.fFlags = FOF_SILENT | FOF_NOCONFIRMATION;
+  Note("SHFileOperationA ", std::string(operation->pFrom),
+       std::memcmp(operation, &plain, sizeof plain) == 0 ? "" : " not plain");
+  return platform.deletion;
+}
+
+BOOL WINAPI GetVersionExA(OSVERSIONINFOA* version) {
+  version->dwMajorVersion = version->dwOSVersionInfoSize == 148 ? platform.majorVersion : 0;
+  return version->dwMajorVersion != 0 ? TRUE : FALSE;
+}
+
+HANDLE WINAPI FindFirstFileA(const char* /*pattern*/, WIN32_FIND_DATAA* /*found*/) {
+  return platform.search;
+}
+
+BOOL WINAPI FindClose(HANDLE search) {
+  Note("FindClose", search == platform.search ? "" : " of another search");
+  return FALSE;
+}
+
+namespace {
 
 TEST(RunDpinst, GoesOnWhateverFails) {
-  for (const RunCase& expected : kRunCases) {
-    SCOPED_TRACE(expected.what);
-    const PlatformAnswers answers = Answers(expected.change);
-    bool result{};
-    const Calls made = CallsOf(answers, [&] { result = kwa::RunDpinst("C:\\a folder\\dpinst.exe"); });
-    EXPECT_EQ(result, expected.result);
-    EXPECT_EQ(made, expected.calls);
+  const std::string start = "HeapAlloc 0 23; CreateProcessA C:\\a folder\\dpinst.exe; ";
+  const std::string wait = "WaitForSingleObject process; ";
+  const std::string exitCode = "GetExitCodeProcess process; ";
+  const std::string close = "GetExitCodeThread thread; CloseHandle process; CloseHandle thread; HeapFree; ";
+  const std::string format = "FormatMessageA 1100 2 400 0; ";
+  const std::string report = format + "LocalFree; ";
+  const struct {
+    void (*change)();
+    bool result;
+    std::string calls;
+  } cases[] = {
+      {[] {}, true, start + wait + exitCode + close},
+      {[] { platform.hasMemory = false; }, false, "HeapAlloc 0 23; "},
+      {[] { platform.startsPrograms = false; }, true, start + report + "HeapFree; "},
+      {[] { platform.startsPrograms = platform.hasText = false; }, true, start + format + "HeapFree; "},
+      {[] { platform.wait = WAIT_FAILED; }, true, start + wait + report + exitCode + close},
+      {[] { platform.hasExitCode = false; }, true, start + wait + exitCode + report + close},
+  };
+  for (const auto& expected : cases) {
+    platform = {};
+    expected.change();
+    EXPECT_EQ(kwa::RunDpinst("C:\\a folder\\dpinst.exe"), expected.result);
+    EXPECT_EQ(platform.calls, expected.calls);
   }
 }
 
 TEST(Is64BitWindows, BelievesAnythingButTheAnswerOf32BitWindows) {
-  const Calls toModule = {"GetModuleHandleA 'kernel32.dll'"};
-  const Calls toFunction = {toModule[0], "GetProcAddress kernel 'GetSystemWow64DirectoryW'"};
-  const Calls toAnswer = {toFunction[0], toFunction[1], "GetSystemWow64DirectoryW 260"};
-  const Calls toError = {toAnswer[0], toAnswer[1], toAnswer[2], "GetLastError"};
   const struct {
-    const char* what;
-    void (*change)(PlatformAnswers&);
+    void (*change)();
     int result;
-    Calls calls;
   } cases[] = {
-      {"no module", [](PlatformAnswers& answers) { answers.kernelModule = false; }, 0, toModule},
-      {"no function", [](PlatformAnswers& answers) { answers.wow64Function = false; }, 0, toFunction},
-      {"a folder", [](PlatformAnswers& answers) { answers.wow64Length = 19; }, 1, toAnswer},
-      {"32-bit", [](PlatformAnswers& answers) { answers.lastError = ERROR_CALL_NOT_IMPLEMENTED; }, 0, toError},
-      {"another error", [](PlatformAnswers& answers) { answers.lastError = ERROR_ACCESS_DENIED; }, 1, toError},
+      {[] { platform.hasKernel = false; }, 0},
+      {[] { platform.hasWow64Directory = false; }, 0},
+      {[] { platform.wow64Length = 19; }, 1},
+      {[] { platform.lastError = ERROR_CALL_NOT_IMPLEMENTED; }, 0},
+      {[] { platform.lastError = ERROR_ACCESS_DENIED; }, 1},
   };
   for (const auto& expected : cases) {
-    SCOPED_TRACE(expected.what);
-    const PlatformAnswers answers = Answers(expected.change);
-    int result{};
-    const Calls made = CallsOf(answers, [&] { result = kwa::Is64BitWindows(); });
-    EXPECT_EQ(result, expected.result);
-    EXPECT_EQ(made, expected.calls);
+    platform = {};
+    expected.change();
+    EXPECT_EQ(kwa::Is64BitWindows(), expected.result) << "row " << &expected - cases;
   }
 }
 
 TEST(IsVistaOrLater, ComparesTheMajorVersion) {
-  const struct {
-    DWORD majorVersion;
-    BOOL known;
-    int result;
-  } cases[] = {{0, FALSE, 0}, {4, TRUE, 0}, {5, TRUE, 0}, {6, TRUE, 1}, {10, TRUE, 1}, {0xFFFFFFFF, TRUE, 1}};
-  for (const auto& expected : cases) {
-    PlatformAnswers answers;
-    answers.majorVersion = expected.majorVersion;
-    answers.getVersion = expected.known;
-    int result{};
-    const Calls made = CallsOf(answers, [&] { result = kwa::IsVistaOrLater(); });
-    EXPECT_EQ(result, expected.result) << expected.majorVersion;
-    EXPECT_EQ(made, Calls{"GetVersionExA plain"});
+  for (const DWORD majorVersion : {0U, 4U, 5U, 6U, 10U, 0xFFFFFFFFU}) {
+    platform = {};
+    platform.majorVersion = majorVersion;
+    EXPECT_EQ(kwa::IsVistaOrLater(), majorVersion >= 6 ? 1 : 0) << majorVersion;
   }
 }
 
 TEST(DeleteFolderTree, AsksTheShellOnce) {
   for (const int answer : {0, 2, 0x402}) {
-    PlatformAnswers answers;
-    answers.shFileOperation = answer;
-    int result{};
-    const Calls made = CallsOf(answers, [&] { result = kwa::DeleteFolderTree("C:\\temp\\kwa\0"); });
-    EXPECT_EQ(result, answer == 0 ? 1 : 0);
-    EXPECT_EQ(made, Calls{"SHFileOperationA 'C:\\temp\\kwa' 14 plain deletion"});
+    platform = {};
+    platform.deletion = answer;
+    EXPECT_EQ(kwa::DeleteFolderTree("C:\\temp\\kwa\0"), answer == 0 ? 1 : 0);
+    EXPECT_EQ(platform.calls, "SHFileOperationA C:\\temp\\kwa; ");
   }
 }
 
 // An invalid handle, the platform's word for no match, is none of the installer's business; a null one is.
 TEST(ReadPackageIdentity, LeavesTheBuffersOnlyWithoutAHandle) {
-  const Calls nothingFound = {"FindFirstFileA 'C:\\kwa\\*.inf'"};
-  const Calls readAllTheSame = {nothingFound[0], "GetPrivateProfileStringA 'Version' 'DriverVer' '' 260 'C:\\kwa\\'",
-                                "GetPrivateProfileStringA 'Version' 'DriverPackageDisplayName' '' 260 'C:\\kwa\\'",
-                                "FindClose invalid"};
-  const HANDLE searches[] = {nullptr, INVALID_HANDLE_VALUE};
-  for (const HANDLE search : searches) {
-    PlatformAnswers answers;
-    answers.search = search;
+  for (const HANDLE search : {HANDLE(nullptr), INVALID_HANDLE_VALUE}) {
+    platform = {};
+    platform.search = search;
     char version[kwa::kTextCapacity] = "version";
     char displayName[kwa::kTextCapacity] = "name";
-    std::uint32_t result{};
-    const Calls made = CallsOf(answers, [&] { result = kwa::ReadPackageIdentity("C:\\kwa\\", version, displayName); });
-    EXPECT_EQ(result, 0U);
+    EXPECT_EQ(kwa::ReadPackageIdentity("C:\\kwa\\", version, displayName), 0U);
     EXPECT_STREQ(version, search == nullptr ? "version" : "");
     EXPECT_STREQ(displayName, search == nullptr ? "name" : "");
-    EXPECT_EQ(made, search == nullptr ? nothingFound : readAllTheSame);
+    EXPECT_EQ(platform.calls, search == nullptr ? "" : "FindClose; ");
   }
 }
 
