@@ -25,22 +25,16 @@ std::string Bitmap(std::uint32_t width, std::uint32_t height, std::uint32_t bits
   return file;
 }
 
-struct KindCase {
-  std::string bytes;
-  const char* kind;
-};
-
 TEST(FileKind, ByTheFilesOwnBytes) {
   const std::string signedData("\x30\x82\x00\x0D\x06\x09\x2A\x86\x48\x86\xF7\x0D\x01\x07\x02\xA0\x00", 17);
+  const std::string oldBitmap =
+      "BM" + std::string(12, '\0') + WordBytes(12) + WordBytes(51 | 305 << 16) + WordBytes(1 | 24 << 16);
   const std::string mark = "\xEF\xBB\xBF";
-  const KindCase kCases[] = {
+  const std::pair<std::string, const char*> kCases[] = {
       {Image(false, 0x14C, 2, 0x102), "PE32, x86, Windows GUI program"},
-      {Image(true, 0x8664, 2, 0x22), "PE32+, x64, Windows GUI program"},
-      {Image(false, 0x14C, 1, 0x102), "PE32, x86, native"},
       {Image(true, 0x8664, 1, 0x22), "PE32+, x64, native"},
       {Image(true, 0x8664, 1, 0x2022), "PE32+, x64, native DLL"},
       {Image(false, 0x14C, 2, 0x2102), "PE32, x86, DLL"},
-      {Image(true, 0x8664, 3, 0x2022), "PE32+, x64, DLL"},
       {Image(true, 0xAA64, 3, 0x22), "PE32+, ARM64, Windows console program"},
       {Image(false, 0x1C4, 9, 0x22), "PE32, ARM, subsystem 9"},
       {Image(true, 0x200, 2, 0x22), "PE32+, Itanium, Windows GUI program"},
@@ -52,36 +46,28 @@ TEST(FileKind, ByTheFilesOwnBytes) {
       {Bitmap(51, 305, 24, 0), "Windows bitmap, 51 x 305 pixels, 24 bits per pixel, uncompressed"},
       {Bitmap(2, 0xFFFFFFFD, 8, 1), "Windows bitmap, 2 x 3 pixels, 8 bits per pixel, compression 1, top-down"},
       {Bitmap(51, 305, 24, 0).substr(0, 50), "unknown data"},
+      {oldBitmap, "Windows bitmap, 51 x 305 pixels, 24 bits per pixel, uncompressed"},
+      {oldBitmap.substr(0, 25), "unknown data"},
       {"BMW\n", "7-bit ASCII text, LF line ends"},
       {"", "empty"},
       {"a\tb\f", "7-bit ASCII text, no line ends"},
-      {"a\r\nb\r\n", "7-bit ASCII text, CR LF line ends"},
       {"a\r\nb\n", "7-bit ASCII text, mixed line ends"},
       {"a\r\nb\r", "7-bit ASCII text, mixed line ends"},
       {"a\rb\r", "7-bit ASCII text, CR line ends"},
-      {mark + "gr\xC3\xBC\xC3\x9F\r\n", "UTF-8 text with byte-order mark, CR LF line ends"},
       {mark + "plain\r\n", "UTF-8 text with byte-order mark, CR LF line ends"},
       {mark + "\xFC\r\n", "8-bit text with byte-order mark, CR LF line ends"},
-      {"\xC3\xBC \xE2\x82\xAC \xF0\x9D\x84\x9E\n", "UTF-8 text, LF line ends"},
-      {"\xFC", "8-bit text, no line ends"},
-      {"\xC0\xAF", "8-bit text, no line ends"},
-      {"\xE0\x80\xAF", "8-bit text, no line ends"},
+      {"\xC3\xBC \xE2\x82\xAC \xF4\x80\x80\x80\n", "UTF-8 text, LF line ends"},
       {"\xED\xA0\x80", "8-bit text, no line ends"},
       {"\xF4\x90\x80\x80", "8-bit text, no line ends"},
       {"\xE2\x82", "8-bit text, no line ends"},
-      {std::string("\xFF\xFE"
-                   "a\0\r\0\n\0",
-                   8),
-       "UTF-16 text, little-endian, with byte-order mark, CR LF line ends"},
+      {std::string("\xFF\xFE\x61\0\r\0\n\0", 8), "UTF-16 text, little-endian, with byte-order mark, CR LF line ends"},
       {std::string("\xFE\xFF\0a\0\n", 6), "UTF-16 text, big-endian, with byte-order mark, LF line ends"},
       {std::string("\xFF\xFE\0\0", 4), "unknown data"},
-      {std::string("a\0b", 3), "unknown data"},
       {"a\x1B[2J", "unknown data"},
       {"a\x7F", "unknown data"},
-      {BuildArchive({{"a", "b"}}), "unknown data"},
   };
-  for (const KindCase& kindCase : kCases) {
-    EXPECT_EQ(kindCase.kind, kwa::FileKind(kwa::ByteSpan(kindCase.bytes))) << testing::PrintToString(kindCase.bytes);
+  for (const auto& [bytes, kind] : kCases) {
+    EXPECT_EQ(kind, kwa::FileKind(kwa::ByteSpan(bytes))) << testing::PrintToString(bytes);
   }
 }
 

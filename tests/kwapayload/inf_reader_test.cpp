@@ -1,7 +1,8 @@
-// The host's reader of INFs against what the platform's reads; the table's other half is in the Windows tests.
+// The host's readers of INFs; the Windows tests hold them to the platform's, for many more files.
 
 #include <gtest/gtest.h>
 
+#include "inf/inf_source_files.h"
 #include "inf/package_identity.h"
 #include "inf_cases.h"
 
@@ -12,18 +13,43 @@ TEST(ReadHostPackageIdentity, ReadsWhatThePlatformReads) {
     SCOPED_TRACE(expected.name);
     // A copy on the heap, so that the sanitizer sees every step beyond the file.
     const std::vector<char> bytes(expected.bytes.begin(), expected.bytes.end());
-    const kwa::PackageIdentity identity =
-        kwa::ReadHostPackageIdentity(kwa::ByteSpan(std::string_view(bytes.data(), bytes.size())));
+    const kwa::InfText inf(kwa::ByteSpan(std::string_view(bytes.data(), bytes.size())));
+    const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(inf);
     EXPECT_EQ(identity.version, expected.version);
     EXPECT_EQ(identity.displayName, expected.displayName);
+    EXPECT_EQ(identity.fault, "");
   }
 }
 
-// As Windows documents it: the quotes are discarded, and what is left fits the installer's buffer.
-TEST(ReadHostPackageIdentity, ReadsTheLongestValueInQuotes) {
-  const std::string value(259, 'v');
-  const std::string inf = "[Version]\r\nDriverVer=\"" + value + "\"\r\n";
-  EXPECT_EQ(kwa::ReadHostPackageIdentity(kwa::ByteSpan(inf)).version, value);
+// What each Windows reads in its own way is no value that can be relied upon.
+TEST(ReadHostPackageIdentity, SaysWhatCannotBeKnown) {
+  const std::string text = "[Version]\r\nDriverVer=\"1@\"\r\n[Strings]\r\nx=@\r\n";
+  std::string umlaut = Utf16Inf(text);
+  umlaut[umlaut.find('@')] = '\xE4';
+  std::string elsewhere = Utf16Inf(text);
+  elsewhere[elsewhere.rfind('@')] = '\xE4';
+  std::string bigEndian = Utf16Inf(text);
+  bigEndian.replace(0, 2, "\xFE\xFF");
+  const std::pair<std::string, std::string> kCases[] = {
+      {"\xEF\xBB\xBF" + text, "1@|begins with the mark of UTF-8, which not every Windows knows"},
+      {bigEndian, "|is UTF-16 text in big-endian order, which not every Windows knows"},
+      {umlaut, "1?|has characters beyond ASCII in DriverVer, which each Windows reads in its own way"},
+      {elsewhere, "1@|"},
+  };
+  for (const auto& [bytes, shown] : kCases) {
+    const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(kwa::InfText(kwa::ByteSpan(bytes)));
+    EXPECT_EQ(shown, identity.version + "|" + identity.fault);
+  }
+}
+
+TEST(ReadInfSourceFiles, ReadsBySetupsRules) {
+  const std::string inf =
+      "[SourceDisksFiles.amd64] ; 64-bit\r\n\"b;c.sys\" = 1 ; x = 2\r\n;d.sys=1\r\nnone\r\n[SourceDisksFilesX]\r\n"
+      "e.sys=1\r\n[ sourcedisksfiles ]\r\n a.sys ; = 1\r\n a.sys=1,,";
+  for (const std::string& bytes : {inf, Utf16Inf(inf)}) {
+    EXPECT_EQ((std::vector<std::string>{"b;c.sys", "a.sys"}),
+              kwa::ReadInfSourceFiles(kwa::InfText(kwa::ByteSpan(bytes))));
+  }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "built_archive.h"
@@ -13,20 +14,19 @@ namespace {
 
 const std::string kInf = "[Version]\r\nDriverVer=1,2\r\nDriverPackageDisplayName=\"Vireo One\"\r\n";
 const std::vector<ArchiveBody> kBodiesA = {{"driver.inf", kInf}, {"empty", ""}};
-const std::vector<ArchiveBody> kBodiesB = {{"abc.txt", "abc"}, {"kwap.bin", BuildArchive({{"x", "y"}})}};
+const std::vector<ArchiveBody> kBodiesB = {{"abc.txt", "abc"}, {"kwap.bin", "KWAP" + std::string(276, '\1')}};
+const std::string kArchives = BuildArchive(kBodiesA) + BuildArchive(kBodiesB);
 
-// An installer with these bytes in its read-only data.
-std::string BuildInstaller(const std::string& readOnlyData) {
+// An installer with these sections of read-only data, and with other data that looks like more.
+BuiltImage Installer(const std::vector<std::string>& readOnlyData) {
   BuiltImage image;
   image.sections = {{".text", kCode, std::string(20, '\xC3')},
-                    {".data", kWritableData, BuildArchive({{"writable", "1"}})},
-                    {".rdata", kReadOnlyData, readOnlyData}};
+                    {".data", kWritableData, BuildArchive({{"writable", "1"}})}};
+  for (const std::string& data : readOnlyData) {
+    image.sections.push_back({".rdata", kReadOnlyData, data});
+  }
   image.directories.resize(16);
-  return BuildImage(image);
-}
-
-std::string BuildInstaller() {
-  return BuildInstaller("constants" + std::string(3, '\0') + BuildArchive(kBodiesA) + BuildArchive(kBodiesB));
+  return image;
 }
 
 class ListExtract : public testing::Test {
@@ -36,196 +36,174 @@ class ListExtract : public testing::Test {
     return folder / "file";
   }
 
-  // Expects exit status 1, these lines (each after "kwapayload: " and the test's folder), and nothing else.
-  void ExpectFailure(const ToolRun& run, const std::vector<std::string>& faults) {
-    std::string expected;
-    for (const std::string& fault : faults) {
-      expected += "kwapayload: " + (folder / fault) + "\n";
-    }
-    EXPECT_EQ(1, run.status);
-    EXPECT_EQ(expected, run.errors);
-    EXPECT_EQ("", run.output);
+  std::string List(const std::string& bytes) {
+    const ToolRun run = RunTool({"list", MakeFile(bytes)});
+    EXPECT_EQ(0, run.status);
+    EXPECT_EQ("", run.errors);
+    return run.output;
+  }
+
+  ToolRun Extract(const std::string& to, const std::vector<std::string>& names = {}) {
+    std::vector<std::string> arguments = {"extract", folder / "file", folder / to};
+    arguments.insert(arguments.end(), names.begin(), names.end());
+    return RunTool(arguments);
   }
 
   const TemporaryFolder folder;
 };
 
-TEST_F(ListExtract, ListForPeople) {
-  const ToolRun run = RunTool({"list", MakeFile(BuildInstaller())});
-  EXPECT_EQ(0, run.status);
-  EXPECT_EQ("", run.errors);
-  // The digests of nothing and of "abc" are the standard's examples.
-  EXPECT_NE(std::string::npos,
-            run.output.find("A             600  empty          0  empty                              "
-                            "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855\n"))
-      << run.output;
-  EXPECT_NE(std::string::npos,
-            run.output.find("B             536  abc.txt        3  7-bit ASCII text, no line ends     "
-                            "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\n"))
-      << run.output;
-  EXPECT_NE(std::string::npos, run.output.find("\n\n"
-                                               "Signature:         none\n"
-                                               "Package:           driver.inf\n"
-                                               "Version:           1,2\n"
-                                               "Display name:      Vireo One\n"
-                                               "Family:            Vireo\n"
-                                               "Devices:           Vireo Series (G-16, J1, 7101, 7102, Plover, Dunlin, "
-                                               "Gannet), Vireoe Series (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)\n"
-                                               "Devices (German):  Vireo Serie (G-16, J1, 7101, 7102, Plover, Dunlin, "
-                                               "Gannet), Vireoe Serie (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)\n"))
-      << run.output;
+void ExpectPart(const std::string& text, const std::string& part) {
+  EXPECT_NE(std::string::npos, text.find(part)) << text;
 }
 
-TEST_F(ListExtract, ListForPrograms) {
-  const std::string installer = BuildInstaller();
+TEST_F(ListExtract, ListForPeople) {
+  const std::string output = List(BuildImage(Installer({"constants" + std::string(3, '\0') + kArchives})));
+  // The digests of nothing and of "abc" are the standard's examples.
+  ExpectPart(output,
+             "A             600  empty          0  empty                              "
+             "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855\n");
+  ExpectPart(output,
+             "B             536  abc.txt        3  7-bit ASCII text, no line ends     "
+             "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\n");
+  const std::string devices = " (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), Vireoe ";
+  const std::string more = " (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)\n";
+  ExpectPart(output,
+             "\n\nSignature:         none\nPackage:           driver.inf\nVersion:           1,2\n"
+             "Display name:      Vireo One\nFamily:            Vireo\n"
+             "Devices:           Vireo Series" +
+                 devices + "Series" + more + "Devices (German):  Vireo Serie" + devices + "Serie" + more);
+}
+
+// Each of the archives in a section of its own, the first of them behind the second in the table of sections.
+TEST_F(ListExtract, ListForProgramsInTheOrderOfTheFile) {
+  std::string installer = BuildImage(Installer({BuildArchive(kBodiesA), BuildArchive(kBodiesB)}));
+  const std::size_t table = installer.find(".rdata");
+  std::swap_ranges(installer.begin() + static_cast<std::ptrdiff_t>(table),
+                   installer.begin() + static_cast<std::ptrdiff_t>(table + 40),
+                   installer.begin() + static_cast<std::ptrdiff_t>(table + 40));
   const ToolRun run = RunTool({"list", "--json", MakeFile(installer)});
-  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(0, run.status) << run.errors;
   const auto document = nlohmann::json::parse(run.output);
   ASSERT_EQ(4U, document["files"].size());
   const auto& last = document["files"][3];
-  EXPECT_EQ("B", last["archive"]);
-  EXPECT_EQ(2, last["order"]);
-  EXPECT_EQ("kwap.bin", last["name"]);
-  EXPECT_EQ(540, last["position"]);
-  EXPECT_EQ(kBodiesB[1].bytes.size(), last["size"]);
   EXPECT_EQ(kBodiesB[1].bytes, installer.substr(last["fileOffset"], last["size"]));
-  EXPECT_EQ("unknown data", last["kind"]);
+  const nlohmann::json expected = {{"archive", "B"},
+                                   {"order", 2},
+                                   {"name", "kwap.bin"},
+                                   {"position", 540},
+                                   {"size", kBodiesB[1].bytes.size()},
+                                   {"kind", "unknown data"},
+                                   {"fileOffset", last["fileOffset"]},
+                                   {"sha256", last["sha256"]}};
+  EXPECT_EQ(expected, last);
   EXPECT_EQ("Vireo", document["package"]["family"]);
   EXPECT_EQ("Vireoe Serie (Y2", document["package"]["germanDevices"][7]);
   EXPECT_EQ(false, document["signed"]);
 }
 
-TEST_F(ListExtract, SignedInstaller) {
-  BuiltImage image;
-  image.sections = {{".rdata", kReadOnlyData, BuildArchive(kBodiesA) + BuildArchive(kBodiesB)}};
-  image.directories.resize(16);
+TEST_F(ListExtract, SignedInstallersAndSingleArchives) {
+  BuiltImage image = Installer({kArchives});
   image.directories[4] = {static_cast<std::uint32_t>(BuildImage(image).size()), 16};
   // The signature may hold anything, archives among it.
-  const ToolRun run = RunTool({"list", MakeFile(BuildImage(image) + BuildArchive(kBodiesA))});
-  EXPECT_EQ(0, run.status) << run.errors;
-  EXPECT_NE(std::string::npos, run.output.find("Signature:         there is one, not checked\n"));
-}
-
-TEST_F(ListExtract, SingleArchiveWithoutInf) {
-  const ToolRun run = RunTool({"list", MakeFile(BuildArchive({{"\x1B[2J", "1"}}))});
-  EXPECT_EQ(0, run.status) << run.errors;
-  EXPECT_NE(std::string::npos, run.output.find("-             272  \\x1B[2J     1  "));
-  EXPECT_NE(std::string::npos, run.output.find("Package:           none, there is no INF\n"));
-  EXPECT_EQ(std::string::npos, run.output.find("Signature"));
+  ExpectPart(List(BuildImage(image) + BuildArchive(kBodiesA)), "Signature:         there is one, not checked\n");
+  const std::string output = List(BuildArchive({{"\x7F[2J\xFF", "1"}}));
+  ExpectPart(output, "-             272  \\x7F[2J\\xFF     1  ");
+  ExpectPart(output, "\n\nPackage:           none, there is no INF\n");
 }
 
 TEST_F(ListExtract, FilesThatAreNoInstallers) {
   const std::string archive = BuildArchive(kBodiesA);
-  std::string damaged = BuildInstaller(archive + BuildArchive(kBodiesB));
+  std::string damaged = archive;
   damaged[damaged.find("empty") + 263] = '\x80';
-  const std::string whole = BuildInstaller(archive + BuildArchive(kBodiesB));
+  const std::string whole = BuildImage(Installer({kArchives}));
+  const std::string where = "file: archive at offset ";
   const std::pair<std::string, std::vector<std::string>> kFiles[] = {
       {"", {"file: is neither an installer nor a payload archive"}},
-      {"text", {"file: is neither an installer nor a payload archive"}},
+      {"kWAP" + archive.substr(4), {"file: is neither an installer nor a payload archive"}},
       {"MZ", {"file: is no Windows program, only a DOS one"}},
-      {BuildInstaller("none"), {"file: holds no payload archives in its read-only data instead of two"}},
-      {BuildInstaller(archive), {"file: holds one payload archive in its read-only data instead of two"}},
-      {BuildInstaller(archive + archive + archive),
+      {BuildImage(Installer({"none"})), {"file: holds no payload archives in its read-only data instead of two"}},
+      {BuildImage(Installer({archive})), {"file: holds one payload archive in its read-only data instead of two"}},
+      {BuildImage(Installer({archive + archive, archive})),
        {"file: holds more than two payload archives in its read-only data instead of two"}},
       {archive.substr(0, 500), {"file: ends within its table of 2 entries"}},
-      {damaged, {"file: archive A, empty: has 2147483648 bytes; the installer reads bodies below 2147483648"}},
+      {"KWAP" + WordBytes(3) + archive.substr(8), {"file: ends within its table of 3 entries"}},
+      {archive.substr(0, archive.size() - 1), {"file: no zero word follows the last body"}},
+      {BuildImage(Installer({"data", damaged + BuildArchive(kBodiesB)})),
+       {"file: holds one payload archive in its read-only data instead of two",
+        where + "2560, empty: has 2147483648 bytes; the installer reads bodies below 2147483648"}},
       {whole.substr(0, whole.size() - 10),
        {"file: section .rdata: the file ends 10 bytes before it does",
-        "file: archive B, kwap.bin: its body of 280 bytes runs past the end of the data"}},
+        where + std::to_string(whole.rfind("KWAP\x02")) +
+            ", kwap.bin: its body of 280 bytes runs past the end of the data"}},
   };
   for (const auto& [bytes, faults] : kFiles) {
-    ExpectFailure(RunTool({"list", MakeFile(bytes)}), faults);
-    ExpectFailure(RunTool({"extract", folder / "file", folder / "out"}), faults);
+    ExpectFailure(RunTool({"list", MakeFile(bytes)}), folder.Path(), faults);
+    ExpectFailure(Extract("out"), folder.Path(), faults);
     EXPECT_FALSE(std::filesystem::exists(folder / "out"));
   }
-  ExpectFailure(RunTool({"list", folder / "none"}), {"none: cannot be read: No such file or directory"});
-  ExpectFailure(RunTool({"list", folder / "."}), {".: is not a file"});
+  ExpectFailure(RunTool({"list", folder / "none"}), folder.Path(), {"none: cannot be read: No such file or directory"});
+  ExpectFailure(RunTool({"list", folder / "."}), folder.Path(), {".: is not a file"});
 }
 
 TEST_F(ListExtract, OutputThatCannotBeWritten) {
-  if (!std::filesystem::exists("/dev/full")) {
-    GTEST_SKIP() << "needs a device that is always full";
-  }
-  const ToolRun run = RunTool({"list", MakeFile(BuildInstaller())}, "sh -c '\"$@\" >/dev/full' sh ");
+  const ToolRun run = RunTool({"list", MakeFile(BuildArchive(kBodiesA))}, "sh -c '\"$@\" >/dev/full' sh ");
   EXPECT_EQ(1, run.status);
   EXPECT_EQ("kwapayload: standard output: cannot be written\n", run.errors);
 }
 
 TEST_F(ListExtract, ExtractsAllOrTheNamedFiles) {
-  const std::string file = MakeFile(BuildInstaller());
-  EXPECT_EQ(0, RunTool({"extract", file, folder / "new/all"}).status);
+  MakeFile(BuildImage(Installer({kArchives})));
+  EXPECT_EQ(0, Extract("new/all").status);
   EXPECT_EQ((std::vector<std::string>{"abc.txt", "driver.inf", "empty", "kwap.bin"}), NamesIn(folder / "new/all"));
-  for (const auto& bodies : {kBodiesA, kBodiesB}) {
-    for (const ArchiveBody& body : bodies) {
-      EXPECT_EQ(body.bytes, ReadWholeFile(folder / ("new/all/" + body.name)));
-    }
-  }
-  EXPECT_EQ(0, RunTool({"extract", file, folder / "some", "kwap.bin", "empty"}).status);
+  EXPECT_EQ(kBodiesB[1].bytes, ReadWholeFile(folder / "new/all/kwap.bin"));
+  EXPECT_EQ(0, Extract("some", {"kwap.bin", "empty"}).status);
   EXPECT_EQ((std::vector<std::string>{"empty", "kwap.bin"}), NamesIn(folder / "some"));
-  ExpectFailure(RunTool({"extract", file, folder / "none", "empty", "Empty", "no\nne"}),
+  ExpectFailure(Extract("none", {"empty", "Empty", "no\nne"}), folder.Path(),
                 {"file: holds no file Empty", "file: holds no file no\\x0Ane"});
   EXPECT_FALSE(std::filesystem::exists(folder / "none"));
+  ExpectFailure(Extract("file/out"), folder.Path(), {"file/out: cannot be created: Not a directory"});
 }
 
-TEST_F(ListExtract, OverwritesOnlyWithForce) {
-  const std::string file = MakeFile(BuildInstaller());
-  WriteWholeFile(folder / "out/abc.txt", "mine");
-  std::filesystem::create_directory(folder / "out/empty");
-  const std::string out = (std::filesystem::path("out") / "").string();
-  ExpectFailure(RunTool({"extract", file, folder / "out"}),
-                {out + "empty: exists; --force overwrites it", out + "abc.txt: exists; --force overwrites it"});
-  EXPECT_EQ((std::vector<std::string>{"abc.txt", "empty"}), NamesIn(folder / "out"));
-  EXPECT_EQ(0, RunTool({"extract", "--force", file, folder / "out", "abc.txt"}).status);
-  EXPECT_EQ("abc", ReadWholeFile(folder / "out/abc.txt"));
-  ExpectFailure(RunTool({"extract", "--force", file, folder / "out", "empty"}),
-                {out + "empty: exists and is not a file"});
-}
-
-#ifndef _WIN32
 // A link in the folder is replaced, never followed.
-TEST_F(ListExtract, LinksAreNotFollowed) {
-  const std::string file = MakeFile(BuildInstaller());
+TEST_F(ListExtract, OverwritesOnlyWithForceAndFollowsNoLink) {
+  MakeFile(BuildImage(Installer({kArchives})));
   WriteWholeFile(folder / "outside", "mine");
-  std::filesystem::create_directory(folder / "out");
+  WriteWholeFile(folder / "out/kwap.bin", "mine");
   std::filesystem::create_symlink(folder / "outside", folder / "out/abc.txt");
   std::filesystem::create_symlink(folder / "nowhere", folder / "out/empty");
-  ExpectFailure(RunTool({"extract", file, folder / "out"}),
-                {"out/empty: exists; --force overwrites it", "out/abc.txt: exists; --force overwrites it"});
-  EXPECT_EQ(0, RunTool({"extract", "--force", file, folder / "out"}).status);
+  const std::string exists = ": exists; --force overwrites it";
+  ExpectFailure(Extract("out"), folder.Path(), {"out/empty" + exists, "out/abc.txt" + exists, "out/kwap.bin" + exists});
+  EXPECT_EQ(3U, NamesIn(folder / "out").size());
+  EXPECT_EQ(0, Extract("out", {"--force"}).status);
   EXPECT_EQ("mine", ReadWholeFile(folder / "outside"));
   EXPECT_EQ("abc", ReadWholeFile(folder / "out/abc.txt"));
   EXPECT_FALSE(std::filesystem::exists(folder / "nowhere"));
+  std::filesystem::create_directory(folder / "folder");
+  std::filesystem::create_directory(folder / "folder/empty");
+  ExpectFailure(Extract("folder", {"--force", "empty"}), folder.Path(), {"folder/empty: exists and is not a file"});
 }
 
 TEST_F(ListExtract, FullDiskLeavesNoPartialFile) {
-  const std::string file = MakeFile(BuildArchive({{"a", "small"}, {"b", std::string(300000, 'x')}}));
-  ExpectFailure(RunTool({"extract", file, folder / "out"}, "ulimit -f 64; "),
+  const std::string file = MakeFile(BuildArchive({{"a", "1"}, {"b", std::string(300000, 'x')}}));
+  ExpectFailure(RunTool({"extract", file, folder / "out"}, "ulimit -f 64; "), folder.Path(),
                 {"out/b: cannot be written: File too large"});
   EXPECT_EQ(std::vector<std::string>{"a"}, NamesIn(folder / "out"));
 }
-#endif
 
 TEST_F(ListExtract, NamesThatLeadOutsideAreRefused) {
-  const std::string kNames[] = {"../up", "..",       "/abs", "a/b",  "..\\up", "C:\\x",    "C:x",
-                                "NUL",   "com1.txt", "a:s",  "a\nb", "b.",     "\xFC.txt", std::string(1, ' ')};
-  for (const std::string& name : kNames) {
-    const ToolRun run = RunTool({"extract", MakeFile(BuildArchive({{"good", "1"}, {name, "2"}})), folder / "out"});
+  for (const std::string name : {"../up", "..", "/abs", "..\\up", "C:x", "NUL", "a:s", "b."}) {
+    MakeFile(BuildArchive({{"good", "1"}, {name, "2"}}));
+    const ToolRun run = Extract("out");
     EXPECT_EQ(1, run.status) << name;
-    EXPECT_EQ(0U, run.errors.find("kwapayload: " + (folder / "file") + ": ")) << run.errors;
     EXPECT_EQ(1, std::count(run.errors.begin(), run.errors.end(), '\n')) << run.errors;
     EXPECT_EQ(std::vector<std::string>{"file"}, NamesIn(folder.Path())) << name;
   }
   // The good ones can be had by name.
-  EXPECT_EQ(0, RunTool({"extract", folder / "file", folder / "out", "good"}).status);
-  EXPECT_EQ(std::vector<std::string>{"good"}, NamesIn(folder / "out"));
-}
-
-TEST_F(ListExtract, NamesThatStandTwiceAreRefused) {
-  const std::string file = MakeFile(BuildInstaller(BuildArchive({{"a", "1"}}) + BuildArchive({{"A", "2"}})));
-  ExpectFailure(RunTool({"extract", "--force", file, folder / "out"}),
+  EXPECT_EQ(0, Extract("out", {"good"}).status);
+  MakeFile(BuildImage(Installer({BuildArchive({{"a", "1"}}) + BuildArchive({{"A", "2"}})})));
+  ExpectFailure(Extract("out", {"--force"}), folder.Path(),
                 {"file: A stands there twice; to Windows, upper and lower case are the same"});
-  EXPECT_EQ(0, RunTool({"extract", file, folder / "out", "A"}).status);
-  EXPECT_EQ("2", ReadWholeFile(folder / "out/A"));
+  EXPECT_EQ(std::vector<std::string>{"good"}, NamesIn(folder / "out"));
 }
 
 }  // namespace
