@@ -1,44 +1,59 @@
 #pragma once
 
+#include <windows.h>
+
 #include <gtest/gtest.h>
 
-#include "debugged_run.h"
-#include "dpinst_report.h"
+#include <optional>
+
 #include "installer_image.h"
 #include "test_folder.h"
 
-// What the runs of all tests share: the folder that TEMP names, one for the stand-in's report, one to start from.
+struct RunResult {
+  DWORD exitStatus = 0;
+  // How often the runtime's invalid-parameter line went to the debugger.
+  int invalidParameterLines = 0;
+  // Messages that Windows showed in the program's name; they were closed.
+  int messageBoxes = 0;
+  // Whether the stand-in for DPInst ran, and then its report: the files beside it by name, each as "SIZE SHA-256", and
+  // dpinst.xml as it stood there.
+  bool dpinstRan = false;
+  std::string program, commandLine, currentFolder;
+  int bitness = 0;
+  std::map<std::string, std::string> files;
+  std::string document;
+  std::string error;  // what it has against dpinst.xml
+};
+
+// What the runs of all tests share: the folder that TEMP names, one to start from, one for DPInst's report.
 class InstallerRun : public testing::Test {
  protected:
-  // A run of the installer under test that is to report.
-  RunSetup Setup() const {
-    return {InstallerPath(), current, {{"TEMP", temp}, {"KWA_STANDIN_REPORT", reports}, {"KWA_STANDIN_EXIT", "1"}}};
-  }
+  // Runs the installer under test to its end.
+  RunResult Run() const { return RunWith(temp); }
 
-  // The same of a changed copy.
-  RunSetup SetupOf(const InstallerImage& changed) const {
-    changed.WriteTo(folder / "changed.exe");
-    RunSetup setup = Setup();
-    setup.program = folder / "changed.exe";
-    return setup;
-  }
+  // With another TEMP, or without one.
+  RunResult RunWith(const std::optional<std::string>& value) const { return RunIn(current, value); }
+  RunResult RunIn(const std::string& startFolder, const std::optional<std::string>& value) const;
 
-  bool DpinstRan() const { return Exists(reports + "\\report.json"); }
+  // Runs a changed copy.
+  RunResult RunChanged(const InstallerImage& image);
 
   const TestFolder folder{};
   const std::string temp = folder.MakeFolder("temp");
   const std::string reports = folder.MakeFolder("reports");
   const std::string current = folder.MakeFolder("current");
   const std::string work = temp + "\\kwa";
+  std::string program = InstallerPath();
 };
 
 // The edition of DPInst for the Windows under test.
 const char* DpinstName();
 
-// The files that DPInst must find beside itself, as a report states them; dpinst.xml as for this identity.
-std::map<std::string, std::string> ExpectedFiles(const std::string& document);
+// A file's contents as a report states them.
+std::string Fingerprint(const std::string& contents);
 
-// Their names, sorted.
+// The files that DPInst must find beside itself, as a report states them, and their names, sorted.
+std::map<std::string, std::string> ExpectedFiles(const std::string& document);
 std::vector<std::string> ExpectedNames();
 
 // dpinst.xml as the Windows under test must get it.

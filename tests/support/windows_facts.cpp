@@ -28,7 +28,3 @@ bool Is64Bit() {
   }
   return isWow64 != FALSE;
 }
-
-bool IsWine() {
-  return Find<void*>("ntdll.dll", "wine_get_version") != nullptr;
-}

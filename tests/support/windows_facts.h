@@ -7,6 +7,3 @@ unsigned long WindowsMajorVersion();
 
 // Whether this is 64-bit Windows.
 bool Is64Bit();
-
-// Whether this is Wine, which follows other rules here and there.
-bool IsWine();
