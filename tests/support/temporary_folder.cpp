@@ -17,13 +17,6 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  // Windows deletes no file that is read-only.
-  for (const auto& entry : fs::recursive_directory_iterator(path, ignored)) {
-    if (!entry.is_symlink(ignored)) {
-      fs::permissions(entry, fs::perms::owner_write, fs::perm_options::add, ignored);
-    }
-  }
   std::error_code error;
   fs::remove_all(path, error);
   EXPECT_FALSE(error) << path << ": " << error.message();

@@ -4,38 +4,12 @@
 
 #include <gtest/gtest.h>
 
-namespace fs = std::filesystem;
-
 std::string TestFolder::MakeFolderOfLength(std::size_t length) const {
-  constexpr std::size_t kPart = 50;
-  std::string folder = Slashed();
-  while (folder.size() < length) {
-    std::size_t part = length - folder.size() - 1;
-    if (part > kPart) {
-      part = part - kPart < 2 ? kPart - 2 : kPart;  // leaves room for one more name and its separator
-    }
-    folder += std::string(part, 'n') + "\\";
-  }
-  EXPECT_EQ(folder.size(), length);
-  EXPECT_TRUE(fs::create_directories(folder)) << folder;
-  return folder;
+  return MakeFolder(std::string(length - Slashed().size() - 1, 'n')) + "\\";
 }
 
 bool Exists(const std::string& path) {
   return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
-std::map<std::string, std::string> FilesIn(const std::string& folder) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    const std::string name = entry.path().filename().string();
-    if (entry.is_directory()) {
-      files[name + "\\"];
-    } else {
-      files[name] = ReadWholeFile(entry.path());
-    }
-  }
-  return files;
 }
 
 LockedFile::LockedFile(const std::string& path)

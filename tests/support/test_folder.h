@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <string>
 
 #include "temporary_folder.h"
@@ -11,14 +10,11 @@ class TestFolder : public TemporaryFolder {
   // With the separator at the end that the installer's functions want.
   std::string Slashed() const { return Path() + "\\"; }
 
-  // Creates nested folders until the path, its separator counted, has exactly this length; returns it with separator.
+  // Creates a folder whose path has exactly this length, its separator counted, and returns that path.
   std::string MakeFolderOfLength(std::size_t length) const;
 };
 
 bool Exists(const std::string& path);
-
-// The files of a folder by name, with their contents; folders appear with a separator behind the name and no contents.
-std::map<std::string, std::string> FilesIn(const std::string& folder);
 
 // Keeps a file open so that nobody else can open or delete it.
 class LockedFile {

@@ -2,18 +2,11 @@
 
 #include <windows.h>
 
-namespace {
-
-template <typename Function>
-Function Find(const char* module, const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(module), name)));
-}
-
-}  // namespace
-
 unsigned long WindowsMajorVersion() {
   // Knows no compatibility mode.
-  const auto getVersion = Find<LONG(WINAPI*)(OSVERSIONINFOW*)>("ntdll.dll", "RtlGetVersion");
+  using GetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
+  const auto getVersion = reinterpret_cast<GetVersionFunction>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlGetVersion")));
   OSVERSIONINFOW version = {};
   version.dwOSVersionInfoSize = sizeof version;
   getVersion(&version);
@@ -21,10 +14,7 @@ unsigned long WindowsMajorVersion() {
 }
 
 bool Is64Bit() {
-  const auto isWow64Process = Find<BOOL(WINAPI*)(HANDLE, BOOL*)>("kernel32.dll", "IsWow64Process");
   BOOL isWow64 = FALSE;
-  if (isWow64Process != nullptr) {
-    isWow64Process(GetCurrentProcess(), &isWow64);
-  }
+  IsWow64Process(GetCurrentProcess(), &isWow64);
   return isWow64 != FALSE;
 }

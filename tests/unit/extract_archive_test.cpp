@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 #include <stdexcept>
 
 #include "archive/payload_archive.h"
@@ -34,6 +35,14 @@ void NoteProgress(std::uint32_t written) {
 }
 
 const kwa::ExtractionCallbacks kNoteAll = {NoteFileStart, NoteProgress};
+
+Files FilesIn(const TestFolder& folder) {
+  Files files;
+  for (const std::string& name : NamesIn(folder.Path())) {
+    files[name] = ReadWholeFile(folder / name);
+  }
+  return files;
+}
 
 class ExtractArchive : public testing::Test {
  protected:
@@ -70,7 +79,7 @@ TEST_F(ExtractArchive, WritesBodiesOfEverySizeAndTellsOfEachChunk) {
   Install(bytes);
   WriteWholeFile(folder / "4096", std::string(10000, 'x'));
   EXPECT_EQ(Extract(), kwa::ArchiveOk);
-  EXPECT_EQ(FilesIn(folder.Path()), files);
+  EXPECT_EQ(FilesIn(folder), files);
   EXPECT_EQ(events,
             "twice 6 6; 6; huge 2147483648 2147483648; largest 4294967295 4294967295; twice 5 5; 5; 0 0 0; 1 1 1; 1; "
             "4095 4095 4095; 4095; 4096 4096 4096; 4096; 4097 4097 4097; 4096; 4097; 11519 11519 11519; 4096; 8192; "
@@ -86,7 +95,7 @@ TEST_F(ExtractArchive, SelectsArchiveAByZeroAndArchiveBByAllElse) {
     Install(BuildArchive({{"file", "of A"}}), 0);
     Install(BuildArchive({{"file", "of B"}}), 1);
     EXPECT_EQ(Extract(index, nullptr), kwa::ArchiveOk);
-    EXPECT_EQ(FilesIn(folder.Path()), (Files{{"file", index == 0 ? "of A" : "of B"}})) << index;
+    EXPECT_EQ(FilesIn(folder), (Files{{"file", index == 0 ? "of A" : "of B"}})) << index;
     EXPECT_EQ((index == 0 ? kwa::archiveB : kwa::archiveA).position, 0U);
   }
 }
