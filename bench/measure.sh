@@ -4,6 +4,7 @@
 #
 # Each figure is a median over rounds. A round takes everything that is compared once, beginning with another one each
 # time, so that whatever else the machine does meets all of them alike; a ratio is the median of the rounds' ratios.
+# (hyperfine takes all runs of one command before those of the next, and no memory.)
 
 # seconds COMMAND…: how long it took, in $elapsed, and how much processor time it took itself, with the children that it
 # waited for as Unix does, in $processor. Output goes nowhere; a failure ends the script.

@@ -1,27 +1,14 @@
 # shellcheck shell=bash
 # Payloads of any size for script/bench: sourced, not run.
 
-# The files of a payload of BYTES bytes, one a line: folder, name, size. Those of payload/contents.json, scaled; the INF
-# grows no larger than it is there, because Windows reads it as a whole and no real one grows with the payload.
-bench_payload_list() {
-  awk -F '"' -v wanted="$1" '
-    /"archive"/ {
-      folder[++count] = tolower($4)
-      name[count] = $10
-      number = $13
-      gsub(/[^0-9]/, "", number)
-      size[count] = number + 0
-      total += size[count]
-    }
-    END {
-      for (i = 1; i <= count; ++i) {
-        scaled = int(size[i] * wanted / total)
-        if (name[i] ~ /\.inf$/ && scaled > size[i]) {
-          scaled = size[i]
-        }
-        print folder[i], name[i], scaled
-      }
-    }' payload/contents.json
+# bench_contents BYTES: the list of contents of a payload of that many bytes, that of payload/contents.json scaled. The
+# INF grows no larger than it is there, because Windows reads it as a whole and no real one grows with the payload. What
+# is neither INF nor program is noise, so that nothing between the program and the disk can shorten it.
+bench_contents() {
+  jq --argjson wanted "$1" '(.files | map(.size) | add) as $total | .files[] |= (
+    (.size * $wanted / $total | floor) as $scaled |
+    if .name | endswith(".inf") then .size = ([.size, $scaled] | min) else .size = $scaled end |
+    if .name | test("^dpinst(64)?\\.exe$|\\.inf$") then . else .kind = "unknown data" end)' payload/contents.json
 }
 
 # bench_inf SIZE: a text of that many bytes. Its lines are as long as those of a real one: Windows parses all, twice.
@@ -41,25 +28,20 @@ bench_inf() {
 }
 
 # bench_payload BYTES CHILD32 CHILD64 FOLDER: makes FOLDER/a, FOLDER/b and FOLDER/contents.json. The two children stand
-# in DPInst's place; all else is noise, so that nothing between the program and the disk can shorten it.
+# in DPInst's place.
 bench_payload() {
-  local folder=$4 archive name size file length
+  local folder=$4 archive name size file
   rm -rf "$folder"
   mkdir -p "$folder/a" "$folder/b"
-  cp payload/contents.json "$folder"
-  while read -r archive name size; do
+  bench_contents "$1" >"$folder/contents.json"
+  while IFS=$'\t' read -r archive name size; do
     file=$folder/$archive/$name
     case $name in
       dpinst.exe) cat "$2" >"$file" ;;
       dpinst64.exe) cat "$3" >"$file" ;;
       *.inf) bench_inf "$size" >"$file" ;;
-      *)
-        printf '\0' >"$file" # the mark of no kind of file
-        sed -i "/\"name\": \"$name\"/s/\"kind\": \".*\"/\"kind\": \"unknown data\"/" "$folder/contents.json"
-        ;;
+      *) printf '\0' >"$file" ;; # the mark of no kind of file
     esac
-    length=$(stat -c %s "$file")
-    head -c $((size - length)) /dev/urandom >>"$file"
-    sed -i "s/\(\"name\": \"$name\", \"size\": \)[0-9]*/\1$size/" "$folder/contents.json"
-  done < <(bench_payload_list "$1")
+    head -c $((size - $(stat -c %s "$file"))) /dev/urandom >>"$file"
+  done < <(jq -r '.files[] | [(.archive | ascii_downcase), .name, .size] | @tsv' "$folder/contents.json")
 }

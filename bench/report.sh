@@ -71,17 +71,9 @@ report_table() {
 }
 
 report_json() {
-  awk -F '\t' -v machine="$(cat "$work/machine.txt")" -v pairs="$pairs" '
-    BEGIN {
-      gsub(/["\\]/, "\\\\&", machine)
-      printf "{\n  \"machine\": \"%s\",\n  \"pairs\": %d,\n  \"payloads\": [", machine, pairs
-    }
-    $1 != size {
-      printf "%s\n    {\n      \"megabytes\": %s", (size == "" ? "" : "\n    },"), $1
-      size = $1
-    }
-    { printf ",\n      \"%s\": %s", $2, $3 }
-    END { print "\n    }\n  ]\n}" }' "$results"
+  jq -Rn --arg machine "$(cat "$work/machine.txt")" --argjson pairs "$pairs" '
+    {$machine, $pairs, payloads: ([inputs / "\t"] | group_by(.[0] | tonumber) |
+      map({megabytes: (.[0][0] | tonumber)} + (map({(.[1]): (.[2] | tonumber)}) | add)))}' "$results"
 }
 
 # report_series NAME FACTOR: megabytes and the figure of that name, one payload a line.
