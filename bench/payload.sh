@@ -30,7 +30,7 @@ bench_inf() {
 # bench_payload BYTES CHILD32 CHILD64 FOLDER: makes FOLDER/a, FOLDER/b and FOLDER/contents.json. The two children stand
 # in DPInst's place.
 bench_payload() {
-  local folder=$4 archive name size file
+  local folder=$4 archive name size file length
   rm -rf "$folder"
   mkdir -p "$folder/a" "$folder/b"
   bench_contents "$1" >"$folder/contents.json"
@@ -42,6 +42,7 @@ bench_payload() {
       *.inf) bench_inf "$size" >"$file" ;;
       *) printf '\0' >"$file" ;; # the mark of no kind of file
     esac
-    head -c $((size - $(stat -c %s "$file"))) /dev/urandom >>"$file"
+    length=$(stat -c %s "$file")
+    head -c $((size - length)) /dev/urandom >>"$file"
   done < <(jq -r '.files[] | [(.archive | ascii_downcase), .name, .size] | @tsv' "$folder/contents.json")
 }
