@@ -62,7 +62,7 @@ ASN1_SEQUENCE(TrustList) = {
 
     template <typename Value>
     std::shared_ptr<Value> New(const ASN1_ITEM* item) {
-  Value* const value = reinterpret_cast<Value*>(ASN1_item_new(item));
+  auto* const value = reinterpret_cast<Value*>(ASN1_item_new(item));
   Require(value != nullptr);
   return {value, [item](Value* owned) { ASN1_item_free(reinterpret_cast<ASN1_VALUE*>(owned), item); }};
 }
@@ -96,7 +96,7 @@ void AddAttribute(CatalogMember* member, const char* type, const std::string& de
 void AddMember(TrustList* list, const std::string& name, const std::string& content) {
   const bool isProgram = content.rfind("MZ", 0) == 0;
   const std::string digest = isProgram ? ImageDigest(content) : Sha256Of(content);
-  CatalogMember* const member = reinterpret_cast<CatalogMember*>(ASN1_item_new(ASN1_ITEM_rptr(CatalogMember)));
+  auto* const member = reinterpret_cast<CatalogMember*>(ASN1_item_new(ASN1_ITEM_rptr(CatalogMember)));
   Require(member != nullptr && sk_CatalogMember_push(list->members, member) > 0);
   Set(member->tag, digest);
   AddAttribute(member, kNameValueType, NameValueDer("File", Utf16(name)));

@@ -4,13 +4,8 @@
 #include <openssl/sha.h>
 
 #include <memory>
-#include <stdexcept>
 
 namespace kwa {
-
-void Require(bool succeeded) {
-  if (!succeeded) throw std::runtime_error("libcrypto cannot make its signature");
-}
 
 std::string Der(const void* value, const ASN1_ITEM* item) {
   unsigned char* bytes = nullptr;

@@ -3,12 +3,15 @@
 
 #include <openssl/asn1.h>
 
+#include <stdexcept>
 #include <string>
 
 namespace kwa {
 
 // Throws std::runtime_error when a call of libcrypto failed: without memory, or with a key that it cannot use.
-void Require(bool succeeded);
+inline void Require(bool succeeded) {
+  if (!succeeded) throw std::runtime_error("libcrypto cannot make its signature");
+}
 
 // The encoding of a value that the item describes. The caller keeps the value.
 std::string Der(const void* value, const ASN1_ITEM* item);

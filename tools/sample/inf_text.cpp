@@ -93,6 +93,9 @@ DiskName = "Marlin USB driver disk"
 Service.DisplayName = "Marlin USB Audio Driver (WDM)"
 )inf";
 
+constexpr const char* kDevices[] = {"Marlin R1", "Marlin R2", "Kestrel", "Marlin R3", "Marlin R4"};
+constexpr int kDeviceCount = sizeof kDevices / sizeof kDevices[0];
+
 template <typename... Arguments>
 std::string Line(const char* format, Arguments... arguments) {
   char text[256];
@@ -109,9 +112,9 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
 
 std::string Platform(const char* platform, const char* suffix) {
   std::string text = Line("[KWA.%s]", platform);
-  for (int device = 1; device <= 4; ++device) {
+  for (int device = 0; device < kDeviceCount; ++device) {
     for (int revision = 1; revision <= 12; ++revision) {
-      text += Line("%%Marlin.R%d%% = Marlin,USB\\VID_FFFE&PID_%04X&REV_%04d&MI_00", device,
+      text += Line("%%Device.%d%% = Marlin,USB\\VID_FFFE&PID_%04X&REV_%04d&MI_00", device,
                    static_cast<unsigned>(0x100 + device), 100 + revision * 10);
     }
   }
@@ -129,7 +132,7 @@ std::string PresetLine(int preset, int band) {
 std::string MakeInf(std::size_t size) {
   std::string text = kHead + Platform("NTx86", "") + Platform("NTamd64", "_64") + kPresets;
   std::string end = kStrings;
-  for (int device = 1; device <= 4; ++device) end += Line("Marlin.R%d = \"Marlin R%d\"", device, device);
+  for (int device = 0; device < kDeviceCount; ++device) end += Line("Device.%d = \"%s\"", device, kDevices[device]);
   end = Replaced(end + "; End of marlin_usb.inf @", "\n", "\r\n");
   text = Replaced(text, "\n", "\r\n");
 
