@@ -43,6 +43,7 @@ ASN1_SEQUENCE(NameValue) = {
   ASN1_SIMPLE(NameValue, name, ASN1_BMPSTRING),
   ASN1_SIMPLE(NameValue, flags, ASN1_INTEGER),
   ASN1_SIMPLE(NameValue, value, ASN1_OCTET_STRING)
+  // cppcheck-suppress unknownMacro
 } static_ASN1_SEQUENCE_END(NameValue)
 
 ASN1_SEQUENCE(CatalogMember) = {
