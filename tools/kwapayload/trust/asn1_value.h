@@ -1,0 +1,72 @@
+#pragma once
+
+#include <openssl/asn1t.h>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <openssl/x509.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <string>
+
+#include "base/byte_span.h"
+
+namespace kwa {
+
+// A structure of libcrypto's templates, decoded from the front of some bytes; for the sources of this room alone. Lists
+// that a hostile file could make long stay encoded in it, as ASN1_SEQUENCE or ASN1_ANY: decoded, a byte of theirs would
+// take fifty of memory.
+template <typename T>
+class Asn1Value {
+ public:
+  Asn1Value(ByteSpan bytes, const ASN1_ITEM* itsItem) : item(itsItem) {
+    const unsigned char* at = bytes.Data();
+    const auto size = static_cast<long>(std::min<std::size_t>(bytes.Size(), INT_MAX));
+    value = reinterpret_cast<T*>(ASN1_item_d2i(nullptr, &at, size, item));
+    ERR_clear_error();
+  }
+  Asn1Value(const Asn1Value&) = delete;
+  Asn1Value& operator=(const Asn1Value&) = delete;
+  ~Asn1Value() { ASN1_item_free(reinterpret_cast<ASN1_VALUE*>(value), item); }
+
+  explicit operator bool() const { return value != nullptr; }
+  const T* operator->() const { return value; }
+  const T* Get() const { return value; }
+
+ private:
+  const ASN1_ITEM* item;
+  T* value;
+};
+
+// The bytes of a text or number; of one that stays encoded, all of it. Empty for null.
+inline ByteSpan BytesOf(const ASN1_STRING* text) {
+  return text == nullptr ? ByteSpan()
+                         : ByteSpan(ASN1_STRING_get0_data(text), static_cast<std::size_t>(ASN1_STRING_length(text)));
+}
+
+inline std::string TextOf(const ASN1_STRING* text) {
+  return std::string(BytesOf(text).Text());
+}
+
+// A constructed value, tag and length included; empty for any other.
+inline ByteSpan EncodedOf(const ASN1_TYPE* value) {
+  const int type = value == nullptr ? V_ASN1_UNDEF : ASN1_TYPE_get(value);
+  return type == V_ASN1_SEQUENCE || type == V_ASN1_SET ? BytesOf(value->value.asn1_string) : ByteSpan();
+}
+
+inline std::string DottedNumbers(const ASN1_OBJECT* object) {
+  std::array<char, 128> text = {};
+  OBJ_obj2txt(text.data(), static_cast<int>(text.size()), object, 1);
+  return text.data();
+}
+
+// An algorithm as DigestOf takes it; in dotted numbers where libcrypto lacks it.
+inline std::string DigestName(const X509_ALGOR* algorithm) {
+  const ASN1_OBJECT* object = nullptr;
+  X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
+  const EVP_MD* const digest = EVP_get_digestbynid(OBJ_obj2nid(object));
+  return digest == nullptr ? DottedNumbers(object) : EVP_MD_get0_name(digest);
+}
+
+}  // namespace kwa

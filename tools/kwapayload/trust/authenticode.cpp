@@ -1,0 +1,49 @@
+#include "trust/authenticode.h"
+
+#include <string>
+
+namespace kwa {
+namespace {
+
+constexpr char kIndirectData[] = "1.3.6.1.4.1.311.2.1.4";
+
+std::string ImageFault(const SignedData& data, FileDigests* file) {
+  std::string algorithm;
+  std::string digest;
+  if (data.contentType != kIndirectData || !ReadIndirectData(ByteSpan(data.content), &algorithm, &digest)) {
+    return "is not one of a program";
+  }
+  return digest.empty() || digest != file->OfImage(algorithm) ? "does not fit the file, which was changed" : "";
+}
+
+}  // namespace
+
+std::vector<Signature> ReadEmbeddedSignatures(FileDigests* file) {
+  constexpr std::uint32_t kHeaderSize = 8;
+  constexpr std::uint16_t kPkcsSignedData = 2;
+  constexpr std::uint64_t kAlignment = 8;
+  std::vector<Signature> signatures;
+  const PeImage* const image = file->Image();
+  if (image == nullptr) {
+    return signatures;
+  }
+  ByteSpan table = image->CertificateTable();
+  bool isWhole = table.Size() == image->Directory(kPeSecurityDirectory).size;
+  while (isWhole && !table.Empty()) {
+    const std::uint32_t size = table.U32(0);
+    isWhole = size >= kHeaderSize && size <= table.Size();
+    if (isWhole && table.U16(6) == kPkcsSignedData) {
+      AppendSignatures(
+          table.Part(kHeaderSize, size - kHeaderSize),
+          [file](const SignedData& data) { return ImageFault(data, file); }, &signatures);
+    }
+    table = table.From((size + kAlignment - 1) / kAlignment * kAlignment);
+  }
+  // What is stuffed behind a signature changes nothing for Windows.
+  if (!isWhole && signatures.empty()) {
+    signatures.push_back({"", "is not all there: the certificate table is damaged", false, {}});
+  }
+  return signatures;
+}
+
+}  // namespace kwa

@@ -1,0 +1,207 @@
+#include "trust/catalog.h"
+
+#include <openssl/crypto.h>
+#include <openssl/x509.h>
+
+#include <array>
+
+#include "payload/entry_name.h"
+#include "trust/asn1_value.h"
+#include "trust/signed_data.h"
+
+namespace kwa {
+namespace {
+
+constexpr std::size_t kMaxMembers = 100000;
+
+constexpr char kTrustList[] = "1.3.6.1.4.1.311.10.1";
+constexpr char kMemberGeneration1[] = "1.3.6.1.4.1.311.12.1.2";
+constexpr char kMemberGeneration2[] = "1.3.6.1.4.1.311.12.1.3";
+constexpr char kIndirectData[] = "1.3.6.1.4.1.311.2.1.4";
+constexpr char kNameValue[] = "1.3.6.1.4.1.311.12.2.1";
+
+struct TrustListFields {
+  ASN1_INTEGER* version;
+  ASN1_STRING* usage;
+  ASN1_OCTET_STRING* identifier;
+  ASN1_INTEGER* sequenceNumber;
+  ASN1_TIME* time;
+  ASN1_TIME* nextTime;
+  X509_ALGOR* memberAlgorithm;
+  ASN1_STRING* members;
+  ASN1_TYPE* extensions;
+};
+ASN1_SEQUENCE(TrustListFields) =
+    {
+        ASN1_OPT(TrustListFields, version, ASN1_INTEGER),
+        ASN1_SIMPLE(TrustListFields, usage, ASN1_SEQUENCE),
+        ASN1_OPT(TrustListFields, identifier, ASN1_OCTET_STRING),
+        ASN1_OPT(TrustListFields, sequenceNumber, ASN1_INTEGER),
+        ASN1_SIMPLE(TrustListFields, time, ASN1_TIME),
+        ASN1_OPT(TrustListFields, nextTime, ASN1_TIME),
+        ASN1_SIMPLE(TrustListFields, memberAlgorithm, X509_ALGOR),
+        ASN1_OPT(TrustListFields, members, ASN1_SEQUENCE),
+        ASN1_EXP_OPT(TrustListFields, extensions, ASN1_ANY, 0),
+} static_ASN1_SEQUENCE_END(TrustListFields)
+
+        struct MemberFields {
+  ASN1_OCTET_STRING* tag;
+  ASN1_TYPE* attributes;
+};
+ASN1_SEQUENCE(MemberFields) =
+    {
+        ASN1_SIMPLE(MemberFields, tag, ASN1_OCTET_STRING),
+        ASN1_OPT(MemberFields, attributes, ASN1_ANY),
+} static_ASN1_SEQUENCE_END(MemberFields)
+
+        struct NameValueFields {
+  ASN1_BMPSTRING* name;
+  ASN1_INTEGER* flags;
+  ASN1_OCTET_STRING* value;
+};
+ASN1_SEQUENCE(NameValueFields) =
+    {
+        ASN1_SIMPLE(NameValueFields, name, ASN1_BMPSTRING),
+        ASN1_SIMPLE(NameValueFields, flags, ASN1_INTEGER),
+        ASN1_SIMPLE(NameValueFields, value, ASN1_OCTET_STRING),
+} static_ASN1_SEQUENCE_END(NameValueFields)
+
+    // ASCII text in little-endian UTF-16 up to a zero; other characters become '?'.
+    std::string NarrowText(ByteSpan wide) {
+  std::string text;
+  for (std::size_t i = 0; wide.U16(i) != 0; i += 2) {
+    text += wide.U16(i) < 0x80 ? static_cast<char>(wide.U16(i)) : '?';
+  }
+  return text;
+}
+
+const char* AlgorithmOfSize(std::size_t digestSize) {
+  switch (digestSize) {
+    case 16:
+      return "MD5";
+    case 20:
+      return "SHA1";
+    case 32:
+      return "SHA256";
+    case 48:
+      return "SHA384";
+    case 64:
+      return "SHA512";
+    default:
+      return nullptr;
+  }
+}
+
+// The digest that a tag tells, in hexadecimal UTF-16 text or as it is, if it tells any.
+void AddTag(ByteSpan tag, Catalog* catalog) {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> bytes = {};
+  std::size_t size = 0;
+  const std::string text = NarrowText(tag);
+  if (OPENSSL_hexstr2buf_ex(bytes.data(), bytes.size(), &size, text.c_str(), '\0') == 1) {
+    tag = ByteSpan(bytes.data(), size);
+  }
+  if (const char* const algorithm = AlgorithmOfSize(tag.Size())) {
+    catalog->digests[algorithm].emplace(tag.Text());
+  }
+}
+
+void AddFileName(ByteSpan element, Catalog* catalog) {
+  const Asn1Value<NameValueFields> fields(element, ASN1_ITEM_rptr(NameValueFields));
+  constexpr std::string_view kFile("\0F\0i\0l\0e", 8);
+  if (fields && BytesOf(fields->name).Text() == kFile) {
+    catalog->fileNames.insert(UpperCaseName(NarrowText(BytesOf(fields->value))));
+  }
+}
+
+bool AddMember(ByteSpan element, Catalog* catalog) {
+  const Asn1Value<MemberFields> fields(element, ASN1_ITEM_rptr(MemberFields));
+  if (!fields) {
+    return false;
+  }
+  const ByteSpan attributes = EncodedOf(fields->attributes);
+  const ByteSpan indirectData = AttributeValue(attributes, kIndirectData);
+  if (indirectData.Empty()) {
+    AddTag(BytesOf(fields->tag), catalog);
+  } else {
+    std::string algorithm;
+    std::string digest;
+    if (!ReadIndirectData(indirectData, &algorithm, &digest) || digest.empty()) {
+      return false;
+    }
+    catalog->digests[algorithm].insert(digest);
+  }
+  ForEachAttributeValue(attributes, kNameValue, [&](ByteSpan value) {
+    AddFileName(value, catalog);
+    return true;
+  });
+  return true;
+}
+
+bool ReadTrustList(ByteSpan content, Catalog* catalog, std::string* fault) {
+  const Asn1Value<TrustListFields> fields(content, ASN1_ITEM_rptr(TrustListFields));
+  if (!fields) {
+    *fault = "is a catalog whose list of members is damaged";
+    return false;
+  }
+  const ASN1_OBJECT* memberAlgorithm = nullptr;
+  X509_ALGOR_get0(&memberAlgorithm, nullptr, nullptr, fields->memberAlgorithm);
+  const std::string algorithm = DottedNumbers(memberAlgorithm);
+  catalog->generation = algorithm == kMemberGeneration1 ? 1 : algorithm == kMemberGeneration2 ? 2 : 0;
+  bool isSound = true;
+  const bool isList = fields->members == nullptr || ForEachElement(BytesOf(fields->members), [&](ByteSpan element) {
+                        isSound = ++catalog->memberCount <= kMaxMembers && AddMember(element, catalog);
+                        return isSound;
+                      });
+  if (catalog->memberCount > kMaxMembers) {
+    *fault = "is a catalog of more than 100000 members";
+  } else if (!isList || !isSound) {
+    *fault = "is a catalog whose member " + std::to_string(catalog->memberCount + (isSound ? 1 : 0)) + " is damaged";
+  }
+  return isList && isSound;
+}
+
+}  // namespace
+
+bool ReadCatalog(ByteSpan file, Catalog* catalog, std::string* fault) {
+  *catalog = {};
+  SignedData data;
+  if (!ReadSignedData(file, &data, fault)) {
+    return false;
+  }
+  if (data.contentType != kTrustList) {
+    *fault = "is signed data, but no catalog";
+    return false;
+  }
+  if (!ReadTrustList(ByteSpan(data.content), catalog, fault)) {
+    return false;
+  }
+  AppendSignatures(
+      file, [](const SignedData&) { return ""; }, &catalog->signatures);
+  return true;
+}
+
+bool Covers(const Catalog& catalog, FileDigests* file) {
+  for (const auto& [algorithm, digests] : catalog.digests) {
+    if (digests.count(file->OfImage(algorithm)) != 0 || digests.count(file->OfFile(algorithm)) != 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::string CoveringLineEnds(const Catalog& catalog, ByteSpan text) {
+  constexpr struct {
+    const char* name;
+    const char* bytes;
+  } kLineEnds[] = {{"CR LF", "\r\n"}, {"LF", "\n"}};
+  for (const auto& [algorithm, digests] : catalog.digests) {
+    for (const auto& lineEnd : kLineEnds) {
+      if (digests.count(DigestWithLineEnds(text, lineEnd.bytes, algorithm)) != 0) {
+        return lineEnd.name;
+      }
+    }
+  }
+  return "";
+}
+
+}  // namespace kwa

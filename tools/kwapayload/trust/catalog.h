@@ -1,0 +1,35 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/byte_span.h"
+#include "trust/file_digests.h"
+#include "trust/signature.h"
+
+namespace kwa {
+
+// A Windows security catalog: the digests of the files that its signer vouches for.
+struct Catalog {
+  // 1: members are tagged by their digests in hexadecimal UTF-16 text, mostly SHA-1. 2: by the digests' bytes, mostly
+  // SHA-256. 0: the catalog says neither.
+  unsigned generation;
+  std::size_t memberCount;
+  // The members' digests by algorithm, as FileDigests has them. A member that is a tag alone has its tag's.
+  std::map<std::string, std::set<std::string>> digests;
+  std::set<std::string> fileNames;    // upper-case, of the members that name one; only a remark, Windows ignores it
+  std::vector<Signature> signatures;  // none in an unsigned catalog
+};
+
+// Returns false, and why in *fault, when the bytes are no catalog, are damaged, or hold more than 100000 members.
+bool ReadCatalog(ByteSpan file, Catalog* catalog, std::string* fault);
+
+// Whether a member has the digest of the file or, of a Windows program, of its image.
+bool Covers(const Catalog& catalog, FileDigests* file);
+
+// "CR LF" or "LF" where a text is not covered as it is, but would be with these line ends; else "".
+std::string CoveringLineEnds(const Catalog& catalog, ByteSpan text);
+
+}  // namespace kwa
