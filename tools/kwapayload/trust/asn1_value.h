@@ -24,7 +24,9 @@ class Asn1Value {
     const unsigned char* at = bytes.Data();
     const auto size = static_cast<long>(std::min<std::size_t>(bytes.Size(), INT_MAX));
     value = reinterpret_cast<T*>(ASN1_item_d2i(nullptr, &at, size, item));
-    ERR_clear_error();
+    if (value == nullptr) {
+      ERR_clear_error();
+    }
   }
   Asn1Value(const Asn1Value&) = delete;
   Asn1Value& operator=(const Asn1Value&) = delete;

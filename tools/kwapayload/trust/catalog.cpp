@@ -97,7 +97,8 @@ void AddTag(ByteSpan tag, Catalog* catalog) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> bytes = {};
   std::size_t size = 0;
   const std::string text = NarrowText(tag);
-  if (OPENSSL_hexstr2buf_ex(bytes.data(), bytes.size(), &size, text.c_str(), '\0') == 1) {
+  if (text.size() + 1 >= tag.Size() / 2 &&
+      OPENSSL_hexstr2buf_ex(bytes.data(), bytes.size(), &size, text.c_str(), '\0') == 1) {
     tag = ByteSpan(bytes.data(), size);
   }
   if (const char* const algorithm = AlgorithmOfSize(tag.Size())) {

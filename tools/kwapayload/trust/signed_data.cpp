@@ -89,6 +89,9 @@ ASN1_SEQUENCE(IndirectDataFields) =
   constexpr int kFault = 0x80;
   constexpr int kUnknownLength = 1;
   const auto size = static_cast<long>(std::min<std::size_t>(bytes.Size(), INT_MAX));
+  if (size == 0) {
+    return false;
+  }
   const int result = ASN1_get_object(&at, &length, &tag, &tagClass, size);
   if ((result & (kFault | kUnknownLength)) != 0) {
     ERR_clear_error();
@@ -215,11 +218,12 @@ void ForEachAttributeValue(ByteSpan attributes, const char* type, const VisitEle
     // A sequence of two: the type, and the set of values.
     const ByteSpan typeElement = FirstElement(attribute);
     ByteSpan element;
-    ByteSpan numbers;
-    ByteSpan both;
-    if (SplitElement(typeElement, &element, &numbers) && numbers.Text() == wantedNumbers.Text() &&
-        SplitElement(attribute, &element, &both)) {
-      ForEachElement(both.From(typeElement.Size()), [&](ByteSpan value) { return goesOn = visit(value); });
+    ByteSpan content;
+    if (!SplitElement(typeElement, &element, &content)) {
+      return false;
+    }
+    if (content.Text() == wantedNumbers.Text() && SplitElement(attribute, &element, &content)) {
+      ForEachElement(content.From(typeElement.Size()), [&](ByteSpan value) { return goesOn = visit(value); });
     }
     return goesOn;
   });

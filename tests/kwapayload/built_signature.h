@@ -1,0 +1,45 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+// Signatures and catalogs made by hand and signed, with SHA-256, by a key of the test's own whose certificate names
+// "Tester".
+
+// An element of DER: tag, length and content.
+std::string Der(unsigned char tag, const std::string& content);
+
+constexpr unsigned char kDerOctets = 0x04;
+constexpr unsigned char kDerSequence = 0x30;
+constexpr unsigned char kDerSet = 0x31;
+
+constexpr char kIndirectDataType[] = "1.3.6.1.4.1.311.2.1.4";
+constexpr char kTrustListType[] = "1.3.6.1.4.1.311.10.1";
+
+// An attribute with one value; types are in dotted numbers.
+std::string DerAttribute(const char* type, const std::string& value);
+
+// In raw bytes; `algorithm` as libcrypto names it.
+std::string DigestBytes(const std::string& bytes, const char* algorithm);
+
+// What says that a file has this digest.
+std::string IndirectData(const char* algorithm, const std::string& digest);
+
+// A catalog's content.
+std::string TrustList(unsigned generation, const std::string& members);
+
+struct SignedParts {
+  const char* contentType;
+  std::string content;  // encoded
+  unsigned signerCount = 1;
+  bool hasCertificate = true;
+  // Makes attributes from the signature, to be added to it.
+  std::function<std::string(const std::string& signature)> unsignedAttributes = nullptr;
+};
+
+std::string BuildSignedData(const SignedParts& parts);
+
+// Timestamps of a signature, as attributes of it: of the old kind, which may sign the digest alone without its
+// algorithm, and of RFC 3161. Both say 2014-02-13 12:00:00.
+std::string CounterSignature(const std::string& signature, bool isBare);
+std::string TimestampToken(const std::string& signature);

@@ -1,0 +1,282 @@
+// Security catalogs and the signatures that programs carry: what they cover, and whether they are sound.
+
+#include <gtest/gtest.h>
+
+#include "built_archive.h"
+#include "built_image.h"
+#include "built_signature.h"
+#include "trust/authenticode.h"
+#include "trust/catalog.h"
+
+namespace {
+
+constexpr char kSha1[] = "1.3.14.3.2.26";
+constexpr char kSha256[] = "2.16.840.1.101.3.4.2.1";
+constexpr char kMd2[] = "1.2.840.113549.2.2";
+
+std::string HexTag(const std::string& digest) {
+  std::string tag;
+  for (const char byte : digest) {
+    for (const int half : {static_cast<unsigned char>(byte) / 16, static_cast<unsigned char>(byte) % 16}) {
+      tag += "0123456789ABCDEF"[half];
+      tag += '\0';
+    }
+  }
+  return tag + std::string(2, '\0');
+}
+
+std::string Member(const std::string& tag, const std::string& attributes) {
+  return Der(kDerSequence, Der(kDerOctets, tag) + (attributes.empty() ? "" : Der(kDerSet, attributes)));
+}
+
+std::string IndirectMember(const char* algorithm, const std::string& digest) {
+  return Member("any tag", DerAttribute(kIndirectDataType, IndirectData(algorithm, digest)));
+}
+
+std::string BuildCatalog(unsigned generation, const std::string& members) {
+  return BuildSignedData({kTrustListType, TrustList(generation, members)});
+}
+
+// A program without a certificate table, of a size that is a multiple of 8 or not.
+std::string Program(std::size_t bytesOfCode = 24) {
+  BuiltImage built;
+  built.sections = {{".text", kCode, std::string(bytesOfCode, '\x90')}};
+  built.directories.resize(16);
+  return BuildImage(built);
+}
+
+constexpr std::size_t kCheckSum = 0x80 + 24 + 64;
+constexpr std::size_t kSecurityEntry = 0x80 + 24 + 96 + 4 * 8;
+
+std::string PaddedParts(const std::string& program) {
+  std::string parts = program.substr(0, kCheckSum) + program.substr(kCheckSum + 4, kSecurityEntry - kCheckSum - 4) +
+                      program.substr(kSecurityEntry + 8);
+  parts.resize((program.size() + 7) / 8 * 8 - 12);
+  return parts;
+}
+
+// The program with a certificate table of one signature.
+std::string WithTable(std::string program, const std::string& signature) {
+  program.resize((program.size() + 7) / 8 * 8);
+  std::string table = WordBytes(static_cast<std::uint32_t>(8 + signature.size())) + WordBytes(0x00020200) + signature;
+  table.resize((table.size() + 7) / 8 * 8);
+  PutWord(program, kSecurityEntry, static_cast<std::uint32_t>(program.size()));
+  PutWord(program, kSecurityEntry + 4, static_cast<std::uint32_t>(table.size()));
+  return program + table;
+}
+
+SignedParts PartsFor(const std::string& program) {
+  return {kIndirectDataType, IndirectData(kSha256, DigestBytes(PaddedParts(program), "SHA256"))};
+}
+
+std::string Signed(const std::string& program) {
+  return WithTable(program, BuildSignedData(PartsFor(program)));
+}
+
+std::string Shown(const std::vector<kwa::Signature>& signatures) {
+  std::string text;
+  for (const kwa::Signature& signature : signatures) {
+    text += (signature.isNested ? "nested: " : "") + signature.signer + ": " + signature.fault;
+    if (signature.timestamp) {
+      text += std::string(signature.timestamp->isRfc3161 ? " [RFC 3161 " : " [old ") + signature.timestamp->time +
+              ": " + signature.timestamp->fault + "]";
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+std::string EmbeddedIn(const std::string& program) {
+  kwa::FileDigests digests{kwa::ByteSpan(program)};
+  return Shown(ReadEmbeddedSignatures(&digests));
+}
+
+std::string FaultOf(const std::string& file) {
+  kwa::Catalog catalog;
+  std::string fault;
+  return ReadCatalog(kwa::ByteSpan(file), &catalog, &fault) ? "" : fault;
+}
+
+TEST(Trust, CatalogCovers) {
+  const std::string text = "[Version]\r\n";
+  const std::string program = Program(21);
+  const auto sha1 = [](const std::string& bytes) { return DigestBytes(bytes, "SHA1"); };
+  const auto sha256 = [](const std::string& bytes) { return DigestBytes(bytes, "SHA256"); };
+  const struct {
+    const char* what;
+    unsigned generation;
+    std::string members;
+    std::string file;
+    bool isCovered;
+  } cases[] = {
+      {"hexadecimal tag", 1, Member(HexTag(sha1(text)), ""), text, true},
+      {"raw tag", 2, Member(sha256(text), ""), text, true},
+      {"raw tag of SHA-1", 2, Member(sha1(text), ""), text, true},
+      {"indirect data", 2, IndirectMember(kSha256, sha256(text)), text, true},
+      {"the second member", 1, IndirectMember(kSha1, sha1("other")) + Member(HexTag(sha1(text)), ""), text, true},
+      {"image digest", 1, IndirectMember(kSha1, sha1(PaddedParts(program))), program, true},
+      {"image digest of a signed program", 2, Member(sha256(PaddedParts(program)), ""), Signed(program), true},
+      {"flat digest of a program", 2, Member(sha256(program), ""), program, true},
+      {"another digest", 2, Member(sha256("other"), ""), text, false},
+      {"a tag beside other indirect data", 2,
+       Member(sha256(text), DerAttribute(kIndirectDataType, IndirectData(kSha256, sha256("other")))), text, false},
+      {"an algorithm that does not fit", 2, IndirectMember(kSha1, sha256(text)), text, false},
+      {"an unknown algorithm", 2, IndirectMember(kMd2, sha256(text)), text, false},
+      {"no members", 2, "", text, false},
+  };
+  for (const auto& test : cases) {
+    kwa::Catalog catalog;
+    std::string fault;
+    const std::string file = BuildCatalog(test.generation, test.members);
+    ASSERT_TRUE(ReadCatalog(kwa::ByteSpan(file), &catalog, &fault)) << test.what << ": " << fault;
+    kwa::FileDigests digests{kwa::ByteSpan(test.file)};
+    EXPECT_EQ(test.isCovered, Covers(catalog, &digests)) << test.what;
+    EXPECT_EQ(test.generation, catalog.generation) << test.what;
+    EXPECT_EQ("Tester: \n", Shown(catalog.signatures)) << test.what;
+  }
+}
+
+TEST(Trust, CatalogTellsLineEndsAndNames) {
+  const std::string name("\0F\0i\0l\0e", 8);
+  const std::string value("a\0.\0i\0n\0f\0\0\0", 12);
+  const std::string nameValue = Der(kDerSequence, Der(0x1E, name) + Der(0x02, "\x01") + Der(kDerOctets, value));
+  for (const auto& [lineEnd, otherText, shown] :
+       {std::tuple("\r\n", "a\nb\r\n\nc", "CR LF"), std::tuple("\n", "a\r\nb\n\r\nc", "LF")}) {
+    const std::string text = std::string("a") + lineEnd + "b" + lineEnd + lineEnd + "c";
+    const std::string file =
+        BuildCatalog(2, Member(DigestBytes(text, "SHA256"), DerAttribute("1.3.6.1.4.1.311.12.2.1", nameValue)));
+    kwa::Catalog catalog;
+    std::string fault;
+    ASSERT_TRUE(ReadCatalog(kwa::ByteSpan(file), &catalog, &fault)) << fault;
+    EXPECT_EQ(shown, CoveringLineEnds(catalog, kwa::ByteSpan(std::string_view(otherText))));
+    EXPECT_EQ("", CoveringLineEnds(catalog, kwa::ByteSpan(std::string_view("a"))));
+    EXPECT_EQ(std::set<std::string>{"A.INF"}, catalog.fileNames);
+  }
+}
+
+TEST(Trust, CatalogsThatAreUnreadable) {
+  const std::string good = BuildCatalog(2, Member("tag", "") + Member("tag", ""));
+  EXPECT_EQ("", FaultOf(good));
+  EXPECT_EQ("", FaultOf(good + "more"));
+  for (std::size_t size = 0; size < good.size(); ++size) {
+    EXPECT_EQ("is no signed data", FaultOf(good.substr(0, size))) << size;
+  }
+  std::string manyMembers;
+  for (int i = 0; i < 100001; ++i) {
+    manyMembers += Member("", "");
+  }
+  const std::string tag = Member("tag", "");
+  const std::pair<std::string, std::string> cases[] = {
+      {BuildSignedData({kIndirectDataType, TrustList(2, "")}), "is signed data, but no catalog"},
+      {BuildSignedData({kTrustListType, IndirectData(kSha1, "digest")}),
+       "is a catalog whose list of members is damaged"},
+      {BuildCatalog(2, tag + IndirectMember(kSha1, "")), "is a catalog whose member 2 is damaged"},
+      {BuildCatalog(2, tag + Der(0x02, "\x01")), "is a catalog whose member 2 is damaged"},
+      {BuildCatalog(2, tag + tag.substr(0, 4)), "is a catalog whose member 2 is damaged"},
+      {BuildCatalog(2, manyMembers), "is a catalog of more than 100000 members"},
+      {BuildSignedData({kTrustListType, TrustList(2, ""), 17}), "has more than 16 signers"},
+  };
+  for (const auto& [file, fault] : cases) {
+    EXPECT_EQ(fault, FaultOf(file));
+  }
+}
+
+TEST(Trust, CatalogSignatures) {
+  const std::string list = TrustList(2, Member("some tag", ""));
+  const std::string good = BuildSignedData({kTrustListType, list});
+  std::string changed = good;
+  changed.replace(changed.find("some tag"), 8, "same tag");
+  std::string brokenSignature = good;
+  brokenSignature.back() ^= 1;
+  std::string changedAttribute = good;
+  changedAttribute[good.rfind(DigestBytes(list.substr(2), "SHA256")) - 20] ^= 1;
+  const std::pair<std::string, std::string> cases[] = {
+      {changed, "Tester: does not fit what it signs\n"},
+      {brokenSignature, "Tester: does not fit the signer's certificate\n"},
+      {changedAttribute, "Tester: does not fit the signer's certificate\n"},
+      {BuildSignedData({kTrustListType, list, 1, false}), ": comes without the signer's certificate\n"},
+      {BuildSignedData({kTrustListType, list, 2}), "Tester: \nTester: \n"},
+      {BuildSignedData({kTrustListType, list, 0}), ""},
+  };
+  for (const auto& [file, shown] : cases) {
+    kwa::Catalog catalog;
+    std::string fault;
+    EXPECT_TRUE(ReadCatalog(kwa::ByteSpan(file), &catalog, &fault)) << fault;
+    EXPECT_EQ(shown, Shown(catalog.signatures));
+  }
+}
+
+TEST(Trust, EmbeddedSignatures) {
+  const std::string program = Program();
+  const std::string good = Signed(program);
+  const std::string signature = BuildSignedData(PartsFor(program));
+  std::string otherCheckSum = good;
+  PutWord(otherCheckSum, kCheckSum, 0x12345678);
+  std::string otherByte = good;
+  otherByte[program.size() - 1] = 'x';
+  std::string otherHeader = good;
+  otherHeader[kSecurityEntry - 1] = 'x';
+  std::string shortEntry = good;
+  PutWord(shortEntry, kwa::ByteSpan(good).U32(kSecurityEntry), 7);
+  std::string tableInHeaders = good;
+  PutWord(tableInHeaders, kSecurityEntry, kSecurityEntry);
+  const char kChanged[] = "Tester: does not fit the file, which was changed\n";
+  const char kDamaged[] = ": is not all there: the certificate table is damaged\n";
+  const std::pair<std::string, std::string> cases[] = {
+      {program, ""},
+      {"no program", ""},
+      {good, "Tester: \n"},
+      {Signed(Program(21)), "Tester: \n"},
+      {otherCheckSum, "Tester: \n"},
+      {WithTable(program, signature + "stuffed"), "Tester: \n"},
+      {otherByte, kChanged},
+      {otherHeader, kChanged},
+      {good + "behind the", kChanged},
+      {good.substr(0, good.size() - 8), kDamaged},
+      {shortEntry, kDamaged},
+      {tableInHeaders, kDamaged},
+      {WithTable(program, "no signature"), ": is no signed data\n"},
+      {WithTable(program, BuildCatalog(2, "")), "Tester: is not one of a program\n"},
+      {WithTable(program, BuildSignedData({kIndirectDataType, TrustList(2, "")})), "Tester: is not one of a program\n"},
+  };
+  for (const auto& [file, shown] : cases) {
+    EXPECT_EQ(shown, EmbeddedIn(file));
+  }
+}
+
+TEST(Trust, NestedSignaturesAndTimestamps) {
+  const std::string program = Program();
+  const auto nested = [](const std::string& inner) {
+    return [inner](const std::string&) { return DerAttribute("1.3.6.1.4.1.311.2.4.1", inner); };
+  };
+  const auto shown = [&](std::function<std::string(const std::string&)> unsignedAttributes) {
+    SignedParts parts = PartsFor(program);
+    parts.unsignedAttributes = std::move(unsignedAttributes);
+    return EmbeddedIn(WithTable(program, BuildSignedData(parts)));
+  };
+  EXPECT_EQ("Tester: \nnested: Tester: \n", shown(nested(BuildSignedData(PartsFor(program)))));
+  EXPECT_EQ("Tester: \nnested: Tester: does not fit the file, which was changed\n",
+            shown(nested(BuildSignedData(PartsFor(Program(80))))));
+  EXPECT_EQ("Tester: \nnested: : is no signed data\n", shown(nested("x")));
+  for (const bool isBare : {false, true}) {
+    EXPECT_EQ("Tester:  [old 2014-02-13 12:00:00 UTC: ]\n",
+              shown([&](const std::string& signature) { return CounterSignature(signature, isBare); }));
+  }
+  EXPECT_EQ("Tester:  [RFC 3161 2014-02-13 12:00:00 UTC: ]\n", shown(TimestampToken));
+  EXPECT_EQ("Tester:  [old 2014-02-13 12:00:00 UTC: does not fit what it signs]\n",
+            shown([](const std::string&) { return CounterSignature("another", false); }));
+  EXPECT_EQ("Tester:  [RFC 3161 2014-02-13 12:00:00 UTC: is one of another signature]\n",
+            shown([](const std::string&) { return TimestampToken("another"); }));
+  EXPECT_EQ("Tester:  [RFC 3161 : is unreadable]\n",
+            shown([](const std::string&) { return DerAttribute("1.3.6.1.4.1.311.3.3.1", "x"); }));
+
+  SignedParts deep = PartsFor(program);
+  for (int i = 0; i < 20; ++i) {
+    deep.unsignedAttributes = nested(BuildSignedData(deep));
+  }
+  const std::string signatures = EmbeddedIn(WithTable(program, BuildSignedData(deep)));
+  EXPECT_EQ(17, std::count(signatures.begin(), signatures.end(), '\n')) << signatures;
+  EXPECT_NE(std::string::npos, signatures.find(": is one of more than 16, and not read\n")) << signatures;
+}
+
+}  // namespace
