@@ -6,8 +6,8 @@ class App;
 
 namespace kwa {
 
-// Each adds a command to the program. A command throws ToolFailure when it runs and fails, and CLI::RuntimeError with the
-// exit status when it has findings to tell.
+// Each adds a command to the program. A command throws ToolFailure when it runs and fails, and CLI::RuntimeError with
+// the exit status when it has findings to tell.
 
 void AddPackCommand(CLI::App& app);
 void AddListCommand(CLI::App& app);
