@@ -151,8 +151,9 @@ const Damage kDamages[] = {
      {"import-too-new: executable, imports of KERNEL32.dll: GetVersionExB is not known"}},
     {"BytesBehindTheLastSection", [](InstallerImage& image) { image.Resize(image.Bytes().size() + 100); },
      {"?overlay: executable: 100 bytes behind the last section are no signature"}},
-    {"SignatureBehindPadding", Signature(7), {}},
-    {"SignatureBehindMore", Signature(8), {"?overlay: executable: 8 bytes behind"}},
+    {"SignatureAtTheEnd", Signature(0), {}},
+    {"SignatureBehindPadding", Signature(8), {"?overlay: executable: 8 bytes behind"}},
+    {"SignatureInAnOddPlace", Signature(4), {"signature-place: executable: its security directory leads to no"}},
 };
 // clang-format on
 
