@@ -73,7 +73,7 @@ Listing MakeListing(const InstallerFile& installer) {
     std::size_t order = 0;
     for (const ArchiveItem& item : located.archive.items) {
       listing.files.push_back({located.letter, ++order, item.position, located.fileOffset + item.position,
-                               EscapedText(item.name), item.size, FileKind(item.body), Sha256Hex(item.body)});
+                               EscapedText(item.name), item.size, FileKind(item.body), HexText(DigestOf(item.body, "SHA256"))});
     }
   }
   if (const ArchiveItem* const inf = FindInf(installer)) {

@@ -63,7 +63,7 @@ inline std::string DottedNumbers(const ASN1_OBJECT* object) {
   return text.data();
 }
 
-// An algorithm as DigestOf takes it; in dotted numbers where libcrypto lacks it.
+// An algorithm as Digest takes it; in dotted numbers where libcrypto lacks it.
 inline std::string DigestName(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);

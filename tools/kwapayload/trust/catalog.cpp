@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "payload/entry_name.h"
+#include "base/ascii_text.h"
 #include "trust/asn1_value.h"
 #include "trust/signed_data.h"
 
@@ -110,7 +110,7 @@ void AddFileName(ByteSpan element, Catalog* catalog) {
   const Asn1Value<NameValueFields> fields(element, ASN1_ITEM_rptr(NameValueFields));
   constexpr std::string_view kFile("\0F\0i\0l\0e", 8);
   if (fields && BytesOf(fields->name).Text() == kFile) {
-    catalog->fileNames.insert(UpperCaseName(NarrowText(BytesOf(fields->value))));
+    catalog->fileNames.insert(UpperCase(NarrowText(BytesOf(fields->value))));
   }
 }
 

@@ -1,19 +1,48 @@
 #include "trust/digest.h"
 
-#include <openssl/sha.h>
+#include <openssl/evp.h>
 
 #include <array>
 
 namespace kwa {
 
-std::string Sha256Hex(ByteSpan bytes) {
-  std::array<unsigned char, SHA256_DIGEST_LENGTH> digest = {};
-  SHA256(bytes.Data(), bytes.Size(), digest.data());
+struct Digest::Context {
+  struct Free {
+    void operator()(EVP_MD_CTX* digest) const { EVP_MD_CTX_free(digest); }
+  };
+  std::unique_ptr<EVP_MD_CTX, Free> handle{EVP_MD_CTX_new()};
+};
+
+Digest::Digest(const std::string& algorithm) : context(std::make_unique<Context>()) {
+  const EVP_MD* const kind = EVP_get_digestbyname(algorithm.c_str());
+  isGood = kind != nullptr && EVP_DigestInit_ex(context->handle.get(), kind, nullptr) == 1;
+}
+
+Digest::~Digest() = default;
+
+void Digest::Add(ByteSpan part) {
+  isGood = isGood && EVP_DigestUpdate(context->handle.get(), part.Data(), part.Size()) == 1;
+}
+
+std::string Digest::Bytes() {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest = {};
+  unsigned size = 0;
+  isGood = isGood && EVP_DigestFinal_ex(context->handle.get(), digest.data(), &size) == 1;
+  return isGood ? std::string(digest.begin(), digest.begin() + size) : "";
+}
+
+std::string DigestOf(ByteSpan bytes, const std::string& algorithm) {
+  Digest digest(algorithm);
+  digest.Add(bytes);
+  return digest.Bytes();
+}
+
+std::string HexText(const std::string& bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string text;
-  for (const unsigned char byte : digest) {
-    text += kDigits[byte / 16];
-    text += kDigits[byte % 16];
+  for (const char byte : bytes) {
+    text += kDigits[static_cast<unsigned char>(byte) / 16];
+    text += kDigits[static_cast<unsigned char>(byte) % 16];
   }
   return text;
 }

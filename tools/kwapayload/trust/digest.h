@@ -1,12 +1,32 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "base/byte_span.h"
 
 namespace kwa {
 
-// The SHA-256 digest in 64 lower-case hexadecimal digits.
-std::string Sha256Hex(ByteSpan bytes);
+// A digest of bytes that come in parts. An algorithm goes by libcrypto's name, such as "SHA256".
+class Digest {
+ public:
+  explicit Digest(const std::string& algorithm);
+  ~Digest();
+
+  void Add(ByteSpan part);
+  // The digest's bytes, "" where libcrypto lacks the algorithm. Called once, at the end.
+  std::string Bytes();
+
+ private:
+  struct Context;
+  std::unique_ptr<Context> context;
+  bool isGood;
+};
+
+// The digest of bytes that are all there.
+std::string DigestOf(ByteSpan bytes, const std::string& algorithm);
+
+// Two lower-case hexadecimal digits a byte.
+std::string HexText(const std::string& bytes);
 
 }  // namespace kwa

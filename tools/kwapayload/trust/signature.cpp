@@ -9,7 +9,7 @@
 
 #include "base/escaped_text.h"
 #include "trust/asn1_value.h"
-#include "trust/file_digests.h"
+#include "trust/digest.h"
 #include "trust/signer_check.h"
 
 namespace kwa {

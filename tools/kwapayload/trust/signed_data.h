@@ -13,7 +13,7 @@ struct SignerInfo {
   std::string issuer;              // the encoded name of who issued the certificate, and
   std::string serialNumber;        // its number; or both are empty, and
   std::string keyIdentifier;       // this tells the certificate
-  std::string digestAlgorithm;     // as DigestOf takes it; in dotted numbers where libcrypto lacks it
+  std::string digestAlgorithm;     // as Digest takes it; in dotted numbers where libcrypto lacks it
   std::string signedAttributes;    // encoded as a SET, the form that is signed; "" where there are none
   std::string unsignedAttributes;  // the encoded list
   std::string signature;

@@ -11,7 +11,7 @@
 
 #include "base/escaped_text.h"
 #include "trust/asn1_value.h"
-#include "trust/file_digests.h"
+#include "trust/digest.h"
 
 namespace kwa {
 namespace {
