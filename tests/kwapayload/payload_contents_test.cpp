@@ -54,8 +54,9 @@ TEST(PayloadContents, EveryDifferenceOfAFolderIsNamed) {
   ExpectFailure(
       RunTool({"pack", folder / "in", folder / "archive", "--contents", folder / "contents.json", "--archive", "A"}),
       folder.Path(),
-      {"in/gone: is missing", "in/short: has 2 bytes instead of 2147483647",
-       "in/other: is not in the list of contents"});
+      {"in/gone: is missing", "in/short: has 2 bytes instead of 2147483647", "in/other: is not in the list of contents",
+       "contents.json: does not fit; if the files are right, 'kwapayload contents " + folder.Path() + "/ --output " +
+           (folder / "contents.json") + "' makes a new list"});
   EXPECT_EQ((std::vector<std::string>{"contents.json", "in"}), NamesIn(folder.Path()));
 }
 

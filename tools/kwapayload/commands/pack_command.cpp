@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/depfile.h"
+#include "base/escaped_text.h"
 #include "base/output_file.h"
 #include "base/tool_failure.h"
 #include "payload/pack_archive.h"
@@ -30,6 +31,10 @@ void CheckContents(const PackOptions& options, const std::vector<PayloadFile>& f
   const PayloadContents wanted = SelectArchive(ReadPayloadContents(options.contents), options.archiveLetter.front());
   std::vector<Fault> faults = CompareWithContents(options.folder, files, wanted);
   if (!faults.empty()) {
+    const std::filesystem::path payload = (options.folder / "..").lexically_normal();
+    faults.push_back({ShownPath(options.contents), "does not fit; if the files are right, 'kwapayload contents " +
+                                                       ShownPath(payload) + " --output " +
+                                                       ShownPath(payload / "contents.json") + "' makes a new list"});
     throw ToolFailure(std::move(faults));
   }
 }
