@@ -23,6 +23,7 @@ int Run(int argc, char** argv) {
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
     return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' tells the usage\n";
   });
+  kwa::AddCompareCommand(app);
   kwa::AddContentsCommand(app);
   kwa::AddPackCommand(app);
   kwa::AddListCommand(app);

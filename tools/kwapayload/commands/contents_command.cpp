@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "base/ascii_text.h"
 #include "base/escaped_text.h"
 #include "base/mapped_file.h"
 #include "base/output_file.h"
 #include "base/tool_failure.h"
 #include "installer/file_kind.h"
 #include "payload/contents_writer.h"
-#include "payload/entry_name.h"
 #include "payload/payload_folder.h"
 
 namespace kwa {
@@ -38,7 +38,7 @@ PayloadContents ListContents(const std::filesystem::path& folder) {
   };
   std::map<std::string, std::filesystem::path> known;  // by upper-case name
   const auto add = [&](char archive, std::uint32_t order, const PayloadFile& file) {
-    if (const auto [other, isNew] = known.emplace(UpperCaseName(file.name), file.path); !isNew) {
+    if (const auto [other, isNew] = known.emplace(UpperCase(file.name), file.path); !isNew) {
       throw ToolFailure(file.path, "is to Windows the same name as " + ShownPath(other->second));
     }
     const MappedFile body(file.path);

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "base/mapped_file.h"
+#include "installer/bill_of_materials.h"
 #include "installer/installer_file.h"
 #include "installer/listing.h"
 
@@ -15,12 +16,15 @@ namespace {
 struct ListOptions {
   std::filesystem::path file;
   bool isJson = false;
+  bool isCycloneDx = false;
 };
 
 void RunList(const ListOptions& options) {
   const MappedFile file(options.file);
   const Listing listing = MakeListing(ReadSoundInstallerFile(file.Bytes(), options.file));
-  if (options.isJson) {
+  if (options.isCycloneDx) {
+    WriteBillOfMaterials(file.Bytes(), options.file.filename().string(), listing, std::cout);
+  } else if (options.isJson) {
     WriteListingJson(listing, std::cout);
   } else {
     WriteListing(listing, std::cout);
@@ -33,7 +37,9 @@ void AddListCommand(CLI::App& app) {
   const auto options = std::make_shared<ListOptions>();
   CLI::App* const list = app.add_subcommand("list", "Tells what an installer or a payload archive holds");
   list->add_option("FILE", options->file, "Installer, signed or not, or payload archive")->required();
-  list->add_flag("--json", options->isJson, "Writes JSON");
+  CLI::Option* const json = list->add_flag("--json", options->isJson, "Writes JSON");
+  list->add_flag("--cyclonedx", options->isCycloneDx, "Writes a bill of materials in CycloneDX 1.6 (JSON)")
+      ->excludes(json);
   list->footer(
       "POSITION counts bytes from the archive's start. Bytes of a name that are not plain text show as \\xHH.\n"
       "\n"

@@ -9,12 +9,13 @@
 #include "dpinst/device_families.h"
 #include "inf/package_identity.h"
 #include "installer/file_kind.h"
+#include "pe/version_record.h"
 #include "trust/digest.h"
 
 namespace kwa {
 namespace {
 
-constexpr std::size_t kColumnCount = 6;
+constexpr std::size_t kColumnCount = 7;
 using Row = std::array<std::string, kColumnCount>;
 
 std::vector<std::string> DeviceNames(const char* const* rows, unsigned rowCount) {
@@ -46,6 +47,10 @@ std::string Joined(const std::vector<std::string>& names) {
   return text;
 }
 
+nlohmann::ordered_json TextOrNull(const std::string& text) {
+  return text.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(text);
+}
+
 void WriteTable(const std::vector<Row>& rows, std::ostream& stream) {
   Row widest;
   for (const Row& row : rows) {
@@ -72,8 +77,11 @@ Listing MakeListing(const InstallerFile& installer) {
   for (const LocatedArchive& located : installer.archives) {
     std::size_t order = 0;
     for (const ArchiveItem& item : located.archive.items) {
+      VersionRecord record = FileVersionRecord(item.body);
       listing.files.push_back({located.letter, ++order, item.position, located.fileOffset + item.position,
-                               EscapedText(item.name), item.size, FileKind(item.body), HexText(DigestOf(item.body, "SHA256"))});
+                               EscapedText(item.name), item.size, FileKind(item.body),
+                               HexText(DigestOf(item.body, "SHA256")), record.fileVersion,
+                               record.texts["FileDescription"], record.texts["CompanyName"]});
     }
   }
   if (const ArchiveItem* const inf = FindInf(installer)) {
@@ -83,10 +91,10 @@ Listing MakeListing(const InstallerFile& installer) {
 }
 
 void WriteListing(const Listing& listing, std::ostream& stream) {
-  std::vector<Row> rows = {{"ARCHIVE", "POSITION", "NAME", "SIZE", "KIND", "SHA-256"}};
+  std::vector<Row> rows = {{"ARCHIVE", "POSITION", "NAME", "SIZE", "VERSION", "KIND", "SHA-256"}};
   for (const ListedFile& file : listing.files) {
-    rows.push_back(
-        {file.archive, std::to_string(file.position), file.name, std::to_string(file.size), file.kind, file.sha256});
+    rows.push_back({file.archive, std::to_string(file.position), file.name, std::to_string(file.size), file.version,
+                    file.kind, file.sha256});
   }
   WriteTable(rows, stream);
   stream << '\n';
@@ -118,6 +126,9 @@ void WriteListingJson(const Listing& listing, std::ostream& stream) {
                      {"name", file.name},
                      {"size", file.size},
                      {"kind", file.kind},
+                     {"version", TextOrNull(file.version)},
+                     {"description", TextOrNull(file.description)},
+                     {"company", TextOrNull(file.company)},
                      {"sha256", file.sha256}});
   }
   ordered_json document = {{"installer", listing.isInstaller}, {"signed", listing.isSigned}, {"files", files}};
@@ -126,7 +137,7 @@ void WriteListingJson(const Listing& listing, std::ostream& stream) {
     document["package"] = {{"inf", package.inf},
                            {"version", package.version},
                            {"displayName", package.displayName},
-                           {"family", package.family.empty() ? ordered_json() : ordered_json(package.family)},
+                           {"family", TextOrNull(package.family)},
                            {"devices", package.devices},
                            {"germanDevices", package.germanDevices}};
   } else {

@@ -20,6 +20,10 @@ struct ListedFile {
   std::uint32_t size;  // bytes
   std::string kind;
   std::string sha256;
+  // Of the version record, empty where there is none. The texts are in UTF-8 and not escaped.
+  std::string version;  // "1.0.0.0"
+  std::string description;
+  std::string company;
 };
 
 // What the installer will read from the package's INF, and the devices that the wizard will name for it.

@@ -21,6 +21,7 @@ constexpr std::uint16_t kOptionalMagic64 = 0x020B;
 PeSection ReadSection(ByteSpan file, ByteSpan header) {
   PeSection section = {};
   section.name = header.TextAt(0, 8);
+  section.virtualSize = header.U32(8);
   section.virtualAddress = header.U32(12);
   section.fileSize = header.U32(16);
   section.fileOffset = header.U32(20);

@@ -31,7 +31,8 @@ enum PeDirectoryIndex : unsigned {
 };
 
 struct PeSection {
-  std::string name;  // as it stands, up to 8 characters
+  std::string name;           // as it stands, up to 8 characters
+  std::uint32_t virtualSize;  // bytes in memory
   std::uint32_t virtualAddress;
   std::uint32_t fileOffset;
   std::uint32_t fileSize;  // as the header says

@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <iterator>
 
+#include "pe/pe_image.h"
+#include "pe/pe_resources.h"
+
 namespace kwa {
 namespace {
 
@@ -104,6 +107,17 @@ bool ReadVersionRecord(ByteSpan resource, VersionRecord* record) {
     return false;
   });
   return true;
+}
+
+VersionRecord FileVersionRecord(ByteSpan file) {
+  PeImage image;
+  std::string ignored;
+  VersionRecord record;
+  if (!ReadPeImage(file, &image, &ignored) ||
+      !ReadVersionRecord(FirstResource(ReadResources(image), kResourceTypeVersion), &record)) {
+    return {};
+  }
+  return record;
 }
 
 }  // namespace kwa

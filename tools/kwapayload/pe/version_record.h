@@ -18,4 +18,7 @@ struct VersionRecord {
 // Reads a version resource. Returns false when it is none.
 bool ReadVersionRecord(ByteSpan resource, VersionRecord* record);
 
+// The version record of a whole file. Empty where it is no Windows program, library or driver, or has none.
+VersionRecord FileVersionRecord(ByteSpan file);
+
 }  // namespace kwa
