@@ -49,6 +49,7 @@ Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& 
     if (installer.image) {
       VerifyCompanions(installer, contents, &findings);
       VerifyPackage(installer, &findings);
+      VerifyVersions(installer, &findings);
     }
   }
   VerifyExecutable(installer, &findings);

@@ -22,6 +22,9 @@ void VerifyCompanions(const InstallerFile& installer, const PayloadContents& con
 // The driver package as its INF describes it.
 void VerifyPackage(const InstallerFile& installer, Findings* findings);
 
+// What DriverVer says, to Setup and of the drivers' own versions.
+void VerifyVersions(const InstallerFile& installer, Findings* findings);
+
 // The program itself. Nothing for a file that is a single archive.
 void VerifyExecutable(const InstallerFile& installer, Findings* findings);
 
