@@ -1,6 +1,7 @@
 // kwapayload: packs payload archives and looks into built installers, on the build machine.
 #include <CLI/CLI.hpp>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -15,11 +16,12 @@ namespace {
 constexpr int kExitFailure = 1;
 constexpr int kExitMisuse = 2;
 
-int Run(int argc, char** argv) {
+int Run(int argc, char** argv, int* failure) {
   CLI::App app("Packs payload archives and looks into built installers.", "kwapayload");
   app.require_subcommand(1);
   app.footer(
-      "Exit status: 0 in order, 1 findings or failure, 2 misuse.\n'kwapayload COMMAND --help' shows an example.");
+      "Exit status: 0 in order, 1 findings or failure, 2 misuse; compare has its own.\n'kwapayload COMMAND --help' "
+      "shows an example.");
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
     return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' tells the usage\n";
   });
@@ -37,6 +39,8 @@ int Run(int argc, char** argv) {
       option->check(notEmpty);
     }
   }
+  // What 1 says there is that the files differ.
+  app.get_subcommand("compare")->preparse_callback([failure](std::size_t) { *failure = kExitMisuse; });
   try {
     app.parse(argc, argv);
   } catch (const CLI::RuntimeError& error) {
@@ -53,19 +57,22 @@ int main(int argc, char** argv) {
   // A file larger than the user's limit is then a failed write, reported and cleaned up like any other.
   std::signal(SIGXFSZ, SIG_IGN);
   kwa::RemoveTemporaryFilesOnSignals();
-  int status = kExitFailure;
+  int failure = kExitFailure;
+  int status = 0;
   try {
-    status = Run(argc, argv);
-  } catch (const kwa::ToolFailure& failure) {
-    for (const kwa::Fault& fault : failure.Faults()) {
+    status = Run(argc, argv, &failure);
+  } catch (const kwa::ToolFailure& faulty) {
+    for (const kwa::Fault& fault : faulty.Faults()) {
       std::cerr << "kwapayload: " << fault.file << ": " << fault.what << '\n';
     }
+    status = failure;
   } catch (const std::exception& error) {
     std::cerr << "kwapayload: " << error.what() << '\n';
+    status = failure;
   }
   if (!std::cout.flush()) {
     std::cerr << "kwapayload: standard output: cannot be written\n";
-    status = kExitFailure;
+    status = failure;
   }
   return status;
 }

@@ -128,9 +128,9 @@ void AddCompareCommand(CLI::App& app) {
   compare->add_option("NEW", options->after, "The same")->required();
   compare->add_flag("--json", options->isJson, "Writes JSON");
   compare->footer(
-      "Prints nothing but differences: files, package, dpinst.xml (as on Windows Vista or later) and the program "
-      "around "
-      "the payload, signature apart.\n"
+      "Prints nothing but differences: of files, package, dpinst.xml (as on Windows Vista and later), and of the "
+      "program\n"
+      "around the payload, signature apart.\n"
       "Exit status: 0 alike, 1 different, 2 misuse, or a file that cannot be read.\n"
       "\n"
       "Example:\n"
