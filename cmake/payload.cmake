@@ -68,7 +68,7 @@ if(KWA_PAYLOAD STREQUAL "sample" AND NOT KWA_PAYLOAD_DIR)
     VERBATIM)
 elseif(differences)
   # Better here than as a failing build: the person who configures is the one who has other files.
-  message(FATAL_ERROR "The payload does not fit ${kwaContents}:${differences}\nIf the files are right, this makes a new list:"
+  message(FATAL_ERROR "The payload does not fit the list of contents:${differences}\nIf the files are right, this makes a new list:"
     "\n  kwapayload contents ${payloadDir} --output ${payloadDir}/contents.json")
 endif()
 

@@ -2,5 +2,6 @@
 execute_process(COMMAND ${KWAPAYLOAD} verify --allow-warnings --contents ${CONTENTS} ${INSTALLER} RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
   file(REMOVE ${INSTALLER})
-  message(FATAL_ERROR "The installer is not in order and was removed: ${INSTALLER}")
+  message(FATAL_ERROR "The installer is not in order and was removed: ${INSTALLER}\n"
+    "Where files are right that differ from the list of contents, 'kwapayload contents' makes a new one.")
 endif()

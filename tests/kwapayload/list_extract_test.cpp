@@ -60,10 +60,10 @@ TEST_F(ListExtract, ListForPeople) {
   const std::string output = List(BuildImage(Installer({"constants" + std::string(3, '\0') + kArchives})));
   // The digests of nothing and of "abc" are the standard's examples.
   ExpectPart(output,
-             "A             600  empty          0  empty                              "
+             "A             600  empty          0           empty                              "
              "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855\n");
   ExpectPart(output,
-             "B             536  abc.txt        3  7-bit ASCII text, no line ends     "
+             "B             536  abc.txt        3           7-bit ASCII text, no line ends     "
              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\n");
   const std::string devices = " (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), Vireoe ";
   const std::string more = " (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)\n";
@@ -93,6 +93,9 @@ TEST_F(ListExtract, ListForProgramsInTheOrderOfTheFile) {
                                    {"position", 540},
                                    {"size", kBodiesB[1].bytes.size()},
                                    {"kind", "unknown data"},
+                                   {"version", nullptr},
+                                   {"description", nullptr},
+                                   {"company", nullptr},
                                    {"fileOffset", last["fileOffset"]},
                                    {"sha256", last["sha256"]}};
   EXPECT_EQ(expected, last);

@@ -1,0 +1,217 @@
+// What a new driver version asks for: its list of contents, versions that fit each other, what has changed, and a bill
+// of materials.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "built_archive.h"
+#include "built_image.h"
+#include "inf/driver_version.h"
+#include "installer/comparison.h"
+#include "installer_image.h"
+#include "temporary_folder.h"
+#include "tool_run.h"
+#include "verify/verification.h"
+
+namespace {
+
+kwa::InstallerFile Read(const std::string& bytes) {
+  return kwa::ReadSoundInstallerFile(kwa::ByteSpan{std::string_view(bytes)}, "file");
+}
+
+void ReplaceVersion(InstallerImage* image, const std::string& version) {
+  const std::string old = "02/13/2014,1.0.42.0";
+  ASSERT_EQ(old.size(), version.size());
+  image->SetText(image->Bytes().find(old, image->Find("marlin_usb.inf").bodyPosition), version);
+}
+
+TEST(Contents, OfTheSampleAreTheCommittedList) {
+  const TemporaryFolder folder;
+  const std::string committed = ReadWholeFile(KWA_CONTENTS);
+  EXPECT_EQ(RunTool({"contents", KWA_PAYLOAD_DIR}).output, committed);
+  EXPECT_EQ(RunTool({"contents", KWA_PAYLOAD_DIR, "--output", folder / "list"}).status, 0);
+  EXPECT_EQ(ReadWholeFile(folder / "list"), committed);
+}
+
+TEST(Contents, NamesAllThatIsWrongWithBothFolders) {
+  const TemporaryFolder folder;
+  WriteWholeFile(folder / "a/one", "");
+  WriteWholeFile(folder / "b/ONE", "");
+  WriteWholeFile(folder / "b/two", "");
+  const std::vector<std::string> arguments = {"contents", folder.Path(), "--output", folder / "list"};
+  ExpectFailure(RunTool(arguments), folder.Path(), {"b/ONE: is to Windows the same name as " + (folder / "a/one")});
+  WriteWholeFile(folder / "a/nul", "");
+  WriteWholeFile(folder / "b/sub/file", "");
+  ExpectFailure(RunTool(arguments), folder.Path(),
+                {"a/nul: the name is a device's on Windows", "b/sub: is a folder; an archive holds only files"});
+  EXPECT_EQ(NamesIn(folder.Path()), (std::vector<std::string>{"a", "b"}));
+}
+
+TEST(DriverVersion, IsOfADateThatExistsAndOneToFourNumbers) {
+  const struct {
+    const char* driverVer;
+    const char* version;
+  } cases[] = {
+      {"02/13/2014,1.0.42.0", "1.0.42.0"},
+      {"02/29/2012,1", "1.0.0.0"},
+      {"12-31-1999 , 65535.007 ; built", "65535.7.0.0"},
+      {"02/29/2014,1", ""},
+      {"02/29/1900,1", ""},
+      {"13/01/2014,1", ""},
+      {"00/01/2014,1", ""},
+      {"04/31/2014,1", ""},
+      {"04/00/2014,1", ""},
+      {"2/13/2014,1", ""},
+      {"02/13/14,1", ""},
+      {"02/13/2014", ""},
+      {"02/13/2014,", ""},
+      {"02/13/2014,1.", ""},
+      {"02/13/2014,65536", ""},
+      {"02/13/2014,1.2.3.4.5", ""},
+      {"02/13/2014,1.0.42.0 beta", ""},
+      {"2014/02/13,1", ""},
+  };
+  for (const auto& test : cases) {
+    EXPECT_EQ(kwa::DriverVersion(test.driverVer), test.version) << test.driverVer;
+  }
+}
+
+TEST(Verify, HoldsDriversToTheVersionOfTheirPackage) {
+  const struct {
+    const char* driverVer;
+    std::vector<std::string> findings;
+  } cases[] = {
+      {"02/13/2014,1.0.42  ", {}},
+      {"02/13/2014,1.0.42.1", {"?archive A, marlin_usb.sys", "?archive A, marlin_usb_64.sys"}},
+      {"02/30/2014,1.0.42.1", {"package, marlin_usb.inf"}},
+  };
+  for (const auto& test : cases) {
+    InstallerImage image;
+    ReplaceVersion(&image, test.driverVer);
+    std::vector<std::string> findings;
+    for (const kwa::Finding& finding : kwa::VerifyInstaller(Read(image.Bytes()), {})) {
+      if (finding.code == "driver-version" || finding.code == "driver-ver") {
+        findings.push_back((finding.severity == kwa::Severity::Error ? "" : "?") + finding.where);
+      }
+    }
+    EXPECT_EQ(findings, test.findings) << test.driverVer;
+  }
+}
+
+TEST(Compare, PrintsDifferencesAndNothingElse) {
+  const TemporaryFolder folder;
+  WriteWholeFile(folder / "old", BuildArchive({{"changed", "a"}, {"gone", "1"}, {"longer", "1"}, {"same", ""}}));
+  WriteWholeFile(folder / "new", BuildArchive({{"changed", "b"}, {"LONGER", "12"}, {"more", "\r\n"}, {"same", ""}}));
+  InstallerImage image;
+  ReplaceVersion(&image, "03/01/2014,1.0.43.0");
+  image.WriteTo(folder / "next.exe");
+  const struct {
+    std::vector<std::string> files;
+    int status;
+    std::string output;
+  } cases[] = {
+      {{folder / "old", folder / "old"}, 0, ""},
+      {{folder / "old", folder / "new"},
+       1,
+       "removed: gone: archive -, 1 bytes, 7-bit ASCII text, no line ends\n"
+       "added: more: archive -, 2 bytes, 7-bit ASCII text, CR LF line ends\n"
+       "changed: changed: content alone\n"
+       "changed: LONGER: name longer -> LONGER; size 1 -> 2\n"},
+      {{KWA_INSTALLER, folder / "next.exe"},
+       1,
+       "changed: marlin_usb.inf: content alone\n"
+       "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0\n"
+       "dpinst.xml, 25 times:\n  -02/13/2014,1.0.42.0\n  +03/01/2014,1.0.43.0\n"},
+      {{folder / "old", folder / "none"}, 2, ""},
+      {{folder / "old"}, 2, ""},
+  };
+  for (const auto& test : cases) {
+    std::vector<std::string> arguments = {"compare"};
+    arguments.insert(arguments.end(), test.files.begin(), test.files.end());
+    const ToolRun run = RunTool(arguments);
+    EXPECT_EQ(run.status, test.status) << run.errors;
+    EXPECT_EQ(run.output, test.output);
+  }
+  const auto document = nlohmann::json::parse(RunTool({"compare", "--json", folder / "old", folder / "new"}).output);
+  EXPECT_EQ(document["alike"], false);
+  EXPECT_EQ(document["changed"][1]["changes"][1], (nlohmann::json{{"what", "size"}, {"before", "1"}, {"after", "2"}}));
+}
+
+// A program that points, from its code, at a constant behind the archives and at data in a section behind them.
+struct SmallProgram {
+  std::size_t payloadSize = 8;
+  std::string code = "\xC3";
+  std::string constant = "constant";
+  std::uint32_t pointer = 0;  // into the constant
+  bool isSwapped = false;     // the two pointers
+
+  std::string Build() const {
+    BuiltImage image;
+    const std::string archives = BuildArchive({{"a", std::string(payloadSize, 'a')}}) + BuildArchive({{"b", "b"}});
+    const auto shift = static_cast<std::uint32_t>(payloadSize / 0x1000 * 0x1000);
+    const auto archivesSize = static_cast<std::uint32_t>(archives.size());
+    std::string words[] = {WordBytes(0x400000 + SectionAddress(1) + archivesSize + pointer),
+                           WordBytes(0x400000 + SectionAddress(2) + shift + 2)};
+    image.sections = {
+        {".text", kCode, words[isSwapped ? 1 : 0] + words[isSwapped ? 0 : 1] + code},
+        {".rdata", kReadOnlyData, archives + constant},
+        {".data", kWritableData, "data"},
+        {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(12) + std::string("\0\x30\4\x30", 4)}};
+    image.directories.resize(16);
+    image.directories[5] = {SectionAddress(3) + shift, 12};
+    std::string bytes = BuildImage(image);
+    for (const char* const moved : {".data", ".reloc"}) {
+      const std::size_t address = bytes.find(moved) + 12;
+      PutWord(bytes, address, SectionAddress(moved[1] == 'd' ? 2 : 3) + shift);
+    }
+    return bytes;
+  }
+};
+
+TEST(Compare, KnowsAProgramAroundAnotherPayload) {
+  const struct {
+    SmallProgram program;
+    std::vector<std::string> parts;
+  } cases[] = {
+      {{}, {}},
+      {{5001}, {}},
+      {{5001, "\x90"}, {".text"}},
+      {{8, "\xC3", "Constant"}, {".rdata"}},
+      {{8, "\xC3", "constant", 1}, {".rdata"}},
+      {{8, "\xC3", "constant", 0, true}, {".text"}},
+  };
+  const std::string before = SmallProgram().Build();
+  for (const auto& test : cases) {
+    const std::string after = test.program.Build();
+    EXPECT_EQ(kwa::CompareInstallers(Read(before), Read(after)).program, test.parts);
+  }
+}
+
+TEST(BillOfMaterials, NamesTheInstallerAndWhatItCarries) {
+  const ToolRun run = RunTool({"list", "--cyclonedx", KWA_INSTALLER});
+  EXPECT_EQ(run.output, RunTool({"list", "--cyclonedx", KWA_INSTALLER}).output);
+  const auto bill = nlohmann::json::parse(run.output);
+  EXPECT_EQ(bill["metadata"]["component"]["version"], "1.0.0.0");
+  const std::string serial = bill["serialNumber"];
+  EXPECT_TRUE(std::regex_match(
+      serial, std::regex("urn:uuid:[0-9a-f]{8}-[0-9a-f]{4}-8[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}")))
+      << serial;
+  const auto listed = nlohmann::json::parse(RunTool({"list", "--json", KWA_INSTALLER}).output);
+  ASSERT_EQ(bill["components"].size(), listed["files"].size());
+  std::string types;
+  for (std::size_t i = 0; i < listed["files"].size(); ++i) {
+    const auto& component = bill["components"][i];
+    EXPECT_EQ(component["hashes"][0]["content"], listed["files"][i]["sha256"]);
+    types += component["type"].get<std::string>() + ' ';
+    if (component["name"] == "dpinst64.exe") {
+      EXPECT_EQ(component["supplier"]["name"], "Microsoft Corporation");
+    }
+  }
+  EXPECT_EQ(
+      types,
+      "application file file device-driver device-driver library library file application application application "
+      "file file file ");
+}
+
+}  // namespace
