@@ -79,9 +79,8 @@ Listing MakeListing(const InstallerFile& installer) {
     for (const ArchiveItem& item : located.archive.items) {
       VersionRecord record = FileVersionRecord(item.body);
       listing.files.push_back({located.letter, ++order, item.position, located.fileOffset + item.position,
-                               EscapedText(item.name), item.size, FileKind(item.body),
-                               HexText(DigestOf(item.body, "SHA256")), record.fileVersion,
-                               record.texts["FileDescription"], record.texts["CompanyName"]});
+                               EscapedText(item.name), item.size, FileKind(item.body), Sha256Hex(item.body),
+                               record.fileVersion, record.texts["FileDescription"], record.texts["CompanyName"]});
     }
   }
   if (const ArchiveItem* const inf = FindInf(installer)) {

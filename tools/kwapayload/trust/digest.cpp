@@ -37,10 +37,10 @@ std::string DigestOf(ByteSpan bytes, const std::string& algorithm) {
   return digest.Bytes();
 }
 
-std::string HexText(const std::string& bytes) {
+std::string Sha256Hex(ByteSpan bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string text;
-  for (const char byte : bytes) {
+  for (const char byte : DigestOf(bytes, "SHA256")) {
     text += kDigits[static_cast<unsigned char>(byte) / 16];
     text += kDigits[static_cast<unsigned char>(byte) % 16];
   }

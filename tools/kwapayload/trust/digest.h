@@ -26,7 +26,7 @@ class Digest {
 // The digest of bytes that are all there.
 std::string DigestOf(ByteSpan bytes, const std::string& algorithm);
 
-// Two lower-case hexadecimal digits a byte.
-std::string HexText(const std::string& bytes);
+// The SHA-256 digest in lower-case hexadecimal digits.
+std::string Sha256Hex(ByteSpan bytes);
 
 }  // namespace kwa
