@@ -4,14 +4,8 @@
 
 namespace {
 
-constexpr std::size_t kFileAlignment = 512;
-
 std::string HalfBytes(std::uint16_t half) {
   return WordBytes(half).substr(0, 2);
-}
-
-void AlignFile(std::string& file) {
-  file.resize((file.size() + kFileAlignment - 1) / kFileAlignment * kFileAlignment);
 }
 
 std::string OptionalHeader(const BuiltImage& image) {
@@ -41,15 +35,14 @@ std::string BuildImage(const BuiltImage& image) {
   file.resize(table + image.sections.size() * 40);
   for (std::size_t i = 0; i < image.sections.size(); ++i) {
     const BuiltSection& section = image.sections[i];
-    AlignFile(file);
-    const std::size_t header = table + i * 40;
-    const std::string name = section.name;
-    file.replace(header, name.size(), name);
-    PutWord(file, header + 8, static_cast<std::uint32_t>(section.bytes.size()));
-    PutWord(file, header + 12, SectionAddress(static_cast<std::uint32_t>(i)));
-    PutWord(file, header + 16, static_cast<std::uint32_t>(section.bytes.size()));
-    PutWord(file, header + 20, static_cast<std::uint32_t>(file.size()));
-    PutWord(file, header + 36, section.characteristics);
+    file.resize((file.size() + 511) / 512 * 512);
+    const auto size = static_cast<std::uint32_t>(section.bytes.size());
+    std::string header = section.name;
+    header.resize(8);
+    header += WordBytes(size) + WordBytes(SectionAddress(static_cast<std::uint32_t>(i))) + WordBytes(size) +
+              WordBytes(static_cast<std::uint32_t>(file.size())) + std::string(12, '\0') +
+              WordBytes(section.characteristics);
+    file.replace(table + i * 40, 40, header);
     file += section.bytes;
   }
   return file;

@@ -21,9 +21,10 @@ struct BuiltImage {
   std::uint16_t machine = 0x014C;
   std::uint16_t characteristics = 0x0102;
   std::uint16_t subsystem = 2;
-  std::vector<BuiltSection> sections;
+  std::vector<BuiltSection> sections = {};
   // Pairs of address and size, by index of the directory.
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> directories = {};
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> directories =
+      std::vector<std::pair<std::uint32_t, std::uint32_t>>(16);
 };
 
 // Section i lies at the address SectionAddress(i), and in the file behind the headers and the sections before it, at a

@@ -7,7 +7,6 @@
 // calls, and the host tool's. What is expected was seen of the platform (Wine 8) under the ANSI code page 1252.
 
 struct InfCase {
-  std::string name;
   std::string bytes;        // the whole file
   std::string version;      // DriverVer of [Version]
   std::string displayName;  // DriverPackageDisplayName of [Version]

@@ -10,7 +10,7 @@ namespace {
 
 TEST(ReadHostPackageIdentity, ReadsWhatThePlatformReads) {
   for (const InfCase& expected : InfCases()) {
-    SCOPED_TRACE(expected.name);
+    SCOPED_TRACE(testing::PrintToString(expected.bytes.substr(0, 300)));
     // A copy on the heap, so that the sanitizer sees every step beyond the file.
     const std::vector<char> bytes(expected.bytes.begin(), expected.bytes.end());
     const kwa::InfText inf(kwa::ByteSpan(std::string_view(bytes.data(), bytes.size())));

@@ -20,12 +20,10 @@ const std::string kArchives = BuildArchive(kBodiesA) + BuildArchive(kBodiesB);
 // An installer with these sections of read-only data, and with other data that looks like more.
 BuiltImage Installer(const std::vector<std::string>& readOnlyData) {
   BuiltImage image;
-  image.sections = {{".text", kCode, std::string(20, '\xC3')},
-                    {".data", kWritableData, BuildArchive({{"writable", "1"}})}};
+  image.sections = {{".data", kWritableData, BuildArchive({{"writable", "1"}})}};
   for (const std::string& data : readOnlyData) {
     image.sections.push_back({".rdata", kReadOnlyData, data});
   }
-  image.directories.resize(16);
   return image;
 }
 
@@ -78,27 +76,19 @@ TEST_F(ListExtract, ListForPeople) {
 TEST_F(ListExtract, ListForProgramsInTheOrderOfTheFile) {
   std::string installer = BuildImage(Installer({BuildArchive(kBodiesA), BuildArchive(kBodiesB)}));
   const std::size_t table = installer.find(".rdata");
-  std::swap_ranges(installer.begin() + static_cast<std::ptrdiff_t>(table),
-                   installer.begin() + static_cast<std::ptrdiff_t>(table + 40),
-                   installer.begin() + static_cast<std::ptrdiff_t>(table + 40));
+  installer.replace(table, 80, installer.substr(table + 40, 40) + installer.substr(table, 40));
   const ToolRun run = RunTool({"list", "--json", MakeFile(installer)});
   EXPECT_EQ(0, run.status) << run.errors;
   const auto document = nlohmann::json::parse(run.output);
   ASSERT_EQ(4U, document["files"].size());
   const auto& last = document["files"][3];
   EXPECT_EQ(kBodiesB[1].bytes, installer.substr(last["fileOffset"], last["size"]));
-  const nlohmann::json expected = {{"archive", "B"},
-                                   {"order", 2},
-                                   {"name", "kwap.bin"},
-                                   {"position", 540},
-                                   {"size", kBodiesB[1].bytes.size()},
-                                   {"kind", "unknown data"},
-                                   {"version", nullptr},
-                                   {"description", nullptr},
-                                   {"company", nullptr},
-                                   {"fileOffset", last["fileOffset"]},
-                                   {"sha256", last["sha256"]}};
-  EXPECT_EQ(expected, last);
+  const nlohmann::json expected = {{"archive", "B"},    {"order", 2},  {"name", "kwap.bin"},
+                                   {"position", 540},   {"size", 280}, {"kind", "unknown data"},
+                                   {"version", nullptr}};
+  for (const auto& [key, value] : expected.items()) {
+    EXPECT_EQ(value, last[key]) << key;
+  }
   EXPECT_EQ("Vireo", document["package"]["family"]);
   EXPECT_EQ("Vireoe Serie (Y2", document["package"]["germanDevices"][7]);
   EXPECT_EQ(false, document["signed"]);
@@ -133,7 +123,7 @@ TEST_F(ListExtract, FilesThatAreNoInstallers) {
       {archive.substr(0, archive.size() - 1), {"file: no zero word follows the last body"}},
       {BuildImage(Installer({"data", damaged + BuildArchive(kBodiesB)})),
        {"file: holds one payload archive in its read-only data instead of two",
-        where + "2560, empty: has 2147483648 bytes; the installer reads bodies below 2147483648"}},
+        where + "1536, empty: has 2147483648 bytes; the installer reads bodies below 2147483648"}},
       {whole.substr(0, whole.size() - 10),
        {"file: section .rdata: the file ends 10 bytes before it does",
         where + std::to_string(whole.rfind("KWAP\x02")) +
@@ -146,12 +136,6 @@ TEST_F(ListExtract, FilesThatAreNoInstallers) {
   }
   ExpectFailure(RunTool({"list", folder / "none"}), folder.Path(), {"none: cannot be read: No such file or directory"});
   ExpectFailure(RunTool({"list", folder / "."}), folder.Path(), {".: is not a file"});
-}
-
-TEST_F(ListExtract, OutputThatCannotBeWritten) {
-  const ToolRun run = RunTool({"list", MakeFile(BuildArchive(kBodiesA))}, "sh -c '\"$@\" >/dev/full' sh ");
-  EXPECT_EQ(1, run.status);
-  EXPECT_EQ("kwapayload: standard output: cannot be written\n", run.errors);
 }
 
 TEST_F(ListExtract, ExtractsAllOrTheNamedFiles) {
@@ -187,10 +171,13 @@ TEST_F(ListExtract, OverwritesOnlyWithForceAndFollowsNoLink) {
 }
 
 TEST_F(ListExtract, FullDiskLeavesNoPartialFile) {
-  const std::string file = MakeFile(BuildArchive({{"a", "1"}, {"b", std::string(300000, 'x')}}));
+  const std::string file = MakeFile(BuildArchive({{"a", "small"}, {"b", std::string(300000, 'x')}}));
   ExpectFailure(RunTool({"extract", file, folder / "out"}, "ulimit -f 64; "), folder.Path(),
                 {"out/b: cannot be written: File too large"});
   EXPECT_EQ(std::vector<std::string>{"a"}, NamesIn(folder / "out"));
+  const ToolRun run = RunTool({"list", file}, "sh -c '\"$@\" >/dev/full' sh ");
+  EXPECT_EQ(1, run.status);
+  EXPECT_EQ("kwapayload: standard output: cannot be written\n", run.errors);
 }
 
 TEST_F(ListExtract, NamesThatLeadOutsideAreRefused) {

@@ -76,7 +76,6 @@ std::string Imports(const std::string& section, bool isPlus, std::uint32_t addre
   BuiltImage built;
   built.isPlus = isPlus;
   built.sections = {{".idata", kWritableData, section}};
-  built.directories.resize(16);
   built.directories[kwa::kPeImportDirectory] = {address, 40};
   built.directories[kwa::kPeDelayImportDirectory] = {SectionAddress(0) + 240, 96};
   const std::string file = BuildImage(built);
