@@ -34,7 +34,6 @@ void ReadOptionalHeader(ByteSpan optional, PeImage* image) {
   image->isPlus = optional.U16(0) == kOptionalMagic64;
   image->imageBase = image->isPlus ? optional.U64(24) : optional.U32(28);
   image->majorOperatingSystemVersion = optional.U16(40);
-  image->minorOperatingSystemVersion = optional.U16(42);
   image->majorSubsystemVersion = optional.U16(48);
   image->minorSubsystemVersion = optional.U16(50);
   image->subsystem = optional.U16(68);

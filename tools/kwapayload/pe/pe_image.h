@@ -61,7 +61,6 @@ struct PeImage {
   std::uint16_t majorSubsystemVersion;
   std::uint16_t minorSubsystemVersion;
   std::uint16_t majorOperatingSystemVersion;
-  std::uint16_t minorOperatingSystemVersion;
   std::uint64_t imageBase;
   std::vector<PeSection> sections;
   std::vector<PeDirectory> directories;  // 16 at most

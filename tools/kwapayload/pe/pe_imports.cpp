@@ -24,7 +24,7 @@ class ImportReader {
       }
       // A linker may leave out the table of names; the table of addresses then holds them until the program is loaded.
       const std::uint32_t nameTable = descriptor.U32(0);
-      AddLibrary(name, nameTable != 0 ? nameTable : addressTable, false, 0);
+      AddLibrary(name, nameTable != 0 ? nameTable : addressTable, 0);
       return true;
     });
   }
@@ -38,7 +38,7 @@ class ImportReader {
       if (name == 0) {
         return false;
       }
-      AddLibrary(name - base, descriptor.U32(16) - base, true, base);
+      AddLibrary(name - base, descriptor.U32(16) - base, base);
       return true;
     });
   }
@@ -73,8 +73,8 @@ class ImportReader {
     return std::string(name.substr(0, kMaxNameLength));
   }
 
-  void AddLibrary(std::uint32_t name, std::uint32_t nameTable, bool isDelayed, std::uint32_t base) {
-    ImportedLibrary library = {NameAt(name, 0), isDelayed, {}};
+  void AddLibrary(std::uint32_t name, std::uint32_t nameTable, std::uint32_t base) {
+    ImportedLibrary library = {NameAt(name, 0), {}};
     const ByteSpan thunks = image.At(nameTable);
     const std::uint32_t width = image.isPlus ? 8 : 4;
     for (std::uint64_t at = 0;; at += width) {

@@ -9,7 +9,6 @@ namespace kwa {
 
 struct ImportedLibrary {
   std::string name;  // as it stands in the file
-  bool isDelayed;
   std::vector<std::string> functions;  // names, or "#12" for an ordinal
 };
 
