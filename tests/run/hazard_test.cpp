@@ -48,7 +48,7 @@ TEST_F(Hazard, NamesAreNotEscapedInXml) {
   std::string expected = ExpectedDocumentHere();
   ReplaceAll(expected, "Marlin USB", "USB <&>\"'%");
   EXPECT_EQ(result.document, expected);
-  EXPECT_EQ(result.error.rfind("dpinst.xml, line 9: ", 0), 0U) << result.error;
+  EXPECT_EQ(result.error.rfind("dpinst.xml, line ", 0), 0U) << result.error;
   EXPECT_EQ(result.exitStatus, 0U);
 }
 
