@@ -3,7 +3,12 @@
 // What an installer that starts on Windows 2000 (service pack 4) and XP may import: functions that both have, of the
 // libraries that come with every Windows and are never looked for beside the program. The installer's code needs some,
 // the compiler's start-up code the others; neither uses all. Before a name is added here, make sure that Windows 2000
-// exports it: today's Windows and Wine do not tell.
+// exports it: today's Windows and Wine do not tell. Microsoft's pages do not say it any more, either, but:
+//   kernel32  a page that asks for _WIN32_WINNT 0x0400 or 0x0500 means Windows NT 4.0 or 2000: TryEnterCriticalSection,
+//             0x0400. GetThreadId asks for 0x0502, Windows Server 2003
+//   msvcrt    MinGW-w64 sorts its list (mingw-w64-crt/lib-common/msvcrt.def.in) by the version that brought a name; all
+//             below are in its oldest part, Visual C++ 4.2. For _ismbblead and strtoul, the reference of Visual C++ 6.0
+//             says the same: Windows NT, from MSVCRT.DLL
 
 namespace kwa {
 
@@ -74,6 +79,7 @@ constexpr OldWindowsImport kOldWindowsImports[] = {
     {"kernel32.dll", "TlsFree"},
     {"kernel32.dll", "TlsGetValue"},
     {"kernel32.dll", "TlsSetValue"},
+    {"kernel32.dll", "TryEnterCriticalSection"},
     {"kernel32.dll", "UnhandledExceptionFilter"},
     {"kernel32.dll", "VirtualProtect"},
     {"kernel32.dll", "VirtualQuery"},
@@ -98,6 +104,7 @@ constexpr OldWindowsImport kOldWindowsImports[] = {
     {"msvcrt.dll", "_fmode"},
     {"msvcrt.dll", "_initterm"},
     {"msvcrt.dll", "_iob"},
+    {"msvcrt.dll", "_ismbblead"},
     {"msvcrt.dll", "_lock"},
     {"msvcrt.dll", "_onexit"},
     {"msvcrt.dll", "_read"},
@@ -131,10 +138,12 @@ constexpr OldWindowsImport kOldWindowsImports[] = {
     {"msvcrt.dll", "strchr"},
     {"msvcrt.dll", "strcmp"},
     {"msvcrt.dll", "strcpy"},
+    {"msvcrt.dll", "strerror"},
     {"msvcrt.dll", "strlen"},
     {"msvcrt.dll", "strncmp"},
     {"msvcrt.dll", "strncpy"},
     {"msvcrt.dll", "strstr"},
+    {"msvcrt.dll", "strtoul"},
     {"msvcrt.dll", "vfprintf"},
     {"shell32.dll", "SHFileOperationA"},
 };
