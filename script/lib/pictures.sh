@@ -6,7 +6,7 @@
 #   screen_run NUMBER COMMAND WORDS…          runs a Windows program on a screen, in Wine's current prefix
 #   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture of a screen, other than OTHER if that is
 #                                             given; both in the PPM format
-#   crop_picture FILE PICTURE                 makes the picture of the window alone
+#   crop_picture FILE PICTURE                 makes the picture of the window alone, or fails
 #
 # 96 pixels per inch, as a Windows screen has.
 
@@ -17,7 +17,8 @@ screens_size=800x600
 screens_start() {
   local screens=() i output
   for ((i = 0; i < $1; i++)); do screens+=(-screen "$i" "${screens_size}x24"); done
-  exec {output}< <(exec Xvfb -displayfd 1 -dpi 96 -nolisten tcp "${screens[@]}" 2>/dev/null)
+  # -noreset: without it, the server starts anew, and refuses whoever comes then, each time its last client has left.
+  exec {output}< <(exec Xvfb -displayfd 1 -dpi 96 -noreset -nolisten tcp "${screens[@]}" 2>/dev/null)
   screens_pid=$!
   if ! read -r screens_display <&"$output"; then
     printf 'pictures: Xvfb does not start\n' >&2
@@ -38,12 +39,13 @@ screen_run() {
 # shows_window FILE: and not a bare desktop. An empty window has few colours, too.
 shows_window() { [ "$(identify -format %k "$1")" -gt 16 ]; }
 
-# The picture is finished when two in a row are the same. Fails when the program with that PID has ended before.
+# The picture is finished when two in a row are the same. Fails when the program with that PID has ended before, and when
+# there is no picture to be had: import says so, but not always by its exit status.
 screen_picture() {
   local number=$1 pid=$2 file=$3 other=${4-} last=$3.last outcome=1
   rm -f "$file" "$last"
   while kill -0 "$pid" 2>/dev/null; do
-    DISPLAY=:$screens_display.$number import -silent -window root "ppm:$file"
+    if ! DISPLAY=:$screens_display.$number import -silent -window root "ppm:$file" || [ ! -s "$file" ]; then break; fi
     if [ -e "$last" ] && cmp -s "$file" "$last" && shows_window "$file" &&
       { [ -z "$other" ] || ! cmp -s "$file" "$other"; }; then
       outcome=0
@@ -55,4 +57,4 @@ screen_picture() {
   return "$outcome"
 }
 
-crop_picture() { convert "$1" -trim +repage -strip -define png:compression-level=9 "$2"; }
+crop_picture() { convert "$1" -trim +repage -strip -define png:compression-level=9 "$2" && [ -s "$2" ]; }
