@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "built_archive.h"
 #include "built_image.h"
 #include "built_signature.h"
@@ -257,7 +259,7 @@ TEST(Trust, NestedSignaturesAndTimestamps) {
   EXPECT_EQ("Tester: \nnested: Tester: \n", shown(nested(BuildSignedData(PartsFor(program)))));
   EXPECT_EQ("Tester: \nnested: Tester: does not fit the file, which was changed\n",
             shown(nested(BuildSignedData(PartsFor(Program(80))))));
-  EXPECT_EQ("Tester: \nnested: : is no signed data\n", shown(nested("x")));
+  EXPECT_EQ("Tester: \nnested: : is no signed data\n", shown(nested(Der(kDerSequence, ""))));
   for (const bool isBare : {false, true}) {
     EXPECT_EQ("Tester:  [old 2014-02-13 12:00:00 UTC: ]\n",
               shown([&](const std::string& signature) { return CounterSignature(signature, isBare); }));
@@ -268,7 +270,7 @@ TEST(Trust, NestedSignaturesAndTimestamps) {
   EXPECT_EQ("Tester:  [RFC 3161 2014-02-13 12:00:00 UTC: is one of another signature]\n",
             shown([](const std::string&) { return TimestampToken("another"); }));
   EXPECT_EQ("Tester:  [RFC 3161 : is unreadable]\n",
-            shown([](const std::string&) { return DerAttribute("1.3.6.1.4.1.311.3.3.1", "x"); }));
+            shown([](const std::string&) { return DerAttribute("1.3.6.1.4.1.311.3.3.1", Der(kDerSequence, "")); }));
 
   SignedParts deep = PartsFor(program);
   for (int i = 0; i < 20; ++i) {
