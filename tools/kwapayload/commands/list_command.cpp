@@ -41,7 +41,11 @@ void AddListCommand(CLI::App& app) {
   list->add_flag("--cyclonedx", options->isCycloneDx, "Writes a bill of materials in CycloneDX 1.6 (JSON)")
       ->excludes(json);
   list->footer(
-      "POSITION counts bytes from the archive's start. Bytes of a name that are not plain text show as \\xHH.\n"
+      "CATALOG says whether the package's catalog covers a file that it must. A signature is BROKEN where it does not "
+      "fit\n"
+      "what it signs or its certificate; who may be trusted is not judged. Bytes of a name that are not plain text "
+      "show\n"
+      "as \\xHH. --json has more: places, digests, timestamps.\n"
       "\n"
       "Example:\n"
       "  kwapayload list kwa_installer.exe");

@@ -1,50 +1,29 @@
 #include "inf/inf_source_files.h"
 
+#include <map>
+
 #include "base/ascii_text.h"
+#include "inf/setup_section.h"
 
 namespace kwa {
-namespace {
 
-constexpr std::size_t kNameLimit = 260;
-
-std::string_view WithoutComment(std::string_view line) {
-  bool isQuoted = false;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    isQuoted = isQuoted != (line[i] == '"');
-    if (line[i] == ';' && !isQuoted) {
-      return line.substr(0, i);
-    }
+std::vector<InfSourceFile> ReadInfSourceFiles(const InfText& inf) {
+  constexpr std::string_view kSeparators = " \t\\";
+  std::map<std::string, std::string> diskFolders;
+  for (const SetupLine& disk : ReadSetupSection(inf, "SourceDisksNames")) {
+    constexpr std::size_t kPath = 3;
+    // A disk of several platforms has the folder of whichever has one.
+    std::string& folder = diskFolders[disk.key];
+    folder = folder.empty() ? Trimmed(disk.Value(kPath), kSeparators) : folder;
   }
-  return line;
-}
-
-bool IsSourceDisksFiles(std::string_view section) {
-  constexpr std::string_view kName = "SourceDisksFiles";
-  return IsSameText(section.substr(0, section.find('.')), kName);
-}
-
-}  // namespace
-
-std::vector<std::string> ReadInfSourceFiles(const InfText& inf) {
-  std::vector<std::string> names;
-  bool isInSection = false;
-  for (std::string_view text = inf.Text(); !text.empty();) {
-    const std::string_view line = Trimmed(WithoutComment(TakeLine(&text)));
-    if (!line.empty() && line.front() == '[') {
-      isInSection = IsSourceDisksFiles(Trimmed(line.substr(1, line.find(']') - 1)));
-      continue;
-    }
-    const std::size_t equals = line.find('=');
-    if (!isInSection || equals == std::string_view::npos) {
-      continue;
-    }
-    std::string_view name = Trimmed(line.substr(0, equals));
-    if (name.size() >= 2 && name.front() == '"' && name.back() == '"') {
-      name = name.substr(1, name.size() - 2);
-    }
-    names.emplace_back(name.substr(0, kNameLimit));
+  std::vector<InfSourceFile> files;
+  for (const SetupLine& line : ReadSetupSection(inf, "SourceDisksFiles")) {
+    const std::string& diskFolder = diskFolders[line.Value(0)];
+    const std::string ownFolder(Trimmed(line.Value(1), kSeparators));
+    const bool isBoth = !diskFolder.empty() && !ownFolder.empty();
+    files.push_back({line.key, line.platform, diskFolder + (isBoth ? "\\" : "") + ownFolder});
   }
-  return names;
+  return files;
 }
 
 }  // namespace kwa

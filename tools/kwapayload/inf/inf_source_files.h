@@ -7,9 +7,14 @@
 
 namespace kwa {
 
-// The files that an INF's [SourceDisksFiles] sections name, those for one kind of machine ([SourceDisksFiles.amd64])
-// included, in their order. Read by the rules of setup information files: sections of one name belong together, a ';'
-// outside quotes begins a comment, names may stand in double quotes. At most 260 characters each.
-std::vector<std::string> ReadInfSourceFiles(const InfText& inf);
+// A file that an INF's [SourceDisksFiles] sections name, those for one platform ([SourceDisksFiles.amd64]) included.
+struct InfSourceFile {
+  std::string name;
+  std::string platform;  // "amd64" and the like, "" for all
+  std::string folder;    // where Setup looks for it, beside the INF: "" for the INF's own folder
+};
+
+// In their order.
+std::vector<InfSourceFile> ReadInfSourceFiles(const InfText& inf);
 
 }  // namespace kwa

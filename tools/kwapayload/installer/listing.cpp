@@ -9,13 +9,14 @@
 #include "dpinst/device_families.h"
 #include "inf/package_identity.h"
 #include "installer/file_kind.h"
+#include "installer/package_trust.h"
 #include "pe/version_record.h"
 #include "trust/digest.h"
 
 namespace kwa {
 namespace {
 
-constexpr std::size_t kColumnCount = 7;
+constexpr std::size_t kColumnCount = 6;
 using Row = std::array<std::string, kColumnCount>;
 
 std::vector<std::string> DeviceNames(const char* const* rows, unsigned rowCount) {
@@ -47,8 +48,64 @@ std::string Joined(const std::vector<std::string>& names) {
   return text;
 }
 
+std::string SignatureText(const Signature& signature) {
+  std::string text = signature.signer.empty() ? "a signer without a name" : signature.signer;
+  if (signature.timestamp) {
+    const Timestamp& timestamp = *signature.timestamp;
+    text += ", " + (timestamp.time.empty() ? "at a time that is unreadable" : timestamp.time);
+    text += timestamp.fault.empty() ? "" : " (BROKEN: " + timestamp.fault + ")";
+  }
+  return text + (signature.isNested ? ", nested" : "") +
+         (signature.fault.empty() ? "" : ", BROKEN: " + signature.fault);
+}
+
+// The catalogs, then who signed what.
+void WriteTrust(const Listing& listing, std::ostream& stream) {
+  bool isAnySigned = false;
+  for (const ListedFile& file : listing.files) {
+    if (file.catalog) {
+      const ListedCatalog& catalog = *file.catalog;
+      stream << "Catalog:           " << file.name << ", ";
+      if (catalog.fault.empty()) {
+        stream << "generation " << catalog.generation << ", " << catalog.memberCount << " members"
+               << (file.signatures.empty() ? ", NOT SIGNED" : "") << '\n';
+      } else {
+        stream << "UNREADABLE: " << catalog.fault << '\n';
+      }
+    }
+    for (const Signature& signature : file.signatures) {
+      stream << "Signed:            " << file.name << ": " << SignatureText(signature) << '\n';
+      isAnySigned = true;
+    }
+  }
+  if (isAnySigned) {
+    stream << "                   (who may be trusted, revocation and dates are not judged: that is for Windows)\n";
+  }
+}
+
 nlohmann::ordered_json TextOrNull(const std::string& text) {
   return text.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(text);
+}
+
+nlohmann::ordered_json SignaturesJson(const std::vector<Signature>& signatures) {
+  nlohmann::ordered_json list;  // null for none
+  for (const Signature& signature : signatures) {
+    nlohmann::ordered_json timestamp;
+    if (signature.timestamp) {
+      timestamp = {{"kind", signature.timestamp->isRfc3161 ? "RFC 3161" : "counter-signature"},
+                   {"time", TextOrNull(signature.timestamp->time)},
+                   {"fault", TextOrNull(signature.timestamp->fault)}};
+    }
+    list.push_back({{"signer", TextOrNull(signature.signer)},
+                    {"nested", signature.isNested},
+                    {"timestamp", timestamp},
+                    {"fault", TextOrNull(signature.fault)}});
+  }
+  return list;
+}
+
+nlohmann::ordered_json CatalogJson(const ListedCatalog& catalog) {
+  return {{"generation", catalog.generation}, {"members", catalog.memberCount}, {"fault", TextOrNull(catalog.fault)}};
 }
 
 void WriteTable(const std::vector<Row>& rows, std::ostream& stream) {
@@ -61,7 +118,7 @@ void WriteTable(const std::vector<Row>& rows, std::ostream& stream) {
   for (const Row& row : rows) {
     for (std::size_t i = 0; i < kColumnCount; ++i) {
       const std::string padding(widest[i].size() - row[i].size(), ' ');
-      const bool isNumber = i == 1 || i == 3;
+      const bool isNumber = i == 2;
       const bool isLast = i + 1 == kColumnCount;
       stream << (isNumber ? padding : "") << row[i] << (isNumber || isLast ? "" : padding) << (isLast ? "\n" : "  ");
     }
@@ -74,13 +131,33 @@ Listing MakeListing(const InstallerFile& installer) {
   Listing listing = {};
   listing.isInstaller = installer.image.has_value();
   listing.isSigned = installer.image.has_value() && !installer.image->CertificateTable().Empty();
-  for (const LocatedArchive& located : installer.archives) {
-    std::size_t order = 0;
-    for (const ArchiveItem& item : located.archive.items) {
-      VersionRecord record = FileVersionRecord(item.body);
-      listing.files.push_back({located.letter, ++order, item.position, located.fileOffset + item.position,
-                               EscapedText(item.name), item.size, FileKind(item.body), Sha256Hex(item.body),
-                               record.fileVersion, record.texts["FileDescription"], record.texts["CompanyName"]});
+  const PackageTrust trust = ReadPackageTrust(installer);
+  const LocatedArchive* archive = nullptr;
+  std::size_t order = 0;
+  for (const FileTrust& file : trust.files) {
+    const ArchiveItem& item = *file.item;
+    order = file.archive == archive ? order + 1 : 1;
+    archive = file.archive;
+    VersionRecord record = FileVersionRecord(item.body);
+    listing.files.push_back({archive->letter,
+                             order,
+                             item.position,
+                             archive->fileOffset + item.position,
+                             EscapedText(item.name),
+                             item.size,
+                             FileKind(item.body),
+                             Sha256Hex(item.body),
+                             record.fileVersion,
+                             record.texts["FileDescription"],
+                             record.texts["CompanyName"],
+                             file.signatures,
+                             file.isCovered,
+                             {}});
+    for (const PackageCatalog& catalog : trust.catalogs) {
+      if (catalog.item == &item) {
+        listing.files.back().catalog = {catalog.fault, catalog.catalog.generation, catalog.catalog.memberCount};
+        listing.files.back().signatures = catalog.catalog.signatures;
+      }
     }
   }
   if (const ArchiveItem* const inf = FindInf(installer)) {
@@ -90,13 +167,14 @@ Listing MakeListing(const InstallerFile& installer) {
 }
 
 void WriteListing(const Listing& listing, std::ostream& stream) {
-  std::vector<Row> rows = {{"ARCHIVE", "POSITION", "NAME", "SIZE", "VERSION", "KIND", "SHA-256"}};
+  std::vector<Row> rows = {{"ARCHIVE", "NAME", "SIZE", "VERSION", "CATALOG", "KIND"}};
   for (const ListedFile& file : listing.files) {
-    rows.push_back({file.archive, std::to_string(file.position), file.name, std::to_string(file.size), file.version,
-                    file.kind, file.sha256});
+    const char* const isCovered = !file.isInCatalog ? "" : *file.isInCatalog ? "yes" : "NO";
+    rows.push_back({file.archive, file.name, std::to_string(file.size), file.version, isCovered, file.kind});
   }
   WriteTable(rows, stream);
   stream << '\n';
+  WriteTrust(listing, stream);
   if (listing.isInstaller) {
     stream << "Signature:         " << (listing.isSigned ? "there is one, not checked" : "none") << '\n';
   }
@@ -128,7 +206,10 @@ void WriteListingJson(const Listing& listing, std::ostream& stream) {
                      {"version", TextOrNull(file.version)},
                      {"description", TextOrNull(file.description)},
                      {"company", TextOrNull(file.company)},
-                     {"sha256", file.sha256}});
+                     {"sha256", file.sha256},
+                     {"signature", SignaturesJson(file.signatures)},
+                     {"inCatalog", file.isInCatalog ? ordered_json(*file.isInCatalog) : ordered_json()},
+                     {"catalog", file.catalog ? CatalogJson(*file.catalog) : ordered_json()}});
   }
   ordered_json document = {{"installer", listing.isInstaller}, {"signed", listing.isSigned}, {"files", files}};
   if (listing.package) {

@@ -7,8 +7,16 @@
 #include <vector>
 
 #include "installer/installer_file.h"
+#include "trust/signature.h"
 
 namespace kwa {
+
+// What a file is as the package's catalog.
+struct ListedCatalog {
+  std::string fault;  // why it is unreadable; then the others are 0
+  unsigned generation;
+  std::size_t memberCount;
+};
 
 // One file in an installer. Texts are escaped, fit for a terminal.
 struct ListedFile {
@@ -24,6 +32,10 @@ struct ListedFile {
   std::string version;  // "1.0.0.0"
   std::string description;
   std::string company;
+  // What vouches for it.
+  std::vector<Signature> signatures;
+  std::optional<bool> isInCatalog;  // nothing where no catalog has to cover it, or can be read
+  std::optional<ListedCatalog> catalog;
 };
 
 // What the installer will read from the package's INF, and the devices that the wizard will name for it.
@@ -46,7 +58,7 @@ struct Listing {
 // installer  as ReadSoundInstallerFile reads it
 Listing MakeListing(const InstallerFile& installer);
 
-// For people: a table of the files, then the package.
+// For people: a table of the files, the signatures, then the package.
 void WriteListing(const Listing& listing, std::ostream& stream);
 
 // For programs. The files have all the fields of a list of contents.

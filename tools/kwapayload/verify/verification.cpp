@@ -48,9 +48,12 @@ Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& 
     VerifyContents(installer, contents, &findings);
     if (installer.image) {
       VerifyCompanions(installer, contents, &findings);
+    }
+    if (installer.image || FindInf(installer) != nullptr) {
       VerifyPackage(installer, &findings);
       VerifyVersions(installer, &findings);
     }
+    VerifyTrust(installer, &findings);
   }
   VerifyExecutable(installer, &findings);
   return findings;

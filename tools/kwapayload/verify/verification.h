@@ -25,10 +25,15 @@ void VerifyPackage(const InstallerFile& installer, Findings* findings);
 // What DriverVer says, to Setup and of the drivers' own versions.
 void VerifyVersions(const InstallerFile& installer, Findings* findings);
 
+// Whether the package's catalogs cover its files, and whether signatures are sound: the catalogs' and those that
+// programs carry. Who may be trusted, and when, is left to Windows.
+void VerifyTrust(const InstallerFile& installer, Findings* findings);
+
 // The program itself. Nothing for a file that is a single archive.
 void VerifyExecutable(const InstallerFile& installer, Findings* findings);
 
-// All of the above. A file that is a single archive is not held to what only both together can have.
+// All of the above. A file that is a single archive is not held to what only both together can have, but one with an
+// INF is held to being a whole driver package.
 Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& contents);
 
 }  // namespace kwa

@@ -6,6 +6,7 @@
 #include "base/escaped_text.h"
 #include "base/text_kind.h"
 #include "dpinst/device_families.h"
+#include "inf/catalog_names.h"
 #include "inf/inf_reader.h"
 #include "inf/inf_source_files.h"
 #include "inf/package_identity.h"
@@ -97,20 +98,28 @@ void VerifyPackage(const InstallerFile& installer, Findings* findings) {
     return;  // what else is read of it is as doubtful
   }
 
-  const std::string catalog = ReadInfValue(inf, "Version", "CatalogFile");
-  if (catalog.empty()) {
+  const std::set<std::string> catalogs = {CatalogName(inf, "x86"), CatalogName(inf, "amd64")};
+  if (catalogs == std::set<std::string>{""}) {
     findings->AddError(where, "[Version] has no CatalogFile", "version-key-missing");
-  } else if (names.count(UpperCase(catalog)) == 0) {
-    findings->AddError(where, "CatalogFile \"" + EscapedText(catalog) + "\" is not carried", "catalog-missing");
   }
-  const std::vector<std::string> sources = ReadInfSourceFiles(inf);
+  for (const std::string& catalog : catalogs) {
+    if (!catalog.empty() && names.count(UpperCase(catalog)) == 0) {
+      findings->AddError(where, "CatalogFile \"" + EscapedText(catalog) + "\" is not carried", "catalog-missing");
+    }
+  }
+  const std::vector<InfSourceFile> sources = ReadInfSourceFiles(inf);
   if (sources.empty()) {
     findings->AddError(where, "has no [SourceDisksFiles]", "no-source-files");
   }
-  for (const std::string& source : sources) {
-    if (names.count(UpperCase(source)) == 0) {
-      findings->AddError(where, "[SourceDisksFiles] names \"" + EscapedText(source) + "\", which is not carried",
-                         "source-file-missing");
+  for (const InfSourceFile& source : sources) {
+    const std::string named = "[SourceDisksFiles] names \"" + EscapedText(source.name) + "\", ";
+    if (names.count(UpperCase(source.name)) == 0) {
+      findings->AddError(where, named + "which is not carried", "source-file-missing");
+    } else if (!source.folder.empty()) {
+      findings->AddError(where,
+                         named + "which Setup will look for in the folder \"" + EscapedText(source.folder) +
+                             "\", and all files lie beside the INF",
+                         "source-file-in-folder");
     }
   }
 }
