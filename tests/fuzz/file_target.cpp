@@ -1,6 +1,7 @@
 // Fuzzes the reader of installers and archives: all that list, extract and verify read of a file.
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "base/tool_failure.h"
 #include "installer/file_kind.h"
@@ -8,6 +9,8 @@
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
 #include "pe/version_record.h"
+#include "trust/authenticode.h"
+#include "trust/catalog.h"
 #include "verify/verification.h"
 
 namespace {
@@ -21,11 +24,23 @@ void ReadExecutable(const kwa::PeImage& image) {
   image.HasBaseRelocations();
 }
 
+void ReadTrust(kwa::ByteSpan bytes) {
+  kwa::FileDigests digests(bytes);
+  kwa::ReadEmbeddedSignatures(&digests);
+  kwa::Catalog catalog;
+  std::string fault;
+  if (kwa::ReadCatalog(bytes, &catalog, &fault)) {
+    kwa::Covers(catalog, &digests);
+    kwa::CoveringLineEnds(catalog, bytes);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const kwa::ByteSpan bytes(data, size);
   kwa::FileKind(bytes);
+  ReadTrust(bytes);
   // Whatever surrounds an archive: also as the read-only data of a program.
   for (const kwa::ParsedArchive& archive : kwa::FindArchives(bytes)) {
     // A sound archive has every byte that it promises.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "inf/catalog_names.h"
 #include "inf/inf_reader.h"
 #include "inf/inf_source_files.h"
 #include "inf/package_identity.h"
@@ -15,5 +16,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::abort();
   }
   kwa::ReadInfSourceFiles(inf);
+  kwa::CatalogName(inf, "amd64");
   return 0;
 }

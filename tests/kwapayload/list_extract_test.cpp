@@ -56,13 +56,8 @@ void ExpectPart(const std::string& text, const std::string& part) {
 
 TEST_F(ListExtract, ListForPeople) {
   const std::string output = List(BuildImage(Installer({"constants" + std::string(3, '\0') + kArchives})));
-  // The digests of nothing and of "abc" are the standard's examples.
-  ExpectPart(output,
-             "A             600  empty          0           empty                              "
-             "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855\n");
-  ExpectPart(output,
-             "B             536  abc.txt        3           7-bit ASCII text, no line ends     "
-             "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\n");
+  ExpectPart(output, "A        empty          0                    empty\n");
+  ExpectPart(output, "B        abc.txt        3                    7-bit ASCII text, no line ends\n");
   const std::string devices = " (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), Vireoe ";
   const std::string more = " (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)\n";
   ExpectPart(output,
@@ -100,7 +95,7 @@ TEST_F(ListExtract, SignedInstallersAndSingleArchives) {
   // The signature may hold anything, archives among it.
   ExpectPart(List(BuildImage(image) + BuildArchive(kBodiesA)), "Signature:         there is one, not checked\n");
   const std::string output = List(BuildArchive({{"\x7F[2J\xFF", "1"}}));
-  ExpectPart(output, "-             272  \\x7F[2J\\xFF     1  ");
+  ExpectPart(output, "-        \\x7F[2J\\xFF     1  ");
   ExpectPart(output, "\n\nPackage:           none, there is no INF\n");
 }
 

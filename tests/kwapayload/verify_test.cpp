@@ -80,6 +80,10 @@ TEST_P(DamagedInstaller, GivesItsFindingAndNoOther) {
   GetParam().apply(image);
   std::vector<std::string> lines;
   for (const kwa::Finding& finding : Verify(image, kwa::ReadPayloadContents(KWA_CONTENTS))) {
+    // Whatever changes a file is noticed by these as well.
+    if (finding.code == "not-in-catalog" || finding.code == "signature-broken") {
+      continue;
+    }
     lines.push_back((finding.severity == kwa::Severity::Error ? "" : "?") + finding.code + ": " + finding.where + ": " +
                     finding.what);
   }
@@ -171,7 +175,8 @@ TEST(Verify, WithoutContentsAsksForWhatTheInstallerNames) {
     lines.push_back(finding.where + ": " + finding.code);
   }
   EXPECT_EQ(lines, (std::vector<std::string>{"archive B, dpinst64.exe: kind", "eula_de.txt: missing-file",
-                                             "archive B, eula_en.txt: not-utf8"}));
+                                             "archive B, eula_en.txt: not-utf8",
+                                             "archive B, dpinst64.exe: signature-broken"}));
 }
 
 TEST(Verify, ExitStatusAndOutputTellTheFindings) {

@@ -17,6 +17,7 @@ namespace kwa {
 namespace {
 
 constexpr std::size_t kColumnCount = 6;
+constexpr std::size_t kTableWidth = 120;
 using Row = std::array<std::string, kColumnCount>;
 
 std::vector<std::string> DeviceNames(const char* const* rows, unsigned rowCount) {
@@ -116,12 +117,15 @@ void WriteTable(const std::vector<Row>& rows, std::ostream& stream) {
     }
   }
   for (const Row& row : rows) {
+    std::string line;
     for (std::size_t i = 0; i < kColumnCount; ++i) {
       const std::string padding(widest[i].size() - row[i].size(), ' ');
       const bool isNumber = i == 2;
       const bool isLast = i + 1 == kColumnCount;
-      stream << (isNumber ? padding : "") << row[i] << (isNumber || isLast ? "" : padding) << (isLast ? "\n" : "  ");
+      line += (isNumber ? padding : "") + row[i] + (isNumber || isLast ? "" : padding) + (isLast ? "" : "  ");
     }
+    // Longer are only kinds whose end matters little, and names that no package has.
+    stream << (line.size() > kTableWidth ? line.substr(0, kTableWidth - 3) + "..." : line) << '\n';
   }
 }
 

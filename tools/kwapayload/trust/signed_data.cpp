@@ -141,7 +141,11 @@ bool ReadSignedData(ByteSpan bytes, SignedData* data, std::string* fault) {
     *fault = "has more than 16 signers";
     return false;
   }
-  return isList && (data->signers.empty() || !data->signers.back().digestAlgorithm.empty());
+  if (!isList || (!data->signers.empty() && data->signers.back().digestAlgorithm.empty())) {
+    return false;
+  }
+  fault->clear();
+  return true;
 }
 
 bool ReadSignerInfo(ByteSpan bytes, SignerInfo* signer) {
