@@ -13,6 +13,8 @@
 screens_display=
 screens_pid=
 screens_size=800x600
+# Without the task bar, which Wine 9 shows at the lower edge.
+screens_seen=800x560+0+0
 
 screens_start() {
   local screens=() i output
@@ -45,7 +47,8 @@ screen_picture() {
   local number=$1 pid=$2 file=$3 other=${4-} last=$3.last outcome=1
   rm -f "$file" "$last"
   while kill -0 "$pid" 2>/dev/null; do
-    if ! DISPLAY=:$screens_display.$number import -silent -window root "ppm:$file" || [ ! -s "$file" ]; then break; fi
+    DISPLAY=:$screens_display.$number import -silent -window root -crop "$screens_seen" "ppm:$file" || break
+    [ -s "$file" ] || break
     if [ -e "$last" ] && cmp -s "$file" "$last" && shows_window "$file" &&
       { [ -z "$other" ] || ! cmp -s "$file" "$other"; }; then
       outcome=0
