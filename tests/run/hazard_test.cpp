@@ -61,6 +61,7 @@ TEST_F(Hazard, FullDiskCutsFilesShort) {
   }
   const std::string there = std::string(disk) + "temp";
   const std::string filler = std::string(disk) + "filler";
+  std::filesystem::remove_all(there);  // what an earlier one of this may have left
   CreateDirectoryA(there.c_str(), nullptr);
   ULARGE_INTEGER available = {};
   ASSERT_TRUE(GetDiskFreeSpaceExA(disk, &available, nullptr, nullptr));

@@ -22,9 +22,13 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
       {"C:\\" + std::string(256, 't'), 1, "\\"},
       {"C:\\" + std::string(253, 't'), 1, "\\"},
   };
-  // The one drive of these tests; no other test writes there.
-  const std::vector<std::string> before = NamesIn("C:\\");
   const std::map<std::string, std::string> files = ExpectedFiles(ExpectedDocumentHere());
+  // No other test writes there; an earlier one of this may have failed half way.
+  std::filesystem::remove_all("C:\\kwa");
+  for (const auto& [name, fingerprint] : files) {
+    DeleteFileA(("C:\\" + name).c_str());
+  }
+  const std::vector<std::string> before = NamesIn("C:\\");
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.temp ? expected.temp->size() : 0);
     const RunResult result = RunIn("C:\\windows", expected.temp);
