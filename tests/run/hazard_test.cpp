@@ -1,6 +1,8 @@
 // What others, or a full disk, can do to a run, and what becomes of it today. docs/security.md tells each of these
 // hazards.
 
+#include <filesystem>
+
 #include "expected_document.h"
 #include "run_fixture.h"
 
