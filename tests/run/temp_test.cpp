@@ -10,8 +10,8 @@ namespace {
 
 using InstallerTemp = InstallerRun;
 
-// The work folder is \kwa in the root of the current drive. Where its own name does not fit, everything lands in the root
-// itself and stays there.
+// The work folder is \kwa in the root of the current drive. Where its own name does not fit, everything lands in the
+// root itself and stays there.
 TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
   const struct {
     std::optional<std::string> temp;
