@@ -28,7 +28,7 @@ void RunPreview(const PreviewOptions& options) {
   // Without an INF the installer writes its configuration all the same, with nothing in it of the package.
   const PackageIdentity identity = inf != nullptr ? ReadHostPackageIdentity(InfText(inf->body)) : PackageIdentity();
   std::cout << PreviewDpinstConfig(identity, options.windows == "xp");
-  if (!identity.fault.empty()) {
+  if (inf != nullptr && !identity.fault.empty()) {
     throw ToolFailure(options.file, EscapedText(inf->name) + " " + identity.fault + ": what is printed is a guess");
   }
 }

@@ -19,7 +19,10 @@ bool IsDriver(const ArchiveItem& item) {
 
 void VerifyVersions(const InstallerFile& installer, Findings* findings) {
   const ArchiveItem* const inf = FindInf(installer);
-  const PackageIdentity identity = inf == nullptr ? PackageIdentity() : ReadHostPackageIdentity(InfText(inf->body));
+  if (inf == nullptr) {
+    return;  // reported already
+  }
+  const PackageIdentity identity = ReadHostPackageIdentity(InfText(inf->body));
   if (identity.version.empty() || !identity.fault.empty()) {
     return;  // reported already
   }
