@@ -120,7 +120,7 @@ TEST(Compare, PrintsDifferencesAndNothingElse) {
        "changed: LONGER: name longer -> LONGER; size 1 -> 2\n"},
       {{KWA_INSTALLER, folder / "next.exe"},
        1,
-       "changed: marlin_usb.inf: content alone\n"
+       "changed: marlin_usb.inf: in the catalog yes -> NO\n"
        "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0\n"
        "dpinst.xml, 25 times:\n  -02/13/2014,1.0.42.0\n  +03/01/2014,1.0.43.0\n"},
       {{folder / "old", folder / "none"}, 2, ""},

@@ -56,6 +56,9 @@ ordered_json FileComponent(const ListedFile& file) {
   add("archive", file.archive);
   add("size", std::to_string(file.size));
   add("kind", file.kind);
+  if (const std::string signers = file.Signers(); !signers.empty()) {
+    add("signer", signers);
+  }
   component["properties"] = properties;
   return component;
 }

@@ -18,6 +18,10 @@ void AddChange(const char* what, const std::string& before, const std::string& a
   }
 }
 
+std::string CoverText(const ListedFile& file) {
+  return !file.isInCatalog ? "" : *file.isInCatalog ? "yes" : "NO";
+}
+
 std::vector<Change> CompareFiles(const ListedFile& before, const ListedFile& after) {
   std::vector<Change> changes;
   AddChange("archive", before.archive, after.archive, &changes);
@@ -25,6 +29,8 @@ std::vector<Change> CompareFiles(const ListedFile& before, const ListedFile& aft
   AddChange("size", std::to_string(before.size), std::to_string(after.size), &changes);
   AddChange("version", before.version, after.version, &changes);
   AddChange("kind", before.kind, after.kind, &changes);
+  AddChange("signer", before.Signers(), after.Signers(), &changes);
+  AddChange("in the catalog", CoverText(before), CoverText(after), &changes);
   if (changes.empty()) {
     AddChange("content", before.sha256, after.sha256, &changes);
   }

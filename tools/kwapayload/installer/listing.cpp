@@ -131,6 +131,14 @@ void WriteTable(const std::vector<Row>& rows, std::ostream& stream) {
 
 }  // namespace
 
+std::string ListedFile::Signers() const {
+  std::vector<std::string> signers;
+  for (const Signature& signature : signatures) {
+    signers.push_back(signature.signer + (signature.fault.empty() ? "" : " (BROKEN)"));
+  }
+  return Joined(signers);
+}
+
 Listing MakeListing(const InstallerFile& installer) {
   Listing listing = {};
   listing.isInstaller = installer.image.has_value();

@@ -36,6 +36,9 @@ struct ListedFile {
   std::vector<Signature> signatures;
   std::optional<bool> isInCatalog;  // nothing where no catalog has to cover it, or can be read
   std::optional<ListedCatalog> catalog;
+
+  // Who signed it, such as "Maker, Microsoft (BROKEN)", or "".
+  std::string Signers() const;
 };
 
 // What the installer will read from the package's INF, and the devices that the wizard will name for it.
