@@ -138,53 +138,33 @@ TEST(Compare, PrintsDifferencesAndNothingElse) {
   EXPECT_EQ(document["changed"][1]["changes"][1], (nlohmann::json{{"what", "size"}, {"before", "1"}, {"after", "2"}}));
 }
 
-// A program that points, from its code, at a constant behind the archives and at data in a section behind them.
-struct SmallProgram {
-  std::size_t payloadSize = 8;
-  std::string code = "\xC3";
-  std::string constant = "constant";
-  std::uint32_t pointer = 0;  // into the constant
-  bool isSwapped = false;     // the two pointers
-
-  std::string Build() const {
-    BuiltImage image;
-    const std::string archives = BuildArchive({{"a", std::string(payloadSize, 'a')}}) + BuildArchive({{"b", "b"}});
-    const auto shift = static_cast<std::uint32_t>(payloadSize / 0x1000 * 0x1000);
-    const auto archivesSize = static_cast<std::uint32_t>(archives.size());
-    std::string words[] = {WordBytes(0x400000 + SectionAddress(1) + archivesSize + pointer),
-                           WordBytes(0x400000 + SectionAddress(2) + shift + 2)};
-    image.sections = {
-        {".text", kCode, words[isSwapped ? 1 : 0] + words[isSwapped ? 0 : 1] + code},
-        {".rdata", kReadOnlyData, archives + constant},
-        {".data", kWritableData, "data"},
-        {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(12) + std::string("\0\x30\4\x30", 4)}};
-    image.directories.resize(16);
-    image.directories[5] = {SectionAddress(3) + shift, 12};
-    std::string bytes = BuildImage(image);
-    for (const char* const moved : {".data", ".reloc"}) {
-      const std::size_t address = bytes.find(moved) + 12;
-      PutWord(bytes, address, SectionAddress(moved[1] == 'd' ? 2 : 3) + shift);
-    }
-    return bytes;
-  }
-};
+// A program whose code points at data in a section behind the archives.
+std::string SmallProgram(std::size_t payloadSize, const std::string& code, const std::string& constant) {
+  const auto shift = static_cast<std::uint32_t>(payloadSize / 0x1000 * 0x1000);
+  BuiltImage image;
+  image.sections = {{".text", kCode, WordBytes(0x400000 + SectionAddress(2) + shift) + code},
+                    {".rdata", kReadOnlyData,
+                     BuildArchive({{"a", std::string(payloadSize, 'a')}}) + BuildArchive({{"b", "b"}}) + constant},
+                    {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(10) + std::string("\0\x30", 2)}};
+  image.directories.resize(16);
+  image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2) + shift, 10};
+  std::string bytes = BuildImage(image);
+  PutWord(bytes, bytes.find(".reloc") + 12, SectionAddress(2) + shift);
+  return bytes;
+}
 
 TEST(Compare, KnowsAProgramAroundAnotherPayload) {
   const struct {
-    SmallProgram program;
+    std::string program;
     std::vector<std::string> parts;
   } cases[] = {
-      {{}, {}},
-      {{5001}, {}},
-      {{5001, "\x90"}, {".text"}},
-      {{8, "\xC3", "Constant"}, {".rdata"}},
-      {{8, "\xC3", "constant", 1}, {".rdata"}},
-      {{8, "\xC3", "constant", 0, true}, {".text"}},
+      {SmallProgram(8, "\xC3", "constant"), {}},
+      {SmallProgram(5001, "\xC3", "constant"), {}},
+      {SmallProgram(5001, "\x90", "constant"), {".text"}},
+      {SmallProgram(8, "\xC3", "Constant"), {".rdata"}},
   };
-  const std::string before = SmallProgram().Build();
   for (const auto& test : cases) {
-    const std::string after = test.program.Build();
-    EXPECT_EQ(kwa::CompareInstallers(Read(before), Read(after)).program, test.parts);
+    EXPECT_EQ(kwa::CompareInstallers(Read(cases[0].program), Read(test.program)).program, test.parts);
   }
 }
 
