@@ -62,8 +62,7 @@ std::string ImportForm(const PeImage& image) {
 std::string ResourceForm(const PeImage& image) {
   std::string form;
   for (const PeResource& resource : ReadResources(image)) {
-    form += std::to_string(resource.type) + " " + std::to_string(resource.name) + " " +
-            std::to_string(resource.language) + " " + Sha256Hex(resource.bytes) + "\n";
+    form += std::to_string(resource.type) + " " + Sha256Hex(resource.bytes) + "\n";
   }
   return form;
 }
