@@ -1,4 +1,4 @@
-// The reader of executables: headers, imports, resources, version record, signature.
+// The reader of executables: headers, imports, resources.
 
 #include "pe/pe_image.h"
 
@@ -8,7 +8,6 @@
 #include "built_image.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
-#include "pe/version_record.h"
 
 namespace {
 
@@ -137,47 +136,6 @@ TEST(PeImage, Resources) {
     circle += WordBytes(1) + WordBytes(kDirectory);
   }
   EXPECT_TRUE(Manifests(circle).empty());
-}
-
-// A block of a version record; `type` 1 counts the value's length in characters.
-std::string VersionBlock(const std::string& key, int type, const std::string& value, const std::string& children) {
-  const auto align = [](std::string* bytes) { bytes->resize((bytes->size() + 3) / 4 * 4); };
-  std::string block(6, '\0');
-  for (const char character : key + '\0') {
-    block += {character, '\0'};
-  }
-  align(&block);
-  block += value;
-  if (!children.empty()) {
-    align(&block);
-    block += children;
-  }
-  block.replace(0, 6,
-                HalfBytes(block.size()) + HalfBytes(type == 1 ? value.size() / 2 : value.size()) +
-                    HalfBytes(static_cast<std::size_t>(type)));
-  align(&block);
-  return block;
-}
-
-TEST(PeImage, VersionRecord) {
-  std::string fixed = WordBytes(0xFEEF04BD) + WordBytes(0x10000) + WordBytes(0x00010002) + WordBytes(0x00030004) +
-                      WordBytes(0x00050006) + WordBytes(0x00070008);
-  fixed.resize(52);
-  // Umlaut, clef beyond the first plane, half a pair before a letter, half a pair at the end.
-  const std::string wide("\xFC\0\x34\xD8\x1E\xDD\x34\xD8z\0\x1E\xDD\x34\xD8", 14);
-  const std::string texts =
-      VersionBlock("First", 1, std::string("A\0\0\0", 4), "") + VersionBlock("Second", 1, wide, "");
-  const std::string record =
-      VersionBlock("VS_VERSION_INFO", 0, fixed,
-                   VersionBlock("VarFileInfo", 1, "", "") +
-                       VersionBlock("StringFileInfo", 1, "", VersionBlock("040904B0", 1, "", texts)));
-  kwa::VersionRecord version;
-  ASSERT_TRUE(kwa::ReadVersionRecord(kwa::ByteSpan(record), &version));
-  EXPECT_EQ("1.2.3.4", version.fileVersion);
-  EXPECT_EQ("5.6.7.8", version.productVersion);
-  EXPECT_EQ("A", version.texts["First"]);
-  EXPECT_EQ("\xC3\xBC\xF0\x9D\x84\x9E\xEF\xBF\xBDz\xEF\xBF\xBD\xEF\xBF\xBD", version.texts["Second"]);
-  EXPECT_FALSE(kwa::ReadVersionRecord(kwa::ByteSpan(record.substr(0, 60)), &version));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "inf_cases.h"
 #include "installer_image.h"
 #include "temporary_folder.h"
 #include "tool_run.h"
@@ -15,6 +16,10 @@ namespace {
 kwa::Findings Verify(const InstallerImage& image, const std::vector<kwa::ContentsFile>& contents) {
   const kwa::ByteSpan bytes{std::string_view(image.Bytes())};
   return kwa::VerifyInstaller(kwa::ReadInstallerFile(bytes, "damaged.exe"), contents);
+}
+
+std::string Wide(const std::string& text) {
+  return Utf16Inf(text).substr(2);
 }
 
 using Change = std::function<void(InstallerImage&)>;
@@ -28,6 +33,11 @@ void Replace(InstallerImage& image, std::size_t at, const std::string& old, cons
 // The last in the file, which is the program's own behind the payload.
 Change InProgram(const std::string& old, const std::string& text) {
   return [=](InstallerImage& image) { Replace(image, image.Bytes().rfind(old), old, text); };
+}
+// The text of the version record, three characters of UTF-16.
+Change VersionText(const std::string& text) {
+  const std::string key = Wide("FileVersion") + std::string(4, '\0');
+  return InProgram(key + Wide("1.0"), key + text);
 }
 Change InInf(const std::string& old, const std::string& text) {
   return [=](InstallerImage& image) {
@@ -69,30 +79,7 @@ struct Damage {
   std::vector<std::string> findings;  // each "code: where: " and a part of what it says, with "?" for a warning
 };
 
-void PrintTo(const Damage& damage, std::ostream* stream) {
-  *stream << damage.what;
-}
-
-class DamagedInstaller : public testing::TestWithParam<Damage> {};
-
-TEST_P(DamagedInstaller, GivesItsFindingAndNoOther) {
-  InstallerImage image;
-  GetParam().apply(image);
-  std::vector<std::string> lines;
-  for (const kwa::Finding& finding : Verify(image, kwa::ReadPayloadContents(KWA_CONTENTS))) {
-    // Whatever changes a file is noticed by these as well.
-    if (finding.code == "not-in-catalog" || finding.code == "signature-broken") {
-      continue;
-    }
-    lines.push_back((finding.severity == kwa::Severity::Error ? "" : "?") + finding.code + ": " + finding.where + ": " +
-                    finding.what);
-  }
-  ASSERT_EQ(lines.size(), GetParam().findings.size()) << testing::PrintToString(lines);
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    EXPECT_EQ(lines[i].substr(0, GetParam().findings[i].size()), GetParam().findings[i]);
-  }
-}
-
+const std::string kVersions = "versions-differ: executable, version record: its versions differ: file 1.0.0.0 ";
 const char kInf[] = "package, marlin_usb.inf: ";
 
 std::string OfInf(const std::string& code, const std::string& what) {
@@ -149,6 +136,12 @@ const Damage kDamages[] = {
      {"manifest-level: executable, manifest: asks for the level \"requireAdministrat0r\""}},
     {"Version", [](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE") + 10, "\x02"); },
      {"versions-differ: executable, version record: its versions differ: file 2.0.0.0"}},
+    {"VersionTextMissing", InProgram(Wide("FileVersion"), Wide("FileVersiom")), {kVersions + "(\"\")"}},
+    {"VersionTextCut", VersionText(Wide("1.") + Wide({0})), {kVersions + "(\"1.\")"}},
+    {"VersionTextOfAPairAndAHalf", VersionText("\x34\xD8\x1E\xDD\x1E\xDD"),
+     {kVersions + R"(("\xF0\x9D\x84\x9E\xEF\xBF\xBD"))"}},
+    {"VersionTextOfHalves", VersionText(std::string("\x34\xD8z\0\x34\xD8", 6)),
+     {kVersions + R"(("\xEF\xBF\xBDz\xEF\xBF\xBD"))"}},
     {"OtherLibrary", InProgram("SHELL32.dll", "SHELL33.dll"),
      {"library-not-allowed: executable, imports of SHELL33.dll: only"}},
     {"LaterFunction", InProgram("GetVersionExA", "GetVersionExB"),
@@ -161,8 +154,27 @@ const Damage kDamages[] = {
 };
 // clang-format on
 
-INSTANTIATE_TEST_SUITE_P(Verify, DamagedInstaller, testing::ValuesIn(kDamages),
-                         [](const auto& test) { return std::string(test.param.what); });
+TEST(DamagedInstaller, GivesItsFindingAndNoOther) {
+  const InstallerImage sound;
+  const kwa::PayloadContents contents = kwa::ReadPayloadContents(KWA_CONTENTS);
+  for (const Damage& damage : kDamages) {
+    SCOPED_TRACE(damage.what);
+    InstallerImage image = sound;
+    damage.apply(image);
+    std::vector<std::string> lines;
+    for (const kwa::Finding& finding : Verify(image, contents)) {
+      // Whatever changes a file is noticed by these as well.
+      if (finding.code != "not-in-catalog" && finding.code != "signature-broken") {
+        lines.push_back((finding.severity == kwa::Severity::Error ? "" : "?") + finding.code + ": " + finding.where +
+                        ": " + finding.what);
+      }
+    }
+    ASSERT_EQ(lines.size(), damage.findings.size()) << testing::PrintToString(lines);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      EXPECT_EQ(lines[i].substr(0, damage.findings[i].size()), damage.findings[i]);
+    }
+  }
+}
 
 // What is left to the list of contents, the installer's own names bring up without one.
 TEST(Verify, WithoutContentsAsksForWhatTheInstallerNames) {
@@ -202,6 +214,7 @@ TEST(Verify, ExitStatusAndOutputTellTheFindings) {
       {{"verify", failed, "--allow-warnings"}, 1, warning + error},
       {{"verify", folder / "missing.exe"}, 1, ""},
       {{"verify", warned, "--contents", warned}, 1, ""},
+      {{"verify", KWA_INSTALLER, "--contents", ""}, 2, ""},
   };
   for (const auto& test : cases) {
     const ToolRun run = RunTool(test.arguments);
