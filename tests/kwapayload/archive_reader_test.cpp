@@ -76,20 +76,6 @@ TEST(FindArchives, TellsSoundFromBroken) {
   EXPECT_EQ(3U, kwa::FindArchives(kwa::ByteSpan(kNested + kNested + kNested + kNested)).size());
 }
 
-TEST(FindArchives, ItemsAsTheyStand) {
-  const auto archives = kwa::FindArchives(kwa::ByteSpan(kArea));
-  ASSERT_EQ(kBodiesA.size(), archives.at(0).items.size());
-  std::uint64_t position = 8 + kBodiesA.size() * 264;
-  for (std::size_t i = 0; i < kBodiesA.size(); ++i) {
-    const kwa::ArchiveItem& item = archives[0].items[i];
-    EXPECT_EQ(kBodiesA[i].name, item.name);
-    EXPECT_EQ(kBodiesA[i].bytes, item.body.Text());
-    EXPECT_EQ(position, item.position);
-    position += item.size + item.padding.Size();
-    EXPECT_EQ(0U, position % 4);
-  }
-}
-
 TEST(Findings, NoMoreThanAThousand) {
   kwa::Findings findings;
   for (int i = 0; i < 1001; ++i) {

@@ -45,11 +45,6 @@ struct Identity {
     X509_set_pubkey(certificate, key);
     X509_sign(certificate, key, EVP_sha256());
   }
-  ~Identity() {
-    X509_free(certificate);
-    EVP_PKEY_free(key);
-  }
-
   // Weak on purpose: old signatures are to be read on systems that refuse such keys elsewhere.
   EVP_PKEY* key = EVP_RSA_gen(1024);
   X509* certificate = X509_new();

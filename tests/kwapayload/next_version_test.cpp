@@ -49,53 +49,35 @@ TEST(Contents, NamesAllThatIsWrongWithBothFolders) {
 }
 
 TEST(DriverVersion, IsOfADateThatExistsAndOneToFourNumbers) {
-  const struct {
-    const char* driverVer;
-    const char* version;
-  } cases[] = {
-      {"02/13/2014,1.0.42.0", "1.0.42.0"},
-      {"02/29/2012,1", "1.0.0.0"},
-      {"12-31-1999 , 65535.007 ; built", "65535.7.0.0"},
-      {"02/29/2014,1", ""},
-      {"02/29/1900,1", ""},
-      {"13/01/2014,1", ""},
-      {"00/01/2014,1", ""},
-      {"04/31/2014,1", ""},
-      {"04/00/2014,1", ""},
-      {"2/13/2014,1", ""},
-      {"02/13/14,1", ""},
-      {"02/13/2014", ""},
-      {"02/13/2014,", ""},
-      {"02/13/2014,1.", ""},
-      {"02/13/2014,65536", ""},
-      {"02/13/2014,1.2.3.4.5", ""},
-      {"02/13/2014,1.0.42.0 beta", ""},
-      {"2014/02/13,1", ""},
+  // clang-format off
+  const std::pair<const char*, const char*> cases[] = {
+      {"02/13/2014,1.0.42.0", "1.0.42.0"}, {"02/29/2012,1", "1.0.0.0"}, {"12-31-1999 , 65535.007 ; built", "65535.7.0.0"},
+      {"02/29/2014,1", ""}, {"02/29/1900,1", ""}, {"13/01/2014,1", ""}, {"00/01/2014,1", ""}, {"04/31/2014,1", ""},
+      {"04/00/2014,1", ""}, {"2/13/2014,1", ""}, {"02/13/14,1", ""}, {"02/13/2014", ""}, {"02/13/2014,1.", ""},
+      {"02/13/2014,65536", ""}, {"02/13/2014,1.2.3.4.5", ""}, {"02/13/2014,1.0.42.0 beta", ""}, {"2014/02/13,1", ""},
   };
-  for (const auto& test : cases) {
-    EXPECT_EQ(kwa::DriverVersion(test.driverVer), test.version) << test.driverVer;
+  // clang-format on
+  for (const auto& [driverVer, version] : cases) {
+    EXPECT_EQ(kwa::DriverVersion(driverVer), version) << driverVer;
   }
 }
 
 TEST(Verify, HoldsDriversToTheVersionOfTheirPackage) {
-  const struct {
-    const char* driverVer;
-    std::vector<std::string> findings;
-  } cases[] = {
+  const std::pair<const char*, std::vector<std::string>> cases[] = {
       {"02/13/2014,1.0.42  ", {}},
       {"02/13/2014,1.0.42.1", {"?archive A, marlin_usb.sys", "?archive A, marlin_usb_64.sys"}},
       {"02/30/2014,1.0.42.1", {"package, marlin_usb.inf"}},
   };
-  for (const auto& test : cases) {
+  for (const auto& [driverVer, expected] : cases) {
     InstallerImage image;
-    ReplaceVersion(&image, test.driverVer);
+    ReplaceVersion(&image, driverVer);
     std::vector<std::string> findings;
     for (const kwa::Finding& finding : kwa::VerifyInstaller(Read(image.Bytes()), {})) {
       if (finding.code == "driver-version" || finding.code == "driver-ver") {
         findings.push_back((finding.severity == kwa::Severity::Error ? "" : "?") + finding.where);
       }
     }
-    EXPECT_EQ(findings, test.findings) << test.driverVer;
+    EXPECT_EQ(findings, expected) << driverVer;
   }
 }
 
@@ -107,29 +89,24 @@ TEST(Compare, PrintsDifferencesAndNothingElse) {
   ReplaceVersion(&image, "03/01/2014,1.0.43.0");
   image.WriteTo(folder / "next.exe");
   const struct {
-    std::vector<std::string> files;
+    std::string before, after;
     int status;
     std::string output;
   } cases[] = {
-      {{folder / "old", folder / "old"}, 0, ""},
-      {{folder / "old", folder / "new"},
-       1,
+      {folder / "old", folder / "old", 0, ""},
+      {folder / "old", folder / "new", 1,
        "removed: gone: archive -, 1 bytes, 7-bit ASCII text, no line ends\n"
        "added: more: archive -, 2 bytes, 7-bit ASCII text, CR LF line ends\n"
-       "changed: changed: content alone\n"
-       "changed: LONGER: name longer -> LONGER; size 1 -> 2\n"},
-      {{KWA_INSTALLER, folder / "next.exe"},
-       1,
+       "changed: changed: content alone\nchanged: LONGER: name longer -> LONGER; size 1 -> 2\n"},
+      {KWA_INSTALLER, folder / "next.exe", 1,
        "changed: marlin_usb.inf: in the catalog yes -> NO\n"
        "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0\n"
        "dpinst.xml, 25 times:\n  -02/13/2014,1.0.42.0\n  +03/01/2014,1.0.43.0\n"},
-      {{folder / "old", folder / "none"}, 2, ""},
-      {{folder / "old"}, 2, ""},
+      {folder / "old", folder / "none", 2, ""},
+      {folder / "old", "--json", 2, ""},
   };
   for (const auto& test : cases) {
-    std::vector<std::string> arguments = {"compare"};
-    arguments.insert(arguments.end(), test.files.begin(), test.files.end());
-    const ToolRun run = RunTool(arguments);
+    const ToolRun run = RunTool({"compare", test.before, test.after});
     EXPECT_EQ(run.status, test.status) << run.errors;
     EXPECT_EQ(run.output, test.output);
   }
@@ -154,17 +131,14 @@ std::string SmallProgram(std::size_t payloadSize, const std::string& code, const
 }
 
 TEST(Compare, KnowsAProgramAroundAnotherPayload) {
-  const struct {
-    std::string program;
-    std::vector<std::string> parts;
-  } cases[] = {
-      {SmallProgram(8, "\xC3", "constant"), {}},
+  const std::string program = SmallProgram(8, "\xC3", "constant");
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
       {SmallProgram(5001, "\xC3", "constant"), {}},
       {SmallProgram(5001, "\x90", "constant"), {".text"}},
       {SmallProgram(8, "\xC3", "Constant"), {".rdata"}},
   };
-  for (const auto& test : cases) {
-    EXPECT_EQ(kwa::CompareInstallers(Read(cases[0].program), Read(test.program)).program, test.parts);
+  for (const auto& [other, parts] : cases) {
+    EXPECT_EQ(kwa::CompareInstallers(Read(program), Read(other)).program, parts);
   }
 }
 
@@ -173,10 +147,9 @@ TEST(BillOfMaterials, NamesTheInstallerAndWhatItCarries) {
   EXPECT_EQ(run.output, RunTool({"list", "--cyclonedx", KWA_INSTALLER}).output);
   const auto bill = nlohmann::json::parse(run.output);
   EXPECT_EQ(bill["metadata"]["component"]["version"], "1.0.0.0");
-  const std::string serial = bill["serialNumber"];
-  EXPECT_TRUE(std::regex_match(
-      serial, std::regex("urn:uuid:[0-9a-f]{8}-[0-9a-f]{4}-8[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}")))
-      << serial;
+  EXPECT_TRUE(
+      std::regex_match(bill["serialNumber"].get<std::string>(),
+                       std::regex("urn:uuid:[0-9a-f]{8}-[0-9a-f]{4}-8[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}")));
   const auto listed = nlohmann::json::parse(RunTool({"list", "--json", KWA_INSTALLER}).output);
   ASSERT_EQ(bill["components"].size(), listed["files"].size());
   std::string types;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 
 #include "base/tool_failure.h"
 #include "built_archive.h"
@@ -105,6 +106,25 @@ TEST_F(Pack, NoRoom) {
   ExpectFaults({"out/archive: would have 2147483648 bytes; a 32-bit program holds less than 2147483648"});
 }
 
+// The file to be packed is large enough that the signal finds it half packed.
+TEST_F(Pack, EndedBySignalLeavesNothing) {
+  AddFile("a");
+  std::filesystem::resize_file(folder / "in/a", 0x60000000U);
+  const std::string out = folder / "out";
+  const ToolRun run =
+      RunTool({"pack", folder / "in", out + "/archive"},
+              "sh -c '\"$@\" & until ls " + out + "/*.tmp; do kill -0 $! || exit 1; done; kill $!; wait $!' sh ");
+  EXPECT_EQ(128 + SIGTERM, run.status) << run.errors;
+  EXPECT_EQ(std::vector<std::string>{}, NamesIn(out));
+}
+
+TEST_F(Pack, KeepsWhatCameToBeMeanwhile) {
+  kwa::OutputFile output(folder / "out/archive", kwa::Existing::Kept);
+  WriteWholeFile(folder / "out/archive", "of another");
+  EXPECT_THROW(output.Commit(), kwa::ToolFailure);
+  EXPECT_EQ("of another", ReadWholeFile(folder / "out/archive"));
+}
+
 // A file that another program writes to meanwhile.
 TEST_F(Pack, SizeChangesWhilePacking) {
   AddFile("a", std::string(200000, 'x'));
@@ -124,7 +144,8 @@ TEST_F(Pack, SizeChangesWhilePacking) {
 TEST(Misuse, EndsWithStatus2) {
   for (const std::string arguments :
        {"", "unpack in", "pack in", "pack in out more", "pack in out --contents c", "pack in out --archive A",
-        "pack in out --contents c --archive C", "list", "extract a", "verify", "preview", "preview a --windows 95"}) {
+        "pack in out --contents c --archive C", "pack in out --contents \"\" --archive A", "list", "extract a",
+        "verify", "preview", "preview a --windows 95"}) {
     const ToolRun run = RunTool({}, "sh -c '\"$@\" " + arguments + "' sh ");
     EXPECT_EQ(2, run.status) << arguments;
     EXPECT_EQ(0U, run.errors.find("kwapayload: ")) << run.errors;
