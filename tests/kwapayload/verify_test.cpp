@@ -57,10 +57,10 @@ Change Size(const char* file, std::uint32_t size) {
   return [=](InstallerImage& image) { image.SetSize(image.Find(file), size); };
 }
 // The machine of a Windows program among the payload.
-Change Machine(const char* file, std::uint16_t machine) {
+Change Machine(const char* file, const std::string& machine) {
   return [=](InstallerImage& image) {
     const std::size_t body = image.Find(file).bodyPosition;
-    image.SetHalf(body + image.Word(body + 0x3C) + 4, machine);
+    image.SetText(body + image.Word(body + 0x3C) + 4, machine);
   };
 }
 // A signature of 8 bytes behind some padding.
@@ -101,7 +101,7 @@ const Damage kDamages[] = {
     {"CutOff", [](InstallerImage& image) { image.Resize(image.Find("Panorama.exe").bodyPosition + 1000); },
      {"truncated: section .rdata: the file ends ", "body-past-end: archive at offset "}},
     {"OtherSize", Size("eula_en.txt", 4004), {"size: archive B, eula_en.txt: has 4004 bytes instead of 4002"}},
-    {"DriverOfTheWrongMachine", Machine("marlin_usb_64.sys", 0x014C),
+    {"DriverOfTheWrongMachine", Machine("marlin_usb_64.sys", "\x4C\x01"),
      {"kind: archive A, marlin_usb_64.sys: is PE32+, x86, native instead of PE32+, x64, native"}},
     {"BitmapOfOtherGeometry", InBody("kwa.bmp", 18, "2"), {"kind: archive B, kwa.bmp: is "}},
     {"NoVersion", InInf("DriverVer ", "DriverVex "), {OfInf("version-key-missing", "[Version] has no DriverVer")}},
@@ -179,7 +179,7 @@ TEST(DamagedInstaller, GivesItsFindingAndNoOther) {
 // What is left to the list of contents, the installer's own names bring up without one.
 TEST(Verify, WithoutContentsAsksForWhatTheInstallerNames) {
   InstallerImage image;
-  Machine("dpinst64.exe", 0x014C)(image);
+  Machine("dpinst64.exe", "\x4C\x01")(image);
   Name("eula_de.txt", "eula_da.txt")(image);
   InBody("eula_en.txt", 100, "\xFF")(image);
   std::vector<std::string> lines;

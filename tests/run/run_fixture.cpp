@@ -3,7 +3,6 @@
 #include <wincrypt.h>
 
 #include <cstring>
-#include <nlohmann/json.hpp>
 
 #include "expected_document.h"
 #include "windows_facts.h"
@@ -58,13 +57,8 @@ void DebugToEnd(const PROCESS_INFORMATION& process, RunResult* result) {
 }
 
 void ReadReport(const std::string& folder, RunResult* result) {
-  const nlohmann::json report = nlohmann::json::parse(ReadWholeFile(folder + "\\report.json"));
-  result->program = report.at("program");
-  result->commandLine = report.at("commandLine");
-  result->currentFolder = report.at("currentFolder");
-  result->bitness = report.at("bitness");
-  result->error = report.value("error", "");
-  for (const nlohmann::json& file : report.at("files")) {
+  result->report = nlohmann::json::parse(ReadWholeFile(folder + "\\report.json"));
+  for (const nlohmann::json& file : result->report.at("files")) {
     result->files[file.at("name")] =
         std::to_string(file.at("size").get<std::uint64_t>()) + " " + file.at("sha256").get<std::string>();
   }
@@ -93,8 +87,7 @@ RunResult InstallerRun::RunIn(const std::string& startFolder, const std::optiona
   DebugToEnd(process, &result);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
-  result.dpinstRan = Exists(reports + "\\report.json");
-  if (result.dpinstRan) {
+  if (Exists(reports + "\\report.json")) {
     ReadReport(reports, &result);
   }
   return result;
@@ -142,14 +135,6 @@ std::map<std::string, std::string> ExpectedFiles(const std::string& document) {
     files[file.name] = Fingerprint(PayloadFile('b', file.name));
   }
   return files;
-}
-
-std::vector<std::string> ExpectedNames() {
-  std::vector<std::string> names;
-  for (const auto& [name, fingerprint] : ExpectedFiles("")) {
-    names.push_back(name);
-  }
-  return names;
 }
 
 std::string ExpectedDocumentHere() {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "installer_image.h"
@@ -16,14 +17,11 @@ struct RunResult {
   int invalidParameterLines = 0;
   // Messages that Windows showed in the program's name; they were closed.
   int messageBoxes = 0;
-  // Whether the stand-in for DPInst ran, and then its report: the files beside it by name, each as "SIZE SHA-256", and
-  // dpinst.xml as it stood there.
-  bool dpinstRan = false;
-  std::string program, commandLine, currentFolder;
-  int bitness = 0;
+  // What the stand-in for DPInst reports; null where it did not run. Then the files beside it by name, each as "SIZE
+  // SHA-256", and dpinst.xml as it stood there.
+  nlohmann::json report;
   std::map<std::string, std::string> files;
   std::string document;
-  std::string error;  // what it has against dpinst.xml
 };
 
 // What the runs of all tests share: the folder that TEMP names, one to start from, one for DPInst's report.
@@ -53,9 +51,8 @@ const char* DpinstName();
 // A file's contents as a report states them.
 std::string Fingerprint(const std::string& contents);
 
-// The files that DPInst must find beside itself, as a report states them, and their names, sorted.
+// The files that DPInst must find beside itself, as a report states them.
 std::map<std::string, std::string> ExpectedFiles(const std::string& document);
-std::vector<std::string> ExpectedNames();
 
 // dpinst.xml as the Windows under test must get it.
 std::string ExpectedDocumentHere();

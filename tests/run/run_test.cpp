@@ -20,10 +20,10 @@ TEST_F(InstallerRun, GivesDpinstEveryByteAndLeavesNothing) {
   EXPECT_EQ(result.exitStatus, 0U) << "whatever DPInst says";
   EXPECT_EQ(result.invalidParameterLines, 0);
   EXPECT_EQ(result.messageBoxes, 0);
-  EXPECT_EQ(result.commandLine, work + "\\" + DpinstName());
-  EXPECT_EQ(result.program, work + "\\" + DpinstName());
-  EXPECT_EQ(result.bitness, Is64Bit() ? 64 : 32);
-  EXPECT_EQ(result.currentFolder, current);
+  EXPECT_EQ(result.report["commandLine"], work + "\\" + DpinstName());
+  EXPECT_EQ(result.report["program"], work + "\\" + DpinstName());
+  EXPECT_EQ(result.report["bitness"], Is64Bit() ? 64 : 32);
+  EXPECT_EQ(result.report["currentFolder"], current);
   EXPECT_EQ(result.document, ExpectedDocumentHere());
   EXPECT_EQ(result.files, ExpectedFiles(ExpectedDocumentHere()));
   EXPECT_EQ(NamesIn(temp), std::vector<std::string>());

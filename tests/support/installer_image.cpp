@@ -24,7 +24,7 @@ std::size_t FindArchive(const std::string& bytes, const char* firstName) {
 }
 
 EmbeddedArchive ReadArchive(const InstallerImage& image, std::size_t position) {
-  EmbeddedArchive archive = {position, {}, 0};
+  EmbeddedArchive archive = {position, {}};
   const std::uint32_t count = image.Word(position + 4);
   std::size_t body = position + 8 + kEntrySize * count;
   for (std::uint32_t i = 0; i < count; ++i) {
@@ -33,7 +33,6 @@ EmbeddedArchive ReadArchive(const InstallerImage& image, std::size_t position) {
     archive.files.push_back({entry, body, image.Bytes().c_str() + entry, size});
     body += (size + 3) / 4 * 4;
   }
-  archive.end = body;
   return archive;
 }
 
@@ -62,10 +61,6 @@ std::uint32_t InstallerImage::Word(std::size_t position) const {
     word |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes.at(position + i))) << (8 * i);
   }
   return word;
-}
-
-void InstallerImage::SetHalf(std::size_t position, std::uint16_t half) {
-  SetText(position, WordBytes(half).substr(0, 2));
 }
 
 void InstallerImage::SetWord(std::size_t position, std::uint32_t word) {

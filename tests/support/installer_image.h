@@ -15,7 +15,6 @@ struct EmbeddedFile {
 struct EmbeddedArchive {
   std::size_t position;
   std::vector<EmbeddedFile> files;
-  std::size_t end;  // behind the last body's padding: where the closing word stands
 };
 
 // The built installer, to be looked into and to be damaged in a copy. Finds its way by itself, not with the tools that
@@ -33,7 +32,6 @@ class InstallerImage {
 
   // Writes over what stands there.
   void SetText(std::size_t position, const std::string& text) { bytes.replace(position, text.size(), text); }
-  void SetHalf(std::size_t position, std::uint16_t half);
   void SetWord(std::size_t position, std::uint32_t word);
   // The record's count of an archive, the name or size of an entry, the first bytes of a body.
   void SetCount(const EmbeddedArchive& archive, std::uint32_t count) { SetWord(archive.position + 4, count); }
