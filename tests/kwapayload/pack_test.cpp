@@ -39,15 +39,13 @@ class Pack : public testing::Test {
 
 TEST_F(Pack, OrderNamesBodiesAndPadding) {
   // The order of the table is that of the upper-case names.
-  const std::vector<ArchiveBody> bodies = {
-      {"Beta.txt", "12345"},
-      {"dpinst.exe", ""},
-      {"dpinst64.exe", std::string(131072, 'x')},
-      {"marlinusb.exe", "1234"},
-      {"marlin_usb.cat", std::string(4097, '\xFF')},
-      {std::string(251, 'n') + ".txt", "123"},
-      {"_", "1"},
-  };
+  const std::vector<ArchiveBody> bodies = {{"Beta.txt", "12345"},
+                                           {"dpinst.exe", ""},
+                                           {"dpinst64.exe", std::string(131072, 'x')},
+                                           {"marlinusb.exe", "1234"},
+                                           {"marlin_usb.cat", std::string(4097, '\xFF')},
+                                           {std::string(251, 'n') + ".txt", "123"},
+                                           {"_", "1"}};
   for (const ArchiveBody& body : bodies) {
     AddFile(body.name, body.bytes);
   }

@@ -29,8 +29,7 @@ TEST(PeImage, NoImages) {
   const std::string good = BuildImage(built);
   std::string farHeader = good;
   PutWord(farHeader, 0x3C, 0xFFFFFFFC);
-  std::string otherMagic = good;
-  otherMagic[0x80 + 24] = '\x07';
+  const std::string otherMagic = good.substr(0, 0x80 + 24) + '\x07' + good.substr(0x80 + 25);
   const std::pair<std::string, std::string> kFiles[] = {
       {"M", "is no Windows program"},
       {farHeader, "is no Windows program, only a DOS one"},
@@ -80,10 +79,10 @@ std::string Imports(const std::string& section, bool isPlus, std::uint32_t addre
   EXPECT_EQ("", Read(file, &image));
   const kwa::ImportTable table = ReadImports(image);
   std::string text;
-  for (std::size_t i = 0; i < table.libraries.size() && i < 3; ++i) {
-    text += table.libraries[i].name + ":";
-    for (std::size_t j = 0; j < table.libraries[i].functions.size() && j < 3; ++j) {
-      text += " " + table.libraries[i].functions[j];
+  for (const auto& library : table.libraries) {
+    text += library.name + ":";
+    for (const std::string& function : library.functions) {
+      text += " " + function;
     }
     text += ", ";
   }

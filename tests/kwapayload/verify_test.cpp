@@ -24,25 +24,27 @@ std::string Wide(const std::string& text) {
 
 using Change = std::function<void(InstallerImage&)>;
 
-// Replaces a text by another one as long.
-void Replace(InstallerImage& image, std::size_t at, const std::string& old, const std::string& text) {
-  ASSERT_NE(at, std::string::npos) << old;
-  ASSERT_EQ(old.size(), text.size());
-  image.SetText(at, text);
+// Replaces a text by another one as long: the last in the file, which is the program's own behind the payload, or the
+// first in the INF.
+Change Replace(const std::string& old, const std::string& text, bool isInInf) {
+  return [=](InstallerImage& image) {
+    ASSERT_EQ(old.size(), text.size());
+    const std::string& bytes = image.Bytes();
+    const std::size_t at = isInInf ? bytes.find(old, image.Find("marlin_usb.inf").bodyPosition) : bytes.rfind(old);
+    ASSERT_NE(at, std::string::npos) << old;
+    image.SetText(at, text);
+  };
 }
-// The last in the file, which is the program's own behind the payload.
 Change InProgram(const std::string& old, const std::string& text) {
-  return [=](InstallerImage& image) { Replace(image, image.Bytes().rfind(old), old, text); };
+  return Replace(old, text, false);
+}
+Change InInf(const std::string& old, const std::string& text) {
+  return Replace(old, text, true);
 }
 // The text of the version record, three characters of UTF-16.
 Change VersionText(const std::string& text) {
   const std::string key = Wide("FileVersion") + std::string(4, '\0');
   return InProgram(key + Wide("1.0"), key + text);
-}
-Change InInf(const std::string& old, const std::string& text) {
-  return [=](InstallerImage& image) {
-    Replace(image, image.Bytes().find(old, image.Find("marlin_usb.inf").bodyPosition), old, text);
-  };
 }
 Change InHeader(std::size_t offset, const std::string& bytes) {
   return [=](InstallerImage& image) { image.SetText(image.Word(0x3C) + offset, bytes); };
@@ -53,22 +55,11 @@ Change InBody(const char* file, std::size_t offset, const std::string& bytes) {
 Change Name(const char* file, const std::string& name) {
   return [=](InstallerImage& image) { image.SetName(image.Find(file), name); };
 }
-Change Size(const char* file, std::uint32_t size) {
-  return [=](InstallerImage& image) { image.SetSize(image.Find(file), size); };
-}
-// The machine of a Windows program among the payload.
-Change Machine(const char* file, const std::string& machine) {
-  return [=](InstallerImage& image) {
-    const std::size_t body = image.Find(file).bodyPosition;
-    image.SetText(body + image.Word(body + 0x3C) + 4, machine);
-  };
-}
 // A signature of 8 bytes behind some padding.
 Change Signature(std::uint32_t padding) {
   return [=](InstallerImage& image) {
     const auto size = static_cast<std::uint32_t>(image.Bytes().size());
-    image.SetWord(image.Word(0x3C) + 152, size + padding);
-    image.SetWord(image.Word(0x3C) + 156, 8);
+    image.SetText(image.Word(0x3C) + 152, WordBytes(size + padding) + WordBytes(8));
     image.Resize(size + padding + 8);
   };
 }
@@ -100,7 +91,7 @@ const Damage kDamages[] = {
     {"Padding", InBody("marlin_usb.cat", 11519, "x"), {"?padding: archive A, marlin_usb.cat: the padding"}},
     {"CutOff", [](InstallerImage& image) { image.Resize(image.Find("Panorama.exe").bodyPosition + 1000); },
      {"truncated: section .rdata: the file ends ", "body-past-end: archive at offset "}},
-    {"OtherSize", Size("eula_en.txt", 4004), {"size: archive B, eula_en.txt: has 4004 bytes instead of 4002"}},
+    {"OtherSize", [](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); }, {"size: archive B, eula_en.txt: has 4004 bytes instead of 4002"}},
     {"DriverOfTheWrongMachine", Machine("marlin_usb_64.sys", "\x4C\x01"),
      {"kind: archive A, marlin_usb_64.sys: is PE32+, x86, native instead of PE32+, x64, native"}},
     {"BitmapOfOtherGeometry", InBody("kwa.bmp", 18, "2"), {"kind: archive B, kwa.bmp: is "}},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 
@@ -57,6 +58,7 @@ TEST(VerifyTrust, Packages) {
   const std::string sources = "[SourceDisksNames]\r\n1=disk\r\n[SourceDisksFiles]\r\na.inf=1\r\na.sys=1";
   const std::string twoCatalogs = "CatalogFile.ntx86=a.cat\r\nCatalogFile.ntamd64=b.cat";
   const auto secondCatalog = [](Files& files) { files["b.cat"] = CatalogOf({files["a.inf"]}); };
+  // clang-format off
   const Package packages[] = {
       {"good", catalog, sources, nullptr, ""},
       {"comment", "catalogfile = A.cat ; comment", sources, nullptr, ""},
@@ -72,18 +74,13 @@ TEST(VerifyTrust, Packages) {
       {"line ends", catalog, sources,
        [](Files& files) {
          std::string& inf = files["a.inf"];
-         for (std::size_t at = inf.find('\r'); at != std::string::npos; at = inf.find('\r')) {
-           inf.erase(at, 1);
-         }
+         inf.erase(std::remove(inf.begin(), inf.end(), '\r'), inf.end());
        },
        "not-in-catalog: a.inf; would be covered with CR LF line ends\n"},
       {"changed driver", catalog, sources, [](Files& files) { files["a.sys"] = "rebuilt"; }, "not-in-catalog: a.sys\n"},
       {"no catalog's bytes", catalog, sources, [](Files& files) { files["a.cat"].resize(100); },
        "catalog-unreadable: a.cat\n"},
-      {"unsigned catalog", catalog, sources,
-       [](Files& files) {
-         files["a.cat"] = CatalogOf({files["a.inf"], "driver"}, 0);
-       },
+      {"unsigned catalog", catalog, sources, [](Files& files) { files["a.cat"] = CatalogOf({files["a.inf"], "driver"}, 0); },
        "catalog-unsigned: a.cat\n"},
       {"broken catalog", catalog, sources, [](Files& files) { files["a.cat"].back() ^= 1; },
        "catalog-signature-broken: a.cat\n"},
@@ -100,6 +97,7 @@ TEST(VerifyTrust, Packages) {
        "signature-broken: p.exe\n"},
       {"no package", catalog, sources, [](Files& files) { files.erase("a.inf"); }, ""},
   };
+  // clang-format on
   for (const Package& package : packages) {
     EXPECT_EQ(package.findings, FindingsOf(package)) << package.what;
   }

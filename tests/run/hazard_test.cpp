@@ -13,7 +13,7 @@ using Hazard = InstallerRun;
 // The command line has no quotes: Windows tries each part that ends at a blank first.
 TEST_F(Hazard, UnquotedCommandLineStartsAPlantedProgram) {
   const std::string blanks = folder.MakeFolder("some folder\\temp");
-  WriteWholeFile(folder / "some.exe", PayloadFile('b', "dpinst.exe"));
+  WriteWholeFile(folder / "some.exe", ReadWholeFile(KWA_PAYLOAD_DIR "/b/dpinst.exe"));
   EXPECT_EQ(RunWith(blanks).report["program"], folder / "some.exe");
   EXPECT_EQ(NamesIn(blanks), std::vector<std::string>());
 }

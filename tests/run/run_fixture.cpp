@@ -126,13 +126,11 @@ std::string Fingerprint(const std::string& contents) {
 }
 
 std::map<std::string, std::string> ExpectedFiles(const std::string& document) {
-  const InstallerImage image;
   std::map<std::string, std::string> files = {{"dpinst.xml", Fingerprint(document)}};
-  for (const EmbeddedFile& file : image.A().files) {
-    files[file.name] = Fingerprint(PayloadFile('a', file.name));
-  }
-  for (const EmbeddedFile& file : image.B().files) {
-    files[file.name] = Fingerprint(PayloadFile('b', file.name));
+  for (const char* const archive : {"/a", "/b"}) {
+    for (const std::string& name : NamesIn(std::string(KWA_PAYLOAD_DIR) + archive)) {
+      files[name] = Fingerprint(ReadWholeFile(std::string(KWA_PAYLOAD_DIR) + archive + "/" + name));
+    }
   }
   return files;
 }

@@ -85,7 +85,3 @@ void InstallerImage::WriteTo(const std::string& path) const {
 const char* InstallerPath() {
   return KWA_INSTALLER;
 }
-
-std::string PayloadFile(char folder, const std::string& name) {
-  return ReadWholeFile(std::string(KWA_PAYLOAD_DIR "/") + folder + "/" + name);
-}

@@ -50,6 +50,3 @@ class InstallerImage {
 
 // The path of the installer under test.
 const char* InstallerPath();
-
-// The bytes of a payload file that went into archive A (folder 'a') or B ('b').
-std::string PayloadFile(char folder, const std::string& name);
