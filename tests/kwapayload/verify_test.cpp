@@ -5,6 +5,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "built_archive.h"
 #include "inf_cases.h"
 #include "installer_image.h"
 #include "temporary_folder.h"
@@ -55,6 +56,13 @@ Change InBody(const char* file, std::size_t offset, const std::string& bytes) {
 Change Name(const char* file, const std::string& name) {
   return [=](InstallerImage& image) { image.SetName(image.Find(file), name); };
 }
+// A Windows program among the payload gets the machine x86.
+Change MachineX86(const char* file) {
+  return [=](InstallerImage& image) {
+    const std::size_t body = image.Find(file).bodyPosition;
+    image.SetText(body + image.Word(body + 0x3C) + 4, "\x4C\x01");
+  };
+}
 // A signature of 8 bytes behind some padding.
 Change Signature(std::uint32_t padding) {
   return [=](InstallerImage& image) {
@@ -92,7 +100,7 @@ const Damage kDamages[] = {
     {"CutOff", [](InstallerImage& image) { image.Resize(image.Find("Panorama.exe").bodyPosition + 1000); },
      {"truncated: section .rdata: the file ends ", "body-past-end: archive at offset "}},
     {"OtherSize", [](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); }, {"size: archive B, eula_en.txt: has 4004 bytes instead of 4002"}},
-    {"DriverOfTheWrongMachine", Machine("marlin_usb_64.sys", "\x4C\x01"),
+    {"DriverOfTheWrongMachine", MachineX86("marlin_usb_64.sys"),
      {"kind: archive A, marlin_usb_64.sys: is PE32+, x86, native instead of PE32+, x64, native"}},
     {"BitmapOfOtherGeometry", InBody("kwa.bmp", 18, "2"), {"kind: archive B, kwa.bmp: is "}},
     {"NoVersion", InInf("DriverVer ", "DriverVex "), {OfInf("version-key-missing", "[Version] has no DriverVer")}},
@@ -170,7 +178,7 @@ TEST(DamagedInstaller, GivesItsFindingAndNoOther) {
 // What is left to the list of contents, the installer's own names bring up without one.
 TEST(Verify, WithoutContentsAsksForWhatTheInstallerNames) {
   InstallerImage image;
-  Machine("dpinst64.exe", "\x4C\x01")(image);
+  MachineX86("dpinst64.exe")(image);
   Name("eula_de.txt", "eula_da.txt")(image);
   InBody("eula_en.txt", 100, "\xFF")(image);
   std::vector<std::string> lines;

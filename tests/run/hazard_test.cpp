@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "expected_document.h"
 #include "run_fixture.h"
+#include "windows_facts.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ TEST_F(Hazard, NamesAreNotEscapedInXml) {
   ReplaceAll(text, "Marlin USB", "USB <&>\"'%");
   image.SetBody(inf, text);
   const RunResult result = RunChanged(image);
-  std::string expected = ExpectedDocumentHere();
+  std::string expected = ExpectedDocument();
   ReplaceAll(expected, "Marlin USB", "USB <&>\"'%");
   EXPECT_EQ(result.document, expected);
   EXPECT_EQ(result.report["error"].get<std::string>().rfind("dpinst.xml, line ", 0), 0U) << result.report["error"];

@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "expected_document.h"
 #include "windows_facts.h"
 
 namespace {
@@ -133,8 +132,4 @@ std::map<std::string, std::string> ExpectedFiles(const std::string& document) {
     }
   }
   return files;
-}
-
-std::string ExpectedDocumentHere() {
-  return ExpectedDocument(WindowsMajorVersion() <= 5);
 }

@@ -53,6 +53,3 @@ std::string Fingerprint(const std::string& contents);
 
 // The files that DPInst must find beside itself, as a report states them.
 std::map<std::string, std::string> ExpectedFiles(const std::string& document);
-
-// dpinst.xml as the Windows under test must get it.
-std::string ExpectedDocumentHere();

@@ -24,8 +24,11 @@ TEST_F(InstallerRun, GivesDpinstEveryByteAndLeavesNothing) {
   EXPECT_EQ(result.report["program"], work + "\\" + DpinstName());
   EXPECT_EQ(result.report["bitness"], Is64Bit() ? 64 : 32);
   EXPECT_EQ(result.report["currentFolder"], current);
-  EXPECT_EQ(result.document, ExpectedDocumentHere());
-  EXPECT_EQ(result.files, ExpectedFiles(ExpectedDocumentHere()));
+  EXPECT_EQ(result.document, ExpectedDocument());
+  EXPECT_EQ(result.files, ExpectedFiles(ExpectedDocument()));
+  EXPECT_EQ(result.report["flags"].size(), WindowsMajorVersion() <= 5 ? 4U : 3U);
+  EXPECT_EQ(result.report["languages"].size(), 25U);
+  EXPECT_EQ(result.report["languages"]["0x0809"]["eulaNoButton"], "I do not accept this EULA ");
   EXPECT_EQ(NamesIn(temp), std::vector<std::string>());
   EXPECT_EQ(NamesIn(current), std::vector<std::string>());
 }
@@ -36,7 +39,7 @@ TEST_F(InstallerRun, RemovesWhatAnEarlierRunLeft) {
   WriteWholeFile(work + "\\Panorama.exe", "old");
   WriteWholeFile(work + "\\sub\\subsub\\file", "old");
   SetFileAttributesA((work + "\\Panorama.exe").c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
-  EXPECT_EQ(Run().files, ExpectedFiles(ExpectedDocumentHere()));
+  EXPECT_EQ(Run().files, ExpectedFiles(ExpectedDocument()));
   EXPECT_EQ(NamesIn(temp), std::vector<std::string>());
 }
 

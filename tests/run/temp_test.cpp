@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "expected_document.h"
 #include "run_fixture.h"
+#include "windows_facts.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
       {"C:\\" + std::string(256, 't'), 1, "\\"},
       {"C:\\" + std::string(253, 't'), 1, "\\"},
   };
-  const std::map<std::string, std::string> files = ExpectedFiles(ExpectedDocumentHere());
+  const std::map<std::string, std::string> files = ExpectedFiles(ExpectedDocument());
   // No other test writes there; an earlier one of this may have failed half way.
   std::filesystem::remove_all("C:\\kwa");
   for (const auto& [name, fingerprint] : files) {
@@ -38,7 +38,7 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
     EXPECT_EQ(result.invalidParameterLines, expected.lines);
     EXPECT_EQ(result.report["commandLine"], std::string(expected.workFolder) + DpinstName());
     EXPECT_EQ(result.report["program"], std::string("C:") + expected.workFolder + DpinstName());
-    EXPECT_EQ(result.document, ExpectedDocumentHere());
+    EXPECT_EQ(result.document, ExpectedDocument());
     if (std::string(expected.workFolder) == "\\") {
       for (const auto& [name, fingerprint] : files) {
         EXPECT_EQ(Fingerprint(ReadWholeFile("C:\\" + name)), fingerprint) << name;
@@ -54,7 +54,7 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
 // The separator behind the work folder does not fit: everything lands in the current folder, and the INF, looked for
 // under its bare name, is not found there.
 TEST_F(InstallerTemp, Of255CharactersFillsTheCurrentFolder) {
-  std::string document = ExpectedDocumentHere();
+  std::string document = ExpectedDocument();
   for (const char* text :
        {"Marlin R1, Marlin R2, Kestrel, Marlin R3, Marlin R4", "Marlin USB", "02/13/2014,1.0.42.0"}) {
     ReplaceAll(document, text, "");

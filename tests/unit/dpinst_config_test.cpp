@@ -7,7 +7,6 @@
 #include <cstdio>
 
 #include "dpinst/dpinst_document.h"
-#include "expected_document.h"
 #include "test_folder.h"
 #include "windows_facts.h"
 
@@ -42,7 +41,7 @@ TEST(WriteDpinstConfig, ReplacesAnOlderFileAndNeedsItsFolder) {
   const TestFolder folder;
   WriteWholeFile(folder / "dpinst.xml", std::string(100000, 'x'));
   kwa::WriteDpinstConfig(folder.Slashed().c_str(), kVersion, kMarlinUsb);
-  EXPECT_EQ(ReadWholeFile(folder / "dpinst.xml"), ExpectedDocument(WindowsMajorVersion() <= 5));
+  EXPECT_EQ(ReadWholeFile(folder / "dpinst.xml"), ExpectedDocument());
   kwa::WriteDpinstConfig((folder / "missing\\").c_str(), kVersion, kMarlinUsb);
   EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"dpinst.xml"});
 }

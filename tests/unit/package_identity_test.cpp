@@ -1,14 +1,46 @@
-// Which INF gives the identity. What is read of it, host_inf_reader_test.cpp holds to the host tool's reader.
-
-#include "dpinst/package_identity.h"
+// Which INF gives the package's identity, and what is read of it: the host tool's reader must read what the platform's
+// does of many files put together at random from all that means something to either, and its preview must be what the
+// installer writes.
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <string_view>
+
+#include "dpinst/dpinst_config.h"
+#include "dpinst/package_identity.h"
+#include "inf/package_identity.h"
+#include "inf_cases.h"
+#include "installer/preview.h"
 #include "test_folder.h"
 
 namespace {
+
+using namespace std::string_view_literals;
+
+// Mostly what makes up a profile, so that the values are found often; some of it wrong.
+// clang-format off
+constexpr std::string_view kPieces[] = {
+    "[Version]\r\n"sv, "[Version]\r\n"sv, "DriverVer="sv, "DriverVer="sv, "DriverPackageDisplayName = "sv,
+    "DriverPackageDisplayName = "sv, "[version] "sv, "DRIVERVER"sv, "[x]\n"sv, "\r\n"sv, "\r\n"sv, "\n"sv, "\r"sv,
+    "["sv, "]"sv, "="sv, "\""sv, "\""sv, "'"sv, "'"sv, ";"sv, " "sv, "\t"sv, "\v"sv, "\x1A"sv, "\0"sv, "%"sv, "a"sv,
+    "1.0"sv, "\xA0"sv, "\xE4"sv, "\x80"sv,
+    "abcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyz"sv,
+};
+// clang-format on
+
+std::string RandomInf(std::mt19937* random) {
+  const auto below = [random](unsigned limit) { return static_cast<unsigned>((*random)() % limit); };
+  const bool isUtf16 = below(3) == 0;
+  std::string text = below(4) == 0 ? "" : "[Version]\r\n";
+  for (unsigned i = below(30); i > 0; --i) {
+    const std::string_view piece = kPieces[below(std::size(kPieces))];
+    text += isUtf16 && (piece.front() & 0x80) != 0 ? "z"sv : piece;
+  }
+  return isUtf16 ? Utf16Inf(text) : text;
+}
 
 using Identity = std::pair<std::string, std::string>;  // version, display name
 
@@ -18,6 +50,33 @@ Identity ReadIdentity(const std::string& workFolder) {
   const std::uint32_t length = kwa::ReadPackageIdentity(workFolder.c_str(), identity.version, identity.displayName);
   EXPECT_EQ(length, std::string(identity.version).size());
   return {identity.version, identity.displayName};
+}
+
+// Writes the INF into a folder of its own, since the platform keeps what it has read of a name.
+void ExpectTheSame(const std::string& inf) {
+  SCOPED_TRACE(testing::PrintToString(inf.substr(0, 300)));
+  const TestFolder folder;
+  WriteWholeFile(folder / "random.inf", inf);
+  const auto [version, displayName] = ReadIdentity(folder.Slashed());
+  const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(kwa::InfText(kwa::ByteSpan(inf)));
+  EXPECT_EQ(identity.version, version);
+  EXPECT_EQ(identity.displayName, displayName);
+  EXPECT_EQ(identity.fault, "");
+  kwa::WriteDpinstConfig(folder.Slashed().c_str(), version.c_str(), displayName.c_str());
+  EXPECT_EQ(kwa::PreviewDpinstConfig(identity, kwa::IsVistaOrLater() == 0), ReadWholeFile(folder / "dpinst.xml"));
+}
+
+TEST(HostInfReader, ReadsAndPreviewsWhatThePlatformReadsAndWrites) {
+  if (GetACP() != 1252) {
+    GTEST_SKIP() << "bytes beyond ASCII pass as they are in code page 1252; this Windows uses " << GetACP();
+  }
+  for (const InfCase& inf : InfCases()) {
+    ExpectTheSame(inf.bytes);
+  }
+  std::mt19937 random(1);
+  for (int i = 0; i < 200; ++i) {
+    ExpectTheSame(RandomInf(&random));
+  }
 }
 
 TEST(ReadPackageIdentity, ReadsTheFirstInfListed) {
