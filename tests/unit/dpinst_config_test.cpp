@@ -1,37 +1,78 @@
-// dpinst.xml, byte for byte against expected/dpinst.xml, which shows it for the package that the installer carries.
+// The welcome page's device list for every family, and which family a name with several keys belongs to; dpinst.xml,
+// byte for byte against expected/dpinst.xml, which shows it for the package that the installer carries.
 
 #include "dpinst/dpinst_config.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 
+#include "dpinst/device_families.h"
 #include "dpinst/dpinst_document.h"
 #include "test_folder.h"
 #include "windows_facts.h"
 
 namespace {
 
-constexpr char kVersion[] = "02/13/2014,1.0.42.0";
-constexpr char kMarlinUsb[] = "Marlin USB";
+constexpr char kMadi[] = "Osprey Q2, Osprey Q3, Tern K4 (Update Mode)";
+constexpr char kUsb[] = "Marlin R1, Marlin R2, Kestrel, Marlin R3, Marlin R4";
+constexpr char kMarlin[] = "Marlin T1, Marlin T2, Marlin R2, Marlin R3, Marlin R4";
+constexpr char kVireoeQx[] = "Vireoe Z9, Osprey Q2";
+constexpr char kVireo[] =
+    "Vireo Series (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), \n"
+    "Vireoe Series (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)";
+constexpr char kVireoGerman[] =
+    "Vireo Serie (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), \n"
+    "Vireoe Serie (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)";
+
+const struct {
+  const char* displayName;
+  const char* english;
+  const char* german = english;
+} kCases[] = {
+    {"The OspreyNET drivers", "Osprey Q1"},
+    {"MADI", kMadi},
+    {"USB", kUsb},
+    {"Marlin", kMarlin},
+    {"Vireoe QX", kVireoeQx},
+    {"Vireoe Q", kVireo, kVireoGerman},
+    // Several keys: the first in the order of the families.
+    {"USB MADI OspreyNET", "Osprey Q1"},
+    {"USB MADI", kMadi},
+    {"Marlin USB", kUsb},
+    {"Vireoe QX Marlin", kMarlin},
+    {"Vireo and Vireoe QX", kVireoeQx},
+    // No key.
+    {"marlin usb %s%n", ""},
+};
+
+TEST(WriteDeviceList, WritesTheFamilyAndTheVersion) {
+  constexpr char kVersion[] = "%s 02/13/2014,1.0.42.0 <\xC3\xA4\xE4>";
+  const TestFolder folder;
+  for (const auto& expected : kCases) {
+    for (const int german : {0, 1}) {
+      std::FILE* const file = std::fopen((folder / "list").c_str(), "wb");
+      kwa::WriteDeviceList(file, expected.displayName, kVersion, german);
+      std::fclose(file);
+      EXPECT_EQ(ReadWholeFile(folder / "list"),
+                std::string(german != 0 ? expected.german : expected.english) + "\n\n" + kVersion + "\n")
+          << expected.displayName;
+    }
+  }
+}
 
 TEST(WriteDpinstDocument, TakesVersionAndNameAsTheyStand) {
   constexpr char kOddVersion[] = "<%s%n&>";
   constexpr char kOddName[] = "100% Vireo %s & <b>\xC3\xA4\xE4";
   std::string expected = ExpectedDocument(true);
-  ReplaceAll(expected, "Marlin R1, Marlin R2, Kestrel, Marlin R3, Marlin R4",
-             "Vireo Series (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), \r\n"
-             "Vireoe Series (Y2, J1, Osprey, Y3, Petrel, Y4, Y5)");
-  ReplaceAll(expected, kMarlinUsb, kOddName);
-  ReplaceAll(expected, kVersion, kOddVersion);
-  const std::size_t german = expected.find("Willkommen");
-  std::string inGerman = expected.substr(german, expected.find("</language>", german) - german);
-  const std::size_t size = inGerman.size();
-  ReplaceAll(inGerman, "Series", "Serie");
-  expected.replace(german, size, inGerman);
-
+  ReplaceAll(expected, "\r\n", "\n");
+  expected.replace(expected.find(kUsb, expected.find("Willkommen")), std::strlen(kUsb), kVireoGerman);
+  ReplaceAll(expected, kUsb, kVireo);
+  ReplaceAll(expected, "Marlin USB", kOddName);
+  ReplaceAll(expected, "02/13/2014,1.0.42.0", kOddVersion);
   const TestFolder folder;
-  std::FILE* const file = std::fopen((folder / "document").c_str(), "wt");
+  std::FILE* const file = std::fopen((folder / "document").c_str(), "wb");
   kwa::WriteDpinstDocument(file, kOddVersion, kOddName, true);
   std::fclose(file);
   EXPECT_EQ(ReadWholeFile(folder / "document"), expected);
@@ -40,9 +81,9 @@ TEST(WriteDpinstDocument, TakesVersionAndNameAsTheyStand) {
 TEST(WriteDpinstConfig, ReplacesAnOlderFileAndNeedsItsFolder) {
   const TestFolder folder;
   WriteWholeFile(folder / "dpinst.xml", std::string(100000, 'x'));
-  kwa::WriteDpinstConfig(folder.Slashed().c_str(), kVersion, kMarlinUsb);
+  kwa::WriteDpinstConfig(folder.Slashed().c_str(), "02/13/2014,1.0.42.0", "Marlin USB");
   EXPECT_EQ(ReadWholeFile(folder / "dpinst.xml"), ExpectedDocument());
-  kwa::WriteDpinstConfig((folder / "missing\\").c_str(), kVersion, kMarlinUsb);
+  kwa::WriteDpinstConfig((folder / "missing\\").c_str(), "", "");
   EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"dpinst.xml"});
 }
 

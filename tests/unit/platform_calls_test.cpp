@@ -26,7 +26,6 @@ struct Platform {
   bool hasMemory = true;
   BOOL startsPrograms = TRUE;
   DWORD wait = WAIT_OBJECT_0;
-  BOOL hasExitCode = TRUE;
   DWORD lastError = ERROR_FILE_NOT_FOUND;  // 2
   bool hasKernel = true;
   bool hasWow64Directory = true;
@@ -85,14 +84,6 @@ DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   return platform.wait;
 }
 
-BOOL WINAPI GetExitCodeProcess(HANDLE /*handle*/, DWORD* /*exitCode*/) {
-  return platform.hasExitCode;
-}
-
-BOOL WINAPI GetExitCodeThread(HANDLE /*handle*/, DWORD* /*exitCode*/) {
-  return FALSE;
-}
-
 BOOL WINAPI CloseHandle(HANDLE handle) {
   Note("CloseHandle ", Name(handle));
   return TRUE;
@@ -148,7 +139,6 @@ TEST(RunDpinst, GoesOnWhateverFails) {
       {[] { platform.hasMemory = false; }, false, "HeapAlloc 0 23; "},
       {[] { platform.startsPrograms = FALSE; }, true, start + "HeapFree; "},
       {[] { platform.wait = WAIT_FAILED; }, true, start + wait + close},
-      {[] { platform.hasExitCode = FALSE; }, true, start + wait + close},
   };
   for (const auto& [change, result, calls] : cases) {
     platform = {};
