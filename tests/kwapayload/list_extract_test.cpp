@@ -74,13 +74,13 @@ TEST_F(ListExtract, ListForProgramsInTheOrderOfTheFile) {
   EXPECT_EQ(0, run.status) << run.errors;
   const auto document = nlohmann::json::parse(run.output);
   ASSERT_EQ(4U, document["files"].size());
-  nlohmann::json last = document["files"][3];
+  const nlohmann::json& last = document["files"][3];
   EXPECT_EQ(kBodiesB[1].bytes, installer.substr(last["fileOffset"], last["size"]));
-  last.erase("fileOffset");
-  last.erase("sha256");
-  EXPECT_EQ(last,
-            nlohmann::json::parse(R"({"archive": "B", "order": 2, "name": "kwap.bin", "position": 540, "size": 280,
-                                            "kind": "unknown data", "version": null})"));
+  const auto expected = nlohmann::json::parse(R"({"archive": "B", "order": 2, "name": "kwap.bin", "position": 540,
+                                                  "size": 280, "kind": "unknown data", "version": null})");
+  for (const auto& [key, value] : expected.items()) {
+    EXPECT_EQ(value, last[key]) << key;
+  }
   EXPECT_EQ("Vireo", document["package"]["family"]);
   EXPECT_EQ("Vireoe Serie (Y2", document["package"]["germanDevices"][7]);
   EXPECT_EQ(false, document["signed"]);
@@ -167,12 +167,8 @@ TEST_F(ListExtract, OverwritesOnlyWithForceAndFollowsNoLink) {
   ExpectFailure(Extract("folder", {"--force", "empty"}), folder.Path(), {"folder/empty: exists and is not a file"});
 }
 
-TEST_F(ListExtract, FullDiskLeavesNoPartialFile) {
-  const std::string file = MakeFile(BuildArchive({{"a", "small"}, {"b", std::string(300000, 'x')}}));
-  ExpectFailure(RunTool({"extract", file, folder / "out"}, "ulimit -f 64; "), folder.Path(),
-                {"out/b: cannot be written: File too large"});
-  EXPECT_EQ(std::vector<std::string>{"a"}, NamesIn(folder / "out"));
-  const ToolRun run = RunTool({"list", file}, "sh -c '\"$@\" >/dev/full' sh ");
+TEST_F(ListExtract, OutputThatCannotBeWrittenIsAFailure) {
+  const ToolRun run = RunTool({"list", MakeFile(BuildArchive(kBodiesA))}, "sh -c '\"$@\" >/dev/full' sh ");
   EXPECT_EQ(1, run.status);
   EXPECT_EQ("kwapayload: standard output: cannot be written\n", run.errors);
 }
