@@ -4,10 +4,6 @@
 
 namespace {
 
-std::string HalfBytes(std::uint16_t half) {
-  return WordBytes(half).substr(0, 2);
-}
-
 std::string OptionalHeader(const BuiltImage& image) {
   std::string header = HalfBytes(image.isPlus ? 0x020B : 0x010B);
   header.resize(image.isPlus ? 112 : 96);

@@ -60,7 +60,7 @@ TEST(Compare, PrintsDifferencesAndNothingElse) {
   WriteWholeFile(folder / "new", BuildArchive({{"changed", "b"}, {"LONGER", "12"}, {"more", "\r\n"}, {"same", ""}}));
   InstallerImage image;
   image.SetText(image.Bytes().find("02/13/2014", image.Find("marlin_usb.inf").bodyPosition), "03/01/2014,1.0.43.0");
-  image.WriteTo(folder / "next.exe");
+  WriteWholeFile(folder / "next.exe", image.Bytes());
   const struct {
     std::string before, after;
     int status;

@@ -11,10 +11,6 @@
 
 namespace {
 
-std::string HalfBytes(std::size_t half) {
-  return WordBytes(static_cast<std::uint32_t>(half)).substr(0, 2);
-}
-
 // Returns the fault, or "".
 std::string Read(const std::string& file, kwa::PeImage* image) {
   std::string fault;

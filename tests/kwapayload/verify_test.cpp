@@ -199,10 +199,10 @@ TEST(Verify, ExitStatusAndOutputTellTheFindings) {
   InstallerImage image;
   InBody("marlin_usb.cat", 11519, "x")(image);
   const std::string warned = folder / "warned.exe";
-  image.WriteTo(warned);
+  WriteWholeFile(warned, image.Bytes());
   InBody("marlin_usb.inf", 0, "\xEF\xBB\xBF")(image);
   const std::string failed = folder / "failed.exe";
-  image.WriteTo(failed);
+  WriteWholeFile(failed, image.Bytes());
   const std::string warning = "warning: archive A, marlin_usb.cat: the padding behind its body is not zero\n";
   const std::string error =
       std::string("error: ") + kInf + "begins with the mark of UTF-8, which not every Windows knows\n";

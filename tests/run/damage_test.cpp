@@ -19,7 +19,7 @@ const std::vector<std::string> kArchiveA = {"Panorama.chm",        "Panorama.exe
 // clang-format off
 const Damage kDamages[] = {
     {"NothingInA", [](InstallerImage* image) { image->SetCount(image->A(), 0); }, true, kNothing},
-    {"MagicOfB", [](InstallerImage* image) { image->SetWord(image->B().position, 0); }, true, kArchiveA},
+    {"MagicOfB", [](InstallerImage* image) { image->SetText(image->B().position, "none"); }, true, kArchiveA},
     {"RefusedName", [](InstallerImage* image) { image->SetName(image->Find("marlin_usb.inf"), "a*b"); }, true,
      {"marlin_usb.cat", "marlinusb.exe"}},
     // The table of this many entries does not fit in 32 bits.
@@ -47,8 +47,8 @@ TEST_F(DamagedInstaller, StartsNothing) {
     EXPECT_EQ(result.exitStatus == 0, damage.returns) << result.exitStatus;
     EXPECT_EQ(result.invalidParameterLines, 0);
     EXPECT_TRUE(result.report.is_null());
-    EXPECT_EQ(Exists(work), !damage.left.empty());
-    if (Exists(work)) {
+    EXPECT_EQ(std::filesystem::exists(work), !damage.left.empty());
+    if (std::filesystem::exists(work)) {
       EXPECT_EQ(NamesIn(work), damage.left == kNothing ? std::vector<std::string>() : damage.left);
     }
   }

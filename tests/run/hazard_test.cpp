@@ -22,7 +22,7 @@ TEST_F(Hazard, UnquotedCommandLineStartsAPlantedProgram) {
 // leaves what it would have deleted after it.
 TEST_F(Hazard, LockedForeignFileStaysBesideDpinst) {
   folder.MakeFolder("temp\\kwa");
-  const LockedFile lock(work + "\\zz_planted.dll");
+  const LockedFile lock = Lock(work + "\\zz_planted.dll");
   const RunResult result = Run();
   EXPECT_EQ(result.exitStatus, 0U);
   EXPECT_EQ(result.files.size(), ExpectedFiles("").size() + 1);
@@ -31,7 +31,7 @@ TEST_F(Hazard, LockedForeignFileStaysBesideDpinst) {
 
 TEST_F(Hazard, LockedPayloadFileEndsTheRunSilently) {
   folder.MakeFolder("temp\\kwa");
-  const LockedFile lock(work + "\\marlin_usb.sys");
+  const LockedFile lock = Lock(work + "\\marlin_usb.sys");
   const RunResult result = Run();
   EXPECT_EQ(result.exitStatus, 0U);
   EXPECT_TRUE(result.report.is_null());

@@ -61,7 +61,7 @@ void ReadReport(const std::string& folder, RunResult* result) {
     result->files[file.at("name")] =
         std::to_string(file.at("size").get<std::uint64_t>()) + " " + file.at("sha256").get<std::string>();
   }
-  if (Exists(folder + "\\dpinst.xml")) {
+  if (std::filesystem::exists(folder + "\\dpinst.xml")) {
     result->document = ReadWholeFile(folder + "\\dpinst.xml");
   }
 }
@@ -86,7 +86,7 @@ RunResult InstallerRun::RunIn(const std::string& startFolder, const std::optiona
   DebugToEnd(process, &result);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
-  if (Exists(reports + "\\report.json")) {
+  if (std::filesystem::exists(reports + "\\report.json")) {
     ReadReport(reports, &result);
   }
   return result;
@@ -94,9 +94,9 @@ RunResult InstallerRun::RunIn(const std::string& startFolder, const std::optiona
 
 RunResult InstallerRun::RunChanged(const InstallerImage& image) {
   program = folder / "changed.exe";
-  image.WriteTo(program);
+  WriteWholeFile(program, image.Bytes());
   const RunResult result = Run();
-  program = InstallerPath();
+  program = KWA_INSTALLER;
   return result;
 }
 

@@ -42,7 +42,7 @@ class InstallerRun : public testing::Test {
   const std::string reports = folder.MakeFolder("reports");
   const std::string current = folder.MakeFolder("current");
   const std::string work = temp + "\\kwa";
-  std::string program = InstallerPath();
+  std::string program = KWA_INSTALLER;
 };
 
 // The edition of DPInst for the Windows under test.

@@ -89,7 +89,7 @@ TEST_F(InstallerTemp, IsTakenAsItStands) {
       // The platform quotes a line for the program when it found that behind a blank.
       EXPECT_EQ(result.report["commandLine"], line.find(' ') == std::string::npos ? line : "\"" + line + "\"");
       EXPECT_EQ(result.report["program"], expected.program + DpinstName());
-      EXPECT_FALSE(Exists(expected.program));
+      EXPECT_FALSE(std::filesystem::exists(expected.program));
     }
   }
   EXPECT_EQ(NamesIn(current), std::vector<std::string>{"relative"});

@@ -16,6 +16,9 @@ struct ArchiveBody {
 // An archive with its closing zero word.
 std::string BuildArchive(const std::vector<ArchiveBody>& bodies);
 
-// Four little-endian bytes.
+// Four little-endian bytes, and two.
 std::string WordBytes(std::uint32_t word);
+inline std::string HalfBytes(std::uint32_t half) {
+  return WordBytes(half).substr(0, 2);
+}
 void PutWord(std::string& bytes, std::size_t offset, std::uint32_t word);

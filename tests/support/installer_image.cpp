@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "built_archive.h"
 #include "temporary_folder.h"
 
 namespace {
@@ -38,7 +37,7 @@ EmbeddedArchive ReadArchive(const InstallerImage& image, std::size_t position) {
 
 }  // namespace
 
-InstallerImage::InstallerImage() : bytes(ReadWholeFile(InstallerPath())) {
+InstallerImage::InstallerImage() : bytes(ReadWholeFile(KWA_INSTALLER)) {
   archives.push_back(ReadArchive(*this, FindArchive(bytes, "marlinusb.exe")));
   archives.push_back(ReadArchive(*this, FindArchive(bytes, "dpinst.exe")));
 }
@@ -63,10 +62,6 @@ std::uint32_t InstallerImage::Word(std::size_t position) const {
   return word;
 }
 
-void InstallerImage::SetWord(std::size_t position, std::uint32_t word) {
-  PutWord(bytes, position, word);
-}
-
 void InstallerImage::SetName(const EmbeddedFile& file, std::string name) {
   name.resize(kNameSize);
   SetText(file.entryPosition, name);
@@ -76,12 +71,4 @@ void InstallerImage::SetBody(const EmbeddedFile& file, std::string body) {
   EXPECT_LE(body.size(), file.size) << "too large for " << file.name;
   body.resize(file.size);
   SetText(file.bodyPosition, body);
-}
-
-void InstallerImage::WriteTo(const std::string& path) const {
-  WriteWholeFile(path, bytes);
-}
-
-const char* InstallerPath() {
-  return KWA_INSTALLER;
 }

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "built_archive.h"
+
 // A file of the payload as it stands in the installer's file. All positions are bytes from the file's start.
 struct EmbeddedFile {
   std::size_t entryPosition;  // of its 264-byte record
@@ -32,21 +34,15 @@ class InstallerImage {
 
   // Writes over what stands there.
   void SetText(std::size_t position, const std::string& text) { bytes.replace(position, text.size(), text); }
-  void SetWord(std::size_t position, std::uint32_t word);
   // The record's count of an archive, the name or size of an entry, the first bytes of a body.
-  void SetCount(const EmbeddedArchive& archive, std::uint32_t count) { SetWord(archive.position + 4, count); }
-  void SetSize(const EmbeddedFile& file, std::uint32_t size) { SetWord(file.entryPosition + 260, size); }
+  void SetCount(const EmbeddedArchive& archive, std::uint32_t count) { PutWord(bytes, archive.position + 4, count); }
+  void SetSize(const EmbeddedFile& file, std::uint32_t size) { PutWord(bytes, file.entryPosition + 260, size); }
   void SetName(const EmbeddedFile& file, std::string name);
   void SetBody(const EmbeddedFile& file, std::string body);
   // Cuts the file's end off, or puts bytes there.
   void Resize(std::size_t size) { bytes.resize(size, 'x'); }
 
-  void WriteTo(const std::string& path) const;
-
  private:
   std::string bytes;
   std::vector<EmbeddedArchive> archives;
 };
-
-// The path of the installer under test.
-const char* InstallerPath();

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <share.h>
+
+#include <cstdio>
+#include <memory>
 #include <string>
 
 #include "temporary_folder.h"
@@ -9,21 +13,11 @@ class TestFolder : public TemporaryFolder {
  public:
   // With the separator at the end that the installer's functions want.
   std::string Slashed() const { return Path() + "\\"; }
-
-  // Creates a folder whose path has exactly this length, its separator counted, and returns that path.
-  std::string MakeFolderOfLength(std::size_t length) const;
 };
 
-bool Exists(const std::string& path);
+// A file that is kept open so that nobody else can open or delete it.
+using LockedFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-// Keeps a file open so that nobody else can open or delete it.
-class LockedFile {
- public:
-  explicit LockedFile(const std::string& path);
-  ~LockedFile();
-  LockedFile(const LockedFile&) = delete;
-  LockedFile& operator=(const LockedFile&) = delete;
-
- private:
-  void* handle;
-};
+inline LockedFile Lock(const std::string& path) {
+  return {_fsopen(path.c_str(), "wb", _SH_DENYRW), std::fclose};
+}

@@ -122,7 +122,7 @@ TEST_F(ExtractArchive, ThrowsWhenTheTableIsTooLong) {
 }
 
 TEST_F(ExtractArchive, EndsAtAFileThatCannotBeOpened) {
-  const LockedFile lock(folder / "locked");
+  const LockedFile lock = Lock(folder / "locked");
   for (const std::string name : {"locked", "missing\\second", "sec*nd", ""}) {
     Install(BuildArchive({{"first", "1"}, {name, "2"}, {"third", "3"}}));
     EXPECT_EQ(Extract(), kwa::ArchiveExtractFailed);
