@@ -19,8 +19,9 @@ class Standin : public testing::TestWithParam<const char*> {
     const std::string program = folder / "standin.exe";
     ASSERT_TRUE(CopyFileA(GetParam(), program.c_str(), TRUE)) << GetParam();
     WriteWholeFile(folder / "dpinst.xml", ExpectedDocument(false));
-    WriteWholeFile(folder / "eula_de.txt", std::string("\xEF\xBB\xBF") + "Für Geräte\r\n");
-    WriteWholeFile(folder / "eula_en.txt", "");
+    for (const char* const eula : {"eula_de.txt", "eula_en.txt"}) {
+      WriteWholeFile(folder / eula, std::string("\xEF\xBB\xBF") + "Für Geräte\r\n");
+    }
     WriteWholeFile(folder / "marlin.inf", "");
     SetEnvironmentVariableA("KWA_STANDIN_LANGUAGE", "0x0407");
     SetEnvironmentVariableA("KWA_STANDIN_EXIT", "0x40000001");
