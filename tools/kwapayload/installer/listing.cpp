@@ -144,17 +144,15 @@ Listing MakeListing(const InstallerFile& installer) {
   listing.isInstaller = installer.image.has_value();
   listing.isSigned = installer.image.has_value() && !installer.image->CertificateTable().Empty();
   const PackageTrust trust = ReadPackageTrust(installer);
-  const LocatedArchive* archive = nullptr;
-  std::size_t order = 0;
   for (const FileTrust& file : trust.files) {
+    const LocatedArchive& archive = *file.archive;
     const ArchiveItem& item = *file.item;
-    order = file.archive == archive ? order + 1 : 1;
-    archive = file.archive;
+    const bool isFirst = listing.files.empty() || listing.files.back().archive != archive.letter;
     VersionRecord record = FileVersionRecord(item.body);
-    listing.files.push_back({archive->letter,
-                             order,
+    listing.files.push_back({archive.letter,
+                             isFirst ? 1 : listing.files.back().order + 1,
                              item.position,
-                             archive->fileOffset + item.position,
+                             archive.fileOffset + item.position,
                              EscapedText(item.name),
                              item.size,
                              FileKind(item.body),
