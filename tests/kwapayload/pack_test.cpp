@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <csignal>
 
-#include "base/ascii_text.h"
 #include "base/tool_failure.h"
 #include "built_archive.h"
 #include "payload/entry_name.h"
@@ -35,12 +34,6 @@ TEST(EntryName, GoodAndBadNames) {
   for (const auto& [name, fault] : kCases) {
     EXPECT_EQ(fault, kwa::EntryNameFault(name)) << name;
   }
-}
-
-// The underscore lies between the upper-case and the lower-case letters.
-TEST(EntryName, UnderscoreSortsBehindLetters) {
-  EXPECT_LT(kwa::UpperCase("marlinusb.exe"), kwa::UpperCase("marlin_usb.cat"));
-  EXPECT_EQ("[\\]{|}AZ", kwa::UpperCase("[\\]{|}az"));
 }
 
 // A folder `in` to be packed and a folder `out` for the archive, in a folder of the test's own.

@@ -65,7 +65,6 @@ TEST(VerifyTrust, Packages) {
       {"decorated", "CatalogFile.NTx86=a.cat\r\nCatalogFile.ntAMD64 = \"%Name%.cat\"", sources, nullptr, ""},
       {"all platforms", "CatalogFile.nt=a.cat\r\nCatalogFile=none.cat", sources, nullptr, ""},
       {"no catalog", "CatalogFile.ntia64=a.cat", sources, nullptr, "version-key-missing: package, a.inf\n"},
-      {"not carried", "CatalogFile=b.cat", sources, nullptr, "catalog-missing: package, a.inf\n"},
       {"two catalogs", twoCatalogs, sources, secondCatalog, "not-in-catalog: a.sys\n"},
       {"two catalogs, a file of one platform", twoCatalogs, "[SourceDisksFiles.x86]\r\na.sys=1", secondCatalog, ""},
       {"subfolder", catalog, "[SourceDisksFiles]\r\na.sys=1,amd64", nullptr, "source-file-in-folder: package, a.inf\n"},
@@ -77,6 +76,12 @@ TEST(VerifyTrust, Packages) {
          inf.erase(std::remove(inf.begin(), inf.end(), '\r'), inf.end());
        },
        "not-in-catalog: a.inf; would be covered with CR LF line ends\n"},
+      {"line ends of a driver's text", catalog, sources,
+       [](Files& files) {
+         files["a.cat"] = CatalogOf({files["a.inf"], "a\nb\n"});
+         files["a.sys"] = "a\r\nb\n";
+       },
+       "not-in-catalog: a.sys; would be covered with LF line ends\n"},
       {"changed driver", catalog, sources, [](Files& files) { files["a.sys"] = "rebuilt"; }, "not-in-catalog: a.sys\n"},
       {"no catalog's bytes", catalog, sources, [](Files& files) { files["a.cat"].resize(100); },
        "catalog-unreadable: a.cat\n"},
@@ -95,7 +100,6 @@ TEST(VerifyTrust, Packages) {
          files["p.exe"] = BuildImage(image) + WordBytes(9) + WordBytes(0x00020200) + "x";
        },
        "signature-broken: p.exe\n"},
-      {"no package", catalog, sources, [](Files& files) { files.erase("a.inf"); }, ""},
   };
   // clang-format on
   for (const Package& package : packages) {

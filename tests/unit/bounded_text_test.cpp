@@ -47,13 +47,4 @@ TEST(Bounded, Text) {
   }
 }
 
-// The capacity of every path in the installer.
-TEST(AppendPath, HoldsWhatFitsIn260Bytes) {
-  char path[kwa::kTextCapacity] = {};
-  kwa::AppendPath(path, std::string(259, 'x').c_str());
-  EXPECT_EQ(std::string(path), std::string(259, 'x'));
-  kwa::AppendPath(path, "y");
-  EXPECT_EQ(std::string(path), "");
-}
-
 }  // namespace

@@ -1,9 +1,14 @@
-// Fuzzes the reader of installers and archives: all that list, extract and verify read of a file.
+// Fuzzes the readers of untrusted files: all that list, extract, verify and preview read of an installer, an archive or
+// an INF.
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
 #include "base/tool_failure.h"
+#include "inf/catalog_names.h"
+#include "inf/inf_reader.h"
+#include "inf/inf_source_files.h"
+#include "inf/package_identity.h"
 #include "installer/file_kind.h"
 #include "installer/installer_file.h"
 #include "pe/pe_imports.h"
@@ -35,12 +40,23 @@ void ReadTrust(kwa::ByteSpan bytes) {
   }
 }
 
+void ReadInf(kwa::ByteSpan bytes) {
+  const kwa::InfText inf(bytes);
+  const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(inf);
+  if (identity.version.size() > kwa::kInfValueLimit || identity.displayName.size() > kwa::kInfValueLimit) {
+    __builtin_trap();
+  }
+  kwa::ReadInfSourceFiles(inf);
+  kwa::CatalogName(inf, "amd64");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const kwa::ByteSpan bytes(data, size);
   kwa::FileKind(bytes);
   ReadTrust(bytes);
+  ReadInf(bytes);
   // Whatever surrounds an archive: also as the read-only data of a program.
   for (const kwa::ParsedArchive& archive : kwa::FindArchives(bytes)) {
     // A sound archive has every byte that it promises.
