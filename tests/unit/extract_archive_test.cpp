@@ -42,7 +42,7 @@ class ExtractArchive : public testing::Test {
   void Install(const std::string& bytes, int index = 0) {
     words[index].resize(bytes.size() / 4);
     std::memcpy(words[index].data(), bytes.data(), bytes.size());
-    (index == 0 ? kwa::archiveA : kwa::archiveB) = {words[index].data(), 0};
+    (index == 0 ? kwa::archiveA : kwa::archiveB) = kwa::PayloadArchive{words[index].data(), 0};
     events.clear();
   }
 

@@ -25,7 +25,7 @@ struct Stroke {
   Point from, to;
 };
 
-Colour Mix(Colour a, Colour b, double share) {
+Colour Mix(const Colour& a, const Colour& b, double share) {
   return {a.red + (b.red - a.red) * share, a.green + (b.green - a.green) * share, a.blue + (b.blue - a.blue) * share};
 }
 

@@ -49,7 +49,8 @@ std::string HeaderForm(const PeImage& image) {
 
 std::string ImportForm(const PeImage& image) {
   std::string form;
-  for (const ImportedLibrary& library : ReadImports(image).libraries) {
+  const ImportTable imports = ReadImports(image);
+  for (const ImportedLibrary& library : imports.libraries) {
     form += library.name + ":";
     for (const std::string& function : library.functions) {
       form += " " + function;
