@@ -38,31 +38,25 @@ struct TrustList {
   STACK_OF(X509_EXTENSION) * extensions;
 };
 
-// clang-format off
 ASN1_SEQUENCE(NameValue) = {
-  ASN1_SIMPLE(NameValue, name, ASN1_BMPSTRING),
-  ASN1_SIMPLE(NameValue, flags, ASN1_INTEGER),
-  ASN1_SIMPLE(NameValue, value, ASN1_OCTET_STRING)
-  // cppcheck-suppress unknownMacro
-} static_ASN1_SEQUENCE_END(NameValue)
+    ASN1_SIMPLE(NameValue, name, ASN1_BMPSTRING), ASN1_SIMPLE(NameValue, flags, ASN1_INTEGER),
+    ASN1_SIMPLE(NameValue, value, ASN1_OCTET_STRING),
+    // cppcheck-suppress unknownMacro
+} static_ASN1_SEQUENCE_END(NameValue);
 
 ASN1_SEQUENCE(CatalogMember) = {
-  ASN1_SIMPLE(CatalogMember, tag, ASN1_OCTET_STRING),
-  ASN1_SET_OF(CatalogMember, attributes, X509_ATTRIBUTE)
-} static_ASN1_SEQUENCE_END(CatalogMember)
+    ASN1_SIMPLE(CatalogMember, tag, ASN1_OCTET_STRING),
+    ASN1_SET_OF(CatalogMember, attributes, X509_ATTRIBUTE),
+} static_ASN1_SEQUENCE_END(CatalogMember);
 
 ASN1_SEQUENCE(TrustList) = {
-  ASN1_SEQUENCE_OF(TrustList, usage, ASN1_OBJECT),
-  ASN1_SIMPLE(TrustList, identifier, ASN1_OCTET_STRING),
-  ASN1_SIMPLE(TrustList, time, ASN1_UTCTIME),
-  ASN1_SIMPLE(TrustList, generation, X509_ALGOR),
-  ASN1_SEQUENCE_OF(TrustList, members, CatalogMember),
-  ASN1_EXP_SEQUENCE_OF(TrustList, extensions, X509_EXTENSION, 0)
-} static_ASN1_SEQUENCE_END(TrustList)
-    // clang-format on
+    ASN1_SEQUENCE_OF(TrustList, usage, ASN1_OBJECT),     ASN1_SIMPLE(TrustList, identifier, ASN1_OCTET_STRING),
+    ASN1_SIMPLE(TrustList, time, ASN1_UTCTIME),          ASN1_SIMPLE(TrustList, generation, X509_ALGOR),
+    ASN1_SEQUENCE_OF(TrustList, members, CatalogMember), ASN1_EXP_SEQUENCE_OF(TrustList, extensions, X509_EXTENSION, 0),
+} static_ASN1_SEQUENCE_END(TrustList);
 
-    template <typename Value>
-    std::shared_ptr<Value> New(const ASN1_ITEM* item) {
+template <typename Value>
+std::shared_ptr<Value> New(const ASN1_ITEM* item) {
   auto* const value = reinterpret_cast<Value*>(ASN1_item_new(item));
   Require(value != nullptr);
   return {value, [item](Value* owned) { ASN1_item_free(reinterpret_cast<ASN1_VALUE*>(owned), item); }};

@@ -17,12 +17,10 @@ struct SpcIndirectData {
   X509_SIG* digest;  // algorithm and digest
 };
 
-// clang-format off
 ASN1_SEQUENCE(SpcIndirectData) = {
-  ASN1_SIMPLE(SpcIndirectData, what, X509_ALGOR),
-  ASN1_SIMPLE(SpcIndirectData, digest, X509_SIG)
-} static_ASN1_SEQUENCE_END(SpcIndirectData)
-// clang-format on
+    ASN1_SIMPLE(SpcIndirectData, what, X509_ALGOR),
+    ASN1_SIMPLE(SpcIndirectData, digest, X509_SIG),
+} static_ASN1_SEQUENCE_END(SpcIndirectData);
 
 }  // namespace
 

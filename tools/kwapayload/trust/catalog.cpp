@@ -31,43 +31,40 @@ struct TrustListFields {
   ASN1_STRING* members;
   ASN1_TYPE* extensions;
 };
-ASN1_SEQUENCE(TrustListFields) =
-    {
-        ASN1_OPT(TrustListFields, version, ASN1_INTEGER),
-        ASN1_SIMPLE(TrustListFields, usage, ASN1_SEQUENCE),
-        ASN1_OPT(TrustListFields, identifier, ASN1_OCTET_STRING),
-        ASN1_OPT(TrustListFields, sequenceNumber, ASN1_INTEGER),
-        ASN1_SIMPLE(TrustListFields, time, ASN1_TIME),
-        ASN1_OPT(TrustListFields, nextTime, ASN1_TIME),
-        ASN1_SIMPLE(TrustListFields, memberAlgorithm, X509_ALGOR),
-        ASN1_OPT(TrustListFields, members, ASN1_SEQUENCE),
-        ASN1_EXP_OPT(TrustListFields, extensions, ASN1_ANY, 0),
-} static_ASN1_SEQUENCE_END(TrustListFields)
+ASN1_SEQUENCE(TrustListFields) = {
+    ASN1_OPT(TrustListFields, version, ASN1_INTEGER),
+    ASN1_SIMPLE(TrustListFields, usage, ASN1_SEQUENCE),
+    ASN1_OPT(TrustListFields, identifier, ASN1_OCTET_STRING),
+    ASN1_OPT(TrustListFields, sequenceNumber, ASN1_INTEGER),
+    ASN1_SIMPLE(TrustListFields, time, ASN1_TIME),
+    ASN1_OPT(TrustListFields, nextTime, ASN1_TIME),
+    ASN1_SIMPLE(TrustListFields, memberAlgorithm, X509_ALGOR),
+    ASN1_OPT(TrustListFields, members, ASN1_SEQUENCE),
+    ASN1_EXP_OPT(TrustListFields, extensions, ASN1_ANY, 0),
+} static_ASN1_SEQUENCE_END(TrustListFields);
 
-        struct MemberFields {
+struct MemberFields {
   ASN1_OCTET_STRING* tag;
   ASN1_TYPE* attributes;
 };
-ASN1_SEQUENCE(MemberFields) =
-    {
-        ASN1_SIMPLE(MemberFields, tag, ASN1_OCTET_STRING),
-        ASN1_OPT(MemberFields, attributes, ASN1_ANY),
-} static_ASN1_SEQUENCE_END(MemberFields)
+ASN1_SEQUENCE(MemberFields) = {
+    ASN1_SIMPLE(MemberFields, tag, ASN1_OCTET_STRING),
+    ASN1_OPT(MemberFields, attributes, ASN1_ANY),
+} static_ASN1_SEQUENCE_END(MemberFields);
 
-        struct NameValueFields {
+struct NameValueFields {
   ASN1_BMPSTRING* name;
   ASN1_INTEGER* flags;
   ASN1_OCTET_STRING* value;
 };
-ASN1_SEQUENCE(NameValueFields) =
-    {
-        ASN1_SIMPLE(NameValueFields, name, ASN1_BMPSTRING),
-        ASN1_SIMPLE(NameValueFields, flags, ASN1_INTEGER),
-        ASN1_SIMPLE(NameValueFields, value, ASN1_OCTET_STRING),
-} static_ASN1_SEQUENCE_END(NameValueFields)
+ASN1_SEQUENCE(NameValueFields) = {
+    ASN1_SIMPLE(NameValueFields, name, ASN1_BMPSTRING),
+    ASN1_SIMPLE(NameValueFields, flags, ASN1_INTEGER),
+    ASN1_SIMPLE(NameValueFields, value, ASN1_OCTET_STRING),
+} static_ASN1_SEQUENCE_END(NameValueFields);
 
-    // ASCII text in little-endian UTF-16 up to a zero; other characters become '?'.
-    std::string NarrowText(ByteSpan wide) {
+// ASCII text in little-endian UTF-16 up to a zero; other characters become '?'.
+std::string NarrowText(ByteSpan wide) {
   std::string text;
   for (std::size_t i = 0; wide.U16(i) != 0; i += 2) {
     text += wide.U16(i) < 0x80 ? static_cast<char>(wide.U16(i)) : '?';

@@ -14,13 +14,12 @@ struct ContentInfoFields {
   ASN1_OBJECT* type;
   ASN1_TYPE* content;
 };
-ASN1_SEQUENCE(ContentInfoFields) =
-    {
-        ASN1_SIMPLE(ContentInfoFields, type, ASN1_OBJECT),
-        ASN1_EXP_OPT(ContentInfoFields, content, ASN1_ANY, 0),
-} static_ASN1_SEQUENCE_END(ContentInfoFields)
+ASN1_SEQUENCE(ContentInfoFields) = {
+    ASN1_SIMPLE(ContentInfoFields, type, ASN1_OBJECT),
+    ASN1_EXP_OPT(ContentInfoFields, content, ASN1_ANY, 0),
+} static_ASN1_SEQUENCE_END(ContentInfoFields);
 
-        struct SignedDataFields {
+struct SignedDataFields {
   ASN1_INTEGER* version;
   ASN1_TYPE* digestAlgorithms;
   ContentInfoFields* contentInfo;
@@ -28,27 +27,25 @@ ASN1_SEQUENCE(ContentInfoFields) =
   ASN1_STRING* revocationLists;
   ASN1_TYPE* signers;
 };
-ASN1_SEQUENCE(SignedDataFields) =
-    {
-        ASN1_SIMPLE(SignedDataFields, version, ASN1_INTEGER),
-        ASN1_SIMPLE(SignedDataFields, digestAlgorithms, ASN1_ANY),
-        ASN1_SIMPLE(SignedDataFields, contentInfo, ContentInfoFields),
-        ASN1_IMP_OPT(SignedDataFields, certificates, ASN1_SEQUENCE, 0),
-        ASN1_IMP_OPT(SignedDataFields, revocationLists, ASN1_SEQUENCE, 1),
-        ASN1_SIMPLE(SignedDataFields, signers, ASN1_ANY),
-} static_ASN1_SEQUENCE_END(SignedDataFields)
+ASN1_SEQUENCE(SignedDataFields) = {
+    ASN1_SIMPLE(SignedDataFields, version, ASN1_INTEGER),
+    ASN1_SIMPLE(SignedDataFields, digestAlgorithms, ASN1_ANY),
+    ASN1_SIMPLE(SignedDataFields, contentInfo, ContentInfoFields),
+    ASN1_IMP_OPT(SignedDataFields, certificates, ASN1_SEQUENCE, 0),
+    ASN1_IMP_OPT(SignedDataFields, revocationLists, ASN1_SEQUENCE, 1),
+    ASN1_SIMPLE(SignedDataFields, signers, ASN1_ANY),
+} static_ASN1_SEQUENCE_END(SignedDataFields);
 
-        struct IssuerAndNumberFields {
+struct IssuerAndNumberFields {
   ASN1_STRING* issuer;
   ASN1_INTEGER* serialNumber;
 };
-ASN1_SEQUENCE(IssuerAndNumberFields) =
-    {
-        ASN1_SIMPLE(IssuerAndNumberFields, issuer, ASN1_SEQUENCE),
-        ASN1_SIMPLE(IssuerAndNumberFields, serialNumber, ASN1_INTEGER),
-} static_ASN1_SEQUENCE_END(IssuerAndNumberFields)
+ASN1_SEQUENCE(IssuerAndNumberFields) = {
+    ASN1_SIMPLE(IssuerAndNumberFields, issuer, ASN1_SEQUENCE),
+    ASN1_SIMPLE(IssuerAndNumberFields, serialNumber, ASN1_INTEGER),
+} static_ASN1_SEQUENCE_END(IssuerAndNumberFields);
 
-        struct SignerInfoFields {
+struct SignerInfoFields {
   ASN1_INTEGER* version;
   IssuerAndNumberFields* issuerAndNumber;
   ASN1_OCTET_STRING* keyIdentifier;
@@ -58,30 +55,28 @@ ASN1_SEQUENCE(IssuerAndNumberFields) =
   ASN1_OCTET_STRING* signature;
   ASN1_STRING* unsignedAttributes;
 };
-ASN1_SEQUENCE(SignerInfoFields) =
-    {
-        ASN1_SIMPLE(SignerInfoFields, version, ASN1_INTEGER),
-        ASN1_OPT(SignerInfoFields, issuerAndNumber, IssuerAndNumberFields),
-        ASN1_IMP_OPT(SignerInfoFields, keyIdentifier, ASN1_OCTET_STRING, 0),
-        ASN1_SIMPLE(SignerInfoFields, digestAlgorithm, X509_ALGOR),
-        ASN1_IMP_OPT(SignerInfoFields, signedAttributes, ASN1_SEQUENCE, 0),
-        ASN1_SIMPLE(SignerInfoFields, signatureAlgorithm, X509_ALGOR),
-        ASN1_SIMPLE(SignerInfoFields, signature, ASN1_OCTET_STRING),
-        ASN1_IMP_OPT(SignerInfoFields, unsignedAttributes, ASN1_SEQUENCE, 1),
-} static_ASN1_SEQUENCE_END(SignerInfoFields)
+ASN1_SEQUENCE(SignerInfoFields) = {
+    ASN1_SIMPLE(SignerInfoFields, version, ASN1_INTEGER),
+    ASN1_OPT(SignerInfoFields, issuerAndNumber, IssuerAndNumberFields),
+    ASN1_IMP_OPT(SignerInfoFields, keyIdentifier, ASN1_OCTET_STRING, 0),
+    ASN1_SIMPLE(SignerInfoFields, digestAlgorithm, X509_ALGOR),
+    ASN1_IMP_OPT(SignerInfoFields, signedAttributes, ASN1_SEQUENCE, 0),
+    ASN1_SIMPLE(SignerInfoFields, signatureAlgorithm, X509_ALGOR),
+    ASN1_SIMPLE(SignerInfoFields, signature, ASN1_OCTET_STRING),
+    ASN1_IMP_OPT(SignerInfoFields, unsignedAttributes, ASN1_SEQUENCE, 1),
+} static_ASN1_SEQUENCE_END(SignerInfoFields);
 
-        struct IndirectDataFields {
+struct IndirectDataFields {
   ASN1_TYPE* subject;
   X509_SIG* digest;
 };
-ASN1_SEQUENCE(IndirectDataFields) =
-    {
-        ASN1_SIMPLE(IndirectDataFields, subject, ASN1_ANY),
-        ASN1_SIMPLE(IndirectDataFields, digest, X509_SIG),
-} static_ASN1_SEQUENCE_END(IndirectDataFields)
+ASN1_SEQUENCE(IndirectDataFields) = {
+    ASN1_SIMPLE(IndirectDataFields, subject, ASN1_ANY),
+    ASN1_SIMPLE(IndirectDataFields, digest, X509_SIG),
+} static_ASN1_SEQUENCE_END(IndirectDataFields);
 
-    // Returns false where the bytes do not begin with a whole element of a known length.
-    bool SplitElement(ByteSpan bytes, ByteSpan* element, ByteSpan* content) {
+// Returns false where the bytes do not begin with a whole element of a known length.
+bool SplitElement(ByteSpan bytes, ByteSpan* element, ByteSpan* content) {
   const unsigned char* at = bytes.Data();
   long length = 0;
   int tag = 0;
