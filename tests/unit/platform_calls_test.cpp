@@ -26,6 +26,7 @@ struct Platform {
   bool hasMemory = true;
   BOOL startsPrograms = TRUE;
   DWORD wait = WAIT_OBJECT_0;
+  BOOL knowsExitCode = TRUE;
   DWORD lastError = ERROR_FILE_NOT_FOUND;  // 2
   bool hasKernel = true;
   bool hasWow64Directory = true;
@@ -84,6 +85,28 @@ DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   return platform.wait;
 }
 
+BOOL WINAPI GetExitCodeProcess(HANDLE handle, DWORD* /*exitCode*/) {
+  Note("GetExitCodeProcess ", Name(handle));
+  return platform.knowsExitCode;
+}
+
+BOOL WINAPI GetExitCodeThread(HANDLE handle, DWORD* /*exitCode*/) {
+  Note("GetExitCodeThread ", Name(handle));
+  return FALSE;
+}
+
+DWORD WINAPI FormatMessageA(DWORD flags, const void* /*source*/, DWORD message, DWORD language, char* text,
+                            DWORD /*size*/, va_list* /*inserts*/) {
+  Note("FormatMessageA ", flags, " ", message, " ", language);
+  *reinterpret_cast<char**>(text) = block;
+  return 1;
+}
+
+HLOCAL WINAPI LocalFree(HLOCAL text) {
+  Note(text == block ? "LocalFree" : "LocalFree of another text");
+  return nullptr;
+}
+
 BOOL WINAPI CloseHandle(HANDLE handle) {
   Note("CloseHandle ", Name(handle));
   return TRUE;
@@ -133,12 +156,15 @@ namespace {
 TEST(RunDpinst, GoesOnWhateverFails) {
   const std::string start = "HeapAlloc 0 23; CreateProcessA C:\\a folder\\dpinst.exe; ";
   const std::string wait = "WaitForSingleObject process; ";
-  const std::string close = "CloseHandle process; CloseHandle thread; HeapFree; ";
+  const std::string code = "GetExitCodeProcess process; ";
+  const std::string close = "GetExitCodeThread thread; CloseHandle process; CloseHandle thread; HeapFree; ";
+  const std::string report = "FormatMessageA 4352 2 1024; LocalFree; ";
   const std::tuple<void (*)(), bool, std::string> cases[] = {
-      {[] {}, true, start + wait + close},
+      {[] {}, true, start + wait + code + close},
       {[] { platform.hasMemory = false; }, false, "HeapAlloc 0 23; "},
-      {[] { platform.startsPrograms = FALSE; }, true, start + "HeapFree; "},
-      {[] { platform.wait = WAIT_FAILED; }, true, start + wait + close},
+      {[] { platform.startsPrograms = FALSE; }, true, start + report + "HeapFree; "},
+      {[] { platform.wait = WAIT_FAILED; }, true, start + wait + report + code + close},
+      {[] { platform.knowsExitCode = FALSE; }, true, start + wait + code + report + close},
   };
   for (const auto& [change, result, calls] : cases) {
     platform = {};
