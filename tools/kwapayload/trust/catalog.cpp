@@ -126,7 +126,11 @@ bool AddMember(ByteSpan element, Catalog* catalog) {
     if (!ReadIndirectData(indirectData, &algorithm, &digest) || digest.empty()) {
       return false;
     }
-    catalog->digests[algorithm].insert(digest);
+    // What names another algorithm covers nothing. Each that is kept costs a digest of every file.
+    const char* const known = AlgorithmOfSize(digest.size());
+    if (known != nullptr && algorithm == known) {
+      catalog->digests[algorithm].insert(digest);
+    }
   }
   ForEachAttributeValue(attributes, kNameValue, [&](ByteSpan value) {
     AddFileName(value, catalog);

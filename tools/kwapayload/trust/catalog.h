@@ -17,7 +17,8 @@ struct Catalog {
   // SHA-256. 0: the catalog says neither.
   unsigned generation;
   std::size_t memberCount;
-  // The members' digests by algorithm, as FileDigests has them. A member that is a tag alone has its tag's.
+  // The members' digests by algorithm, as FileDigests has them: MD5, SHA-1 and SHA-2, of which each has its own size. A
+  // member that is a tag alone has its tag's.
   std::map<std::string, std::set<std::string>> digests;
   std::set<std::string> fileNames;    // upper-case, of the members that name one; only a remark, Windows ignores it
   std::vector<Signature> signatures;  // none in an unsigned catalog
