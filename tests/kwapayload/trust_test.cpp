@@ -199,6 +199,8 @@ TEST(Trust, EmbeddedSignatures) {
       {shortEntry, kDamaged},
       {tableInHeaders, kDamaged},
       {WithTable(program, "no signature"), ": is no signed data\n"},
+      {WithTable(program, BuildSignedData({kIndirectDataType, TrustList(2, ""), 0})),
+       ": is missing: the certificate table holds nothing that is signed\n"},
       {WithTable(program, BuildCatalog(2, "")), "Tester: is not one of a program\n"},
       {WithTable(program, BuildSignedData({kIndirectDataType, TrustList(2, "")})), "Tester: is not one of a program\n"},
   };

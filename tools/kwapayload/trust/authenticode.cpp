@@ -40,8 +40,10 @@ std::vector<Signature> ReadEmbeddedSignatures(FileDigests* file) {
     table = table.From((size + kAlignment - 1) / kAlignment * kAlignment);
   }
   // What is stuffed behind a signature changes nothing for Windows.
-  if (!isWhole && signatures.empty()) {
+  if (signatures.empty() && !isWhole) {
     signatures.push_back({"", "is not all there: the certificate table is damaged", false, {}});
+  } else if (signatures.empty() && !image->CertificateTable().Empty()) {
+    signatures.push_back({"", "is missing: the certificate table holds nothing that is signed", false, {}});
   }
   return signatures;
 }
