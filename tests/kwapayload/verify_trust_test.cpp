@@ -65,6 +65,8 @@ TEST(VerifyTrust, Packages) {
       {"decorated", "CatalogFile.NTx86=a.cat\r\nCatalogFile.ntAMD64 = \"%Name%.cat\"", sources, nullptr, ""},
       {"all platforms", "CatalogFile.nt=a.cat\r\nCatalogFile=none.cat", sources, nullptr, ""},
       {"no catalog", "CatalogFile.ntia64=a.cat", sources, nullptr, "version-key-missing: package, a.inf\n"},
+      {"one of two", "CatalogFile.ntx86=a.cat", sources + "\r\n[Manufacturer]\r\nm=M,NTx86,NTamd64.6.1", nullptr,
+       "version-key-missing: package, a.inf\n"},
       {"two catalogs", twoCatalogs, sources, secondCatalog, "not-in-catalog: a.sys\n"},
       {"two catalogs, a file of one platform", twoCatalogs, "[SourceDisksFiles.x86]\r\na.sys=1", secondCatalog, ""},
       {"subfolder", catalog, "[SourceDisksFiles]\r\na.sys=1,amd64", nullptr, "source-file-in-folder: package, a.inf\n"},

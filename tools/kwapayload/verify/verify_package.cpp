@@ -10,6 +10,7 @@
 #include "inf/inf_reader.h"
 #include "inf/inf_source_files.h"
 #include "inf/package_identity.h"
+#include "inf/setup_section.h"
 #include "payload/entry_name.h"
 #include "verify/verification.h"
 
@@ -72,6 +73,19 @@ void VerifyIdentity(const std::string& where, const InfText& inf, Findings* find
   }
 }
 
+// Whether the INF has models for a platform, such as "x86": its [Manufacturer] says "KWA = Models,NTx86,NTamd64.6.1".
+bool HasModels(const InfText& inf, const std::string& platform) {
+  const std::string decoration = UpperCase("nt" + platform);
+  for (const SetupLine& line : ReadSetupSection(inf, "Manufacturer")) {
+    for (const std::string& value : line.values) {
+      if (UpperCase(value).rfind(decoration, 0) == 0) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 void VerifyPackage(const InstallerFile& installer, Findings* findings) {
@@ -101,6 +115,12 @@ void VerifyPackage(const InstallerFile& installer, Findings* findings) {
   const std::set<std::string> catalogs = {CatalogName(inf, "x86"), CatalogName(inf, "amd64")};
   if (catalogs == std::set<std::string>{""}) {
     findings->AddError(where, "[Version] has no CatalogFile", "version-key-missing");
+  }
+  for (const char* const platform : {"x86", "amd64"}) {
+    if (catalogs.size() == 2 && CatalogName(inf, platform).empty() && HasModels(inf, platform)) {
+      findings->AddError(where, std::string("[Version] names no CatalogFile for the models of ") + platform,
+                         "version-key-missing");
+    }
   }
   for (const std::string& catalog : catalogs) {
     if (!catalog.empty() && names.count(UpperCase(catalog)) == 0) {
