@@ -44,9 +44,9 @@ TEST(ReadHostPackageIdentity, SaysWhatCannotBeKnown) {
 
 TEST(ReadInfSourceFiles, ReadsBySetupsRules) {
   const std::string inf =
-      "[SourceDisksFiles.AMD64] ; 64-bit\r\n\"b;c.sys\" = 1 ; x = 2\r\n;d.sys=1\r\nnone\r\n[SourceDisksFilesX]\r\n"
+      "[SourceDisksFiles.AMD64] ; 64-bit\r\n\"b;c%Ext%\" = 1 ; x = 2\r\n;d.sys=1\r\nnone\r\n[SourceDisksFilesX]\r\n"
       "e.sys=1\r\n[ sourcedisksfiles ]\r\n a.sys ; = 1\r\n a.sys=1,,\r\nf=2,.\\x\r\ng=2\r\n[SourceDisksNames]\r\n"
-      "1=a,b\r\n2=\"a,b\",,,\\%Dir%\r\n[strings]\r\ndIR=\"i386\"";
+      "1=a,b\r\n2=\"a,b\",,,\\%Dir%\r\n[strings]\r\ndIR=\"i386\"\r\next=.sys";
   for (const std::string& bytes : {inf, Utf16Inf(inf)}) {
     std::string shown;
     for (const kwa::InfSourceFile& file : kwa::ReadInfSourceFiles(kwa::InfText(kwa::ByteSpan(bytes)))) {

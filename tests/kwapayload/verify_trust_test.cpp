@@ -62,7 +62,7 @@ TEST(VerifyTrust, Packages) {
   const Package packages[] = {
       {"good", catalog, sources, nullptr, ""},
       {"comment", "catalogfile = A.cat ; comment", sources, nullptr, ""},
-      {"decorated", "CatalogFile.NTx86=a.cat\r\nCatalogFile.ntAMD64 = \"%Name%.cat\"", sources, nullptr, ""},
+      {"decorated", "CatalogFile.NTx86=a.cat\r\nCatalogFile.ntAMD64 = \"%Name%.c%Name%t\"", sources, nullptr, ""},
       {"all platforms", "CatalogFile.nt=a.cat\r\nCatalogFile=none.cat", sources, nullptr, ""},
       {"no catalog", "CatalogFile.ntia64=a.cat", sources, nullptr, "version-key-missing: package, a.inf\n"},
       {"one of two", "CatalogFile.ntx86=a.cat", sources + "\r\n[Manufacturer]\r\nm=M,NTx86,NTamd64.6.1", nullptr,

@@ -35,14 +35,23 @@ std::string Unquoted(std::string_view text) {
   return std::string(text.substr(0, kTextLimit));
 }
 
-std::string WithStrings(const std::string& text, const Strings& strings) {
-  const std::size_t begin = text.find('%');
-  const std::size_t end = begin == std::string::npos ? begin : text.find('%', begin + 1);
-  if (end == std::string::npos) {
-    return text;
+// With the values for each %name%, "%" for "%%", and unknown names as they are.
+std::string WithStrings(std::string_view text, const Strings& strings) {
+  std::string whole;
+  while (whole.size() < kTextLimit) {
+    const std::size_t begin = text.find('%');
+    const std::size_t end = begin == std::string_view::npos ? begin : text.find('%', begin + 1);
+    if (end == std::string_view::npos) {
+      break;
+    }
+    const auto known = strings.find(UpperCase(text.substr(begin + 1, end - begin - 1)));
+    whole += text.substr(0, begin);
+    whole += known != strings.end() ? known->second : end == begin + 1 ? "%" : text.substr(begin, end - begin);
+    // What closes no known name may open one.
+    text.remove_prefix(known != strings.end() || end == begin + 1 ? end + 1 : end);
   }
-  const auto known = strings.find(UpperCase(text.substr(begin + 1, end - begin - 1)));
-  return known == strings.end() ? text : text.substr(0, begin) + known->second + text.substr(end + 1);
+  whole += text;
+  return whole.substr(0, kTextLimit);
 }
 
 std::vector<SetupLine> ReadLines(const InfText& inf, std::string_view section, const Strings& strings) {
@@ -58,7 +67,7 @@ std::vector<SetupLine> ReadLines(const InfText& inf, std::string_view section, c
       isInSection = IsSameText(header.substr(0, point), section);
       platform = point == header.size() ? "" : LowerCase(header.substr(point + 1));
     } else if (isInSection && line.find('=') != std::string_view::npos) {
-      SetupLine read = {platform, Unquoted(TakeUpTo(&line, '=')), {}};
+      SetupLine read = {platform, WithStrings(Unquoted(TakeUpTo(&line, '=')), strings), {}};
       do {
         read.values.push_back(WithStrings(Unquoted(TakeUpTo(&line, ',')), strings));
       } while (!line.empty() && read.values.size() < kMaxValues);
