@@ -7,7 +7,8 @@
 
 namespace kwa {
 
-// A file that an INF's [SourceDisksFiles] sections name, those for one platform ([SourceDisksFiles.amd64]) included.
+// A file that an INF's [SourceDisksFiles] sections name, those for x86 or x64 ([SourceDisksFiles.amd64]) included; the
+// installer runs nowhere else.
 struct InfSourceFile {
   std::string name;
   std::string platform;  // "amd64" and the like, "" for all
