@@ -44,6 +44,9 @@ std::string HeaderForm(const PeImage& image) {
   for (const std::uint32_t masked : {8, 56, 64}) {
     form.replace(kOptionalHeader + masked, 4, 4, '\0');
   }
+  for (const PeSection& section : image.sections) {
+    form += section.name + " " + std::to_string(section.characteristics) + "\n";
+  }
   return form;
 }
 
