@@ -15,12 +15,13 @@ namespace {
 
 using Files = std::map<std::string, std::string>;
 
-std::string CatalogOf(const std::vector<std::string>& files, unsigned signerCount = 1) {
+std::string CatalogOf(const std::vector<std::string>& files, unsigned signerCount = 1,
+                      const std::function<std::string(const std::string&)>& timestamp = nullptr) {
   std::string members;
   for (const std::string& file : files) {
     members += Der(kDerSequence, Der(kDerOctets, DigestBytes(file, "SHA256")));
   }
-  return BuildSignedData({kTrustListType, TrustList(2, members), signerCount});
+  return BuildSignedData({kTrustListType, TrustList(2, members), signerCount, true, timestamp});
 }
 
 struct Package {
@@ -90,6 +91,12 @@ TEST(VerifyTrust, Packages) {
       {"unsigned catalog", catalog, sources, [](Files& files) { files["a.cat"] = CatalogOf({files["a.inf"], "driver"}, 0); },
        "catalog-unsigned: a.cat\n"},
       {"broken catalog", catalog, sources, [](Files& files) { files["a.cat"].back() ^= 1; },
+       "catalog-signature-broken: a.cat\n"},
+      {"another signature's timestamp", catalog, sources,
+       [](Files& files) {
+         files["a.cat"] =
+             CatalogOf({files["a.inf"], "driver"}, 1, [](const std::string&) { return TimestampToken("another"); });
+       },
        "catalog-signature-broken: a.cat\n"},
       {"catalog of others", catalog, sources, [](Files& files) { files["a.cat"] = CatalogOf({"other"}); },
        "?catalog-of-other-files: a.cat\nnot-in-catalog: a.inf\nnot-in-catalog: a.sys\n"},

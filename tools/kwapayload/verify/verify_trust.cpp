@@ -10,11 +10,12 @@ namespace {
 void AddBrokenSignatures(const std::string& where, const std::vector<Signature>& signatures, const char* code,
                          Findings* findings) {
   for (const Signature& signature : signatures) {
+    const std::string text =
+        "its signature" + (signature.signer.empty() ? "" : " by \"" + signature.signer + "\"") + " ";
     if (!signature.fault.empty()) {
-      findings->AddError(where,
-                         "its signature" + (signature.signer.empty() ? "" : " by \"" + signature.signer + "\"") + " " +
-                             signature.fault,
-                         code);
+      findings->AddError(where, text + signature.fault, code);
+    } else if (signature.timestamp && !signature.timestamp->fault.empty()) {
+      findings->AddError(where, text + "has a timestamp that " + signature.timestamp->fault, code);
     }
   }
 }
