@@ -33,7 +33,7 @@ std::string TimeText(const ASN1_TIME* time) {
   return std::string(text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S UTC", &parts));
 }
 
-Timestamp ReadCounterSignature(ByteSpan element, const SignerInfo& signer, const std::string& certificates) {
+Timestamp ReadCounterSignature(ByteSpan element, const SignerInfo& signer, Certificates* certificates) {
   SignerInfo counterSigner;
   if (!ReadSignerInfo(element, &counterSigner)) {
     return {false, "", "is unreadable"};
@@ -64,13 +64,13 @@ Timestamp ReadTimestampToken(ByteSpan element, const SignerInfo& signer) {
   if (digest != DigestOf(ByteSpan(signer.signature), DigestName(TS_MSG_IMPRINT_get_algo(imprint)))) {
     timestamp.fault = "is one of another signature";
   } else {
-    timestamp.fault =
-        CheckSigner(token.signers.front(), token.SignedOctets(), token.certificates, SignerKind::Signer).fault;
+    Certificates certificates(token.certificates);
+    timestamp.fault = CheckSigner(token.signers.front(), token.SignedOctets(), &certificates, SignerKind::Signer).fault;
   }
   return timestamp;
 }
 
-std::optional<Timestamp> ReadTimestamp(const SignerInfo& signer, const std::string& certificates) {
+std::optional<Timestamp> ReadTimestamp(const SignerInfo& signer, Certificates* certificates) {
   const ByteSpan attributes(signer.unsignedAttributes);
   if (const ByteSpan token = AttributeValue(attributes, kTimestampToken); !token.Empty()) {
     return ReadTimestampToken(token, signer);
@@ -96,15 +96,16 @@ void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentFault& cont
     signatures->push_back({"", fault, isNested, {}});
     return;
   }
+  Certificates certificates(data.certificates);
   for (const SignerInfo& signer : data.signers) {
     if (!HasRoom(signatures)) {
       return;
     }
-    SignerCheck check = CheckSigner(signer, data.SignedOctets(), data.certificates, SignerKind::Signer);
+    SignerCheck check = CheckSigner(signer, data.SignedOctets(), &certificates, SignerKind::Signer);
     if (check.fault.empty()) {
       check.fault = contentFault(data);
     }
-    signatures->push_back({check.name, check.fault, isNested, ReadTimestamp(signer, data.certificates)});
+    signatures->push_back({check.name, check.fault, isNested, ReadTimestamp(signer, &certificates)});
     ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), kNestedSignature, [&](ByteSpan value) {
       nested->emplace_back(value.Text());
       return nested->size() <= kMaxSignatures;

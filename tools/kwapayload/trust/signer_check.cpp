@@ -41,24 +41,6 @@ bool IsOf(const X509* certificate, const SignerInfo& signer) {
          TextOf(X509_get0_serialNumber(certificate)) == signer.serialNumber;
 }
 
-Owned<X509> FindCertificate(const SignerInfo& signer, const std::string& certificates) {
-  Owned<X509> found;
-  std::size_t count = 0;
-  ForEachElement(ByteSpan(certificates), [&](ByteSpan element) {
-    // Decoding takes a thousand times as long as a look whether it could be the one.
-    const std::string& part = signer.keyIdentifier.empty() ? signer.issuer : signer.keyIdentifier;
-    if (element.Size() <= kMaxCertificateSize && element.Text().find(part) != std::string_view::npos) {
-      const unsigned char* at = element.Data();
-      Owned<X509> certificate(d2i_X509(nullptr, &at, static_cast<long>(element.Size())));
-      if (certificate && IsOf(certificate.get(), signer)) {
-        found = std::move(certificate);
-      }
-    }
-    return !found && ++count < kMaxCertificates;
-  });
-  return found;
-}
-
 std::string CommonName(const X509* certificate) {
   const X509_NAME* const subject = X509_get_subject_name(certificate);
   const int index = X509_NAME_get_index_by_NID(subject, NID_commonName, -1);
@@ -117,11 +99,48 @@ std::string SignerFault(const SignerInfo& signer, ByteSpan content, const X509* 
 
 }  // namespace
 
-SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, const std::string& certificates, SignerKind kind) {
-  const Owned<X509> certificate = FindCertificate(signer, certificates);
+struct Certificates::One {
+  ByteSpan encoded;
+  bool isRead = false;
+  Owned<X509> decoded;  // null where it is not read, or no certificate
+};
+
+Certificates::Certificates(const std::string& encodedList) {
+  std::size_t count = 0;
+  ForEachElement(ByteSpan(encodedList), [&](ByteSpan element) {
+    if (element.Size() <= kMaxCertificateSize) {
+      list.push_back({element, false, nullptr});
+    }
+    return ++count < kMaxCertificates;
+  });
+}
+
+Certificates::~Certificates() = default;
+
+const X509* Certificates::Find(const SignerInfo& signer) {
+  // Decoding takes a thousand times as long as a look whether it could be the one.
+  const std::string& part = signer.keyIdentifier.empty() ? signer.issuer : signer.keyIdentifier;
+  for (One& one : list) {
+    if (one.encoded.Text().find(part) == std::string_view::npos) {
+      continue;
+    }
+    if (!one.isRead) {
+      const unsigned char* at = one.encoded.Data();
+      one.decoded.reset(d2i_X509(nullptr, &at, static_cast<long>(one.encoded.Size())));
+      one.isRead = true;
+    }
+    if (one.decoded && IsOf(one.decoded.get(), signer)) {
+      return one.decoded.get();
+    }
+  }
+  return nullptr;
+}
+
+SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, Certificates* certificates, SignerKind kind) {
+  const X509* const certificate = certificates->Find(signer);
   SignerCheck check;
-  check.name = certificate ? CommonName(certificate.get()) : "";
-  check.fault = SignerFault(signer, content, certificate.get(), kind);
+  check.name = certificate != nullptr ? CommonName(certificate) : "";
+  check.fault = SignerFault(signer, content, certificate, kind);
   ERR_clear_error();
   return check;
 }
