@@ -97,7 +97,7 @@ TEST(VerifyTrust, Packages) {
          files["a.cat"] =
              CatalogOf({files["a.inf"], "driver"}, 1, [](const std::string&) { return TimestampToken("another"); });
        },
-       "catalog-signature-broken: a.cat\n"},
+       "?timestamp-broken: a.cat\n"},
       {"catalog of others", catalog, sources, [](Files& files) { files["a.cat"] = CatalogOf({"other"}); },
        "?catalog-of-other-files: a.cat\nnot-in-catalog: a.inf\nnot-in-catalog: a.sys\n"},
       {"broken program", catalog, sources,

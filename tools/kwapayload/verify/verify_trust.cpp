@@ -2,6 +2,7 @@
 
 #include "base/escaped_text.h"
 #include "installer/package_trust.h"
+#include "trust/authenticode.h"
 #include "verify/verification.h"
 
 namespace kwa {
@@ -15,7 +16,7 @@ void AddBrokenSignatures(const std::string& where, const std::vector<Signature>&
     if (!signature.fault.empty()) {
       findings->AddError(where, text + signature.fault, code);
     } else if (signature.timestamp && !signature.timestamp->fault.empty()) {
-      findings->AddError(where, text + "has a timestamp that " + signature.timestamp->fault, code);
+      findings->AddWarning(where, text + "has a timestamp that " + signature.timestamp->fault, "timestamp-broken");
     }
   }
 }
@@ -48,6 +49,10 @@ std::string Uncovered(const FileTrust& file) {
 }  // namespace
 
 void VerifyTrust(const InstallerFile& installer, Findings* findings) {
+  if (installer.image) {
+    FileDigests digests(installer.image->file);
+    AddBrokenSignatures("executable", ReadEmbeddedSignatures(&digests), "signature-broken", findings);
+  }
   const PackageTrust trust = ReadPackageTrust(installer);
   for (const FileTrust& file : trust.files) {
     const std::string where = file.archive->Where(*file.item);
