@@ -49,8 +49,8 @@ const char* Name(HANDLE handle) {
   return handle == &processObject ? "process" : handle == &threadObject ? "thread" : "another handle";
 }
 
-UINT WINAPI Wow64Directory(wchar_t* /*folder*/, UINT /*capacity*/) {
-  return platform.wow64Length;
+UINT WINAPI Wow64Directory(wchar_t* /*folder*/, UINT capacity) {
+  return capacity == 260 ? platform.wow64Length : 0;
 }
 
 }  // namespace
@@ -60,8 +60,8 @@ void* WINAPI HeapAlloc(HANDLE /*heap*/, DWORD flags, SIZE_T size) {
   return platform.hasMemory ? block : nullptr;
 }
 
-BOOL WINAPI HeapFree(HANDLE /*heap*/, DWORD /*flags*/, void* memory) {
-  Note("HeapFree", memory == block ? "" : " of another block");
+BOOL WINAPI HeapFree(HANDLE /*heap*/, DWORD flags, void* memory) {
+  Note("HeapFree ", flags, memory == block ? "" : " of another block");
   return TRUE;
 }
 
@@ -157,12 +157,12 @@ TEST(RunDpinst, GoesOnWhateverFails) {
   const std::string start = "HeapAlloc 0 23; CreateProcessA C:\\a folder\\dpinst.exe; ";
   const std::string wait = "WaitForSingleObject process; ";
   const std::string code = "GetExitCodeProcess process; ";
-  const std::string close = "GetExitCodeThread thread; CloseHandle process; CloseHandle thread; HeapFree; ";
+  const std::string close = "GetExitCodeThread thread; CloseHandle process; CloseHandle thread; HeapFree 0; ";
   const std::string report = "FormatMessageA 4352 2 1024; LocalFree; ";
   const std::tuple<void (*)(), bool, std::string> cases[] = {
       {[] {}, true, start + wait + code + close},
       {[] { platform.hasMemory = false; }, false, "HeapAlloc 0 23; "},
-      {[] { platform.startsPrograms = FALSE; }, true, start + report + "HeapFree; "},
+      {[] { platform.startsPrograms = FALSE; }, true, start + report + "HeapFree 0; "},
       {[] { platform.wait = WAIT_FAILED; }, true, start + wait + report + code + close},
       {[] { platform.knowsExitCode = FALSE; }, true, start + wait + code + report + close},
   };
