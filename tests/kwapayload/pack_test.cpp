@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <csignal>
 
+#include "base/ascii_text.h"
 #include "base/tool_failure.h"
 #include "built_archive.h"
 #include "payload/entry_name.h"
@@ -34,6 +35,7 @@ TEST(EntryName, GoodAndBadNames) {
   for (const auto& [name, fault] : kCases) {
     EXPECT_EQ(fault, kwa::EntryNameFault(name)) << name;
   }
+  EXPECT_EQ("[\\]{|}AZ", kwa::UpperCase("[\\]{|}az"));
 }
 
 // A folder `in` to be packed and a folder `out` for the archive, in a folder of the test's own.
