@@ -178,7 +178,7 @@ TEST(Is64BitWindows, BelievesAnythingButTheAnswerOf32BitWindows) {
   const std::pair<void (*)(), int> cases[] = {
       {[] { platform.hasKernel = false; }, 0},
       {[] { platform.hasWow64Directory = false; }, 0},
-      {[] { platform.wow64Length = 19; }, 1},
+      {[] { platform.wow64Length = 19, platform.lastError = ERROR_CALL_NOT_IMPLEMENTED; }, 1},
       {[] { platform.lastError = ERROR_CALL_NOT_IMPLEMENTED; }, 0},
       {[] { platform.lastError = ERROR_ACCESS_DENIED; }, 1},
   };
