@@ -25,8 +25,8 @@ void VerifyPackage(const InstallerFile& installer, Findings* findings);
 // What DriverVer says, to Setup and of the drivers' own versions.
 void VerifyVersions(const InstallerFile& installer, Findings* findings);
 
-// Whether the package's catalogs cover its files, and whether signatures are sound: the catalogs' and those that
-// programs carry. Who may be trusted, and when, is left to Windows.
+// Whether the package's catalogs cover its files, and whether signatures are sound: the catalogs', those that programs
+// carry, and the installer's own. Who may be trusted, and when, is left to Windows.
 void VerifyTrust(const InstallerFile& installer, Findings* findings);
 
 // The program itself. Nothing for a file that is a single archive.
