@@ -8,6 +8,7 @@
 #include "der.h"
 #include "padding.h"
 #include "program.h"
+#include "trust/digest.h"
 
 namespace kwa {
 namespace {
@@ -90,14 +91,14 @@ void AddAttribute(CatalogMember* member, const char* type, const std::string& de
 
 void AddMember(TrustList* list, const std::string& name, const std::string& content) {
   const bool isProgram = content.rfind("MZ", 0) == 0;
-  const std::string digest = isProgram ? ImageDigest(content) : Sha256Of(content);
+  const std::string digest = isProgram ? ImageDigest(content) : DigestOf(ByteSpan(content), "SHA256");
   auto* const member = reinterpret_cast<CatalogMember*>(ASN1_item_new(ASN1_ITEM_rptr(CatalogMember)));
   Require(member != nullptr && sk_CatalogMember_push(list->members, member) > 0);
   Set(member->tag, digest);
   AddAttribute(member, kNameValueType, NameValueDer("File", Utf16(name)));
   AddAttribute(member, kNameValueType, NameValueDer("OSAttr", Utf16("2:5.00,2:5.1,2:5.2,2:6.0,2:6.1,2:6.2,2:6.3")));
   AddAttribute(member, kIndirectDataType,
-               IndirectData(isProgram ? DigestOf::kProgramImage : DigestOf::kWholeFile, digest));
+               IndirectData(isProgram ? DigestKind::ProgramImage : DigestKind::WholeFile, digest));
 }
 
 std::string Catalog(const std::map<std::string, std::string>& files, std::size_t remarkBytes, const Signer& signer) {

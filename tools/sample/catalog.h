@@ -1,5 +1,6 @@
-// The sample's security catalog.
 #pragma once
+
+// The sample's security catalog.
 
 #include <cstddef>
 #include <map>

@@ -1,7 +1,6 @@
 #include "der.h"
 
 #include <openssl/objects.h>
-#include <openssl/sha.h>
 
 #include <memory>
 
@@ -26,13 +25,6 @@ ASN1_STRING* StringOf(int type, const std::string& bytes) {
   ASN1_STRING* const string = ASN1_STRING_type_new(type);
   Require(string != nullptr && ASN1_STRING_set(string, bytes.data(), static_cast<int>(bytes.size())) == 1);
   return string;
-}
-
-std::string Sha256Of(const std::string& bytes) {
-  std::string digest(SHA256_DIGEST_LENGTH, '\0');
-  SHA256(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
-         reinterpret_cast<unsigned char*>(digest.data()));
-  return digest;
 }
 
 }  // namespace kwa

@@ -1,5 +1,6 @@
-// What the makers of signatures need of libcrypto's ASN.1.
 #pragma once
+
+// What the makers of signatures need of libcrypto's ASN.1.
 
 #include <openssl/asn1.h>
 
@@ -19,7 +20,5 @@ std::string Der(const void* value, const ASN1_ITEM* item);
 // Owned by the caller, who mostly gives it to the structure that it becomes a part of.
 ASN1_OBJECT* ObjectId(const char* dotted);
 ASN1_STRING* StringOf(int type, const std::string& bytes);
-
-std::string Sha256Of(const std::string& bytes);
 
 }  // namespace kwa

@@ -1,5 +1,6 @@
-// The mixer's help file.
 #pragma once
+
+// The mixer's help file.
 
 #include <cstddef>
 #include <string>

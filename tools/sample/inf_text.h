@@ -1,5 +1,6 @@
-// The sample's driver package INF.
 #pragma once
+
+// The sample's driver package INF.
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,6 @@
-// Brings made content to the size that the list of contents asks for.
 #pragma once
+
+// Brings made content to the size that the list of contents asks for.
 
 #include <cstddef>
 #include <string>

@@ -7,6 +7,7 @@
 #include "der.h"
 #include "padding.h"
 #include "pe/pe_image.h"
+#include "trust/digest.h"
 
 namespace kwa {
 namespace {
@@ -50,7 +51,7 @@ void SetCheckSum(std::string* program) {
 
 std::string CertificateTable(const std::string& program, const Signer& signer) {
   std::string message =
-      SignedData(signer, kIndirectDataType, IndirectData(DigestOf::kProgramImage, ImageDigest(program)));
+      SignedData(signer, kIndirectDataType, IndirectData(DigestKind::ProgramImage, ImageDigest(program)));
   message.append((kAlignment - message.size() % kAlignment) % kAlignment, '\0');
   const std::string revisionAndType("\x00\x02\x02\x00", 4);
   return Number(4 + revisionAndType.size() + message.size()) + revisionAndType + message;
@@ -64,7 +65,7 @@ std::string ImageDigest(const std::string& program) {
   std::string image = program.substr(0, table == 0 ? program.size() : table);
   image.append((kAlignment - image.size() % kAlignment) % kAlignment, '\0');
   image.erase(fields.directory, 8).erase(fields.checkSum, 4);
-  return Sha256Of(image);
+  return DigestOf(ByteSpan(image), "SHA256");
 }
 
 std::string MakeProgram(const std::string& built, std::size_t size) {

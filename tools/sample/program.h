@@ -1,5 +1,6 @@
-// Brings built programs to the sizes that the list of contents gives them, and signs them.
 #pragma once
+
+// Brings built programs to the sizes that the list of contents gives them, and signs them.
 
 #include <cstddef>
 #include <string>

@@ -1,22 +1,14 @@
 #include "sample_folder.h"
 
-#include <fstream>
-#include <iterator>
 #include <vector>
 
+#include "base/mapped_file.h"
 #include "base/output_file.h"
 #include "base/tool_failure.h"
 
 namespace kwa {
 
 namespace fs = std::filesystem;
-
-std::string ReadWholeFile(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-  if (!stream.is_open() || stream.bad()) throw ToolFailure(path, "cannot be read");
-  return bytes;
-}
 
 void FillFolder(const fs::path& folder, const std::map<std::string, std::string>& files) {
   try {
@@ -31,8 +23,7 @@ void FillFolder(const fs::path& folder, const std::map<std::string, std::string>
   }
   for (const auto& [name, bytes] : files) {
     const fs::path path = folder / name;
-    std::error_code error;
-    if (fs::file_size(path, error) == bytes.size() && !error && ReadWholeFile(path) == bytes) continue;
+    if (fs::is_regular_file(path) && MappedFile(path).Bytes().Text() == bytes) continue;
     OutputFile file(path);
     file.Write(bytes);
     file.Commit();

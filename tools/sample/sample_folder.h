@@ -1,4 +1,3 @@
-// Files on the build machine's disk. Every failure is thrown as ToolFailure.
 #pragma once
 
 #include <filesystem>
@@ -7,10 +6,8 @@
 
 namespace kwa {
 
-std::string ReadWholeFile(const std::filesystem::path& path);
-
 // Creates the folder if it is missing, and makes the files, contents by name, all that it holds. Leaves a file that
-// already holds these bytes alone, so that its time stamp starts no further work in the build.
+// already holds these bytes alone, so that its time stamp starts no further work in the build. Throws ToolFailure.
 void FillFolder(const std::filesystem::path& folder, const std::map<std::string, std::string>& files);
 
 }  // namespace kwa

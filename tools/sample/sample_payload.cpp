@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "base/mapped_file.h"
 #include "base/tool_failure.h"
 #include "catalog.h"
 #include "help_file.h"
@@ -44,14 +44,14 @@ std::string MakeContent(const ContentsFile& file, const SampleSources& sources, 
   const auto program = kPrograms.find(name);
   if (program != kPrograms.end()) {
     const auto& [x64, isSigned, fileName] = program->second;
-    const std::string built = ReadWholeFile((x64 ? sources.programsX64 : sources.programsX86) / fileName);
+    const std::string built(MappedFile((x64 ? sources.programsX64 : sources.programsX86) / fileName).Bytes().Text());
     return isSigned ? MakeSignedProgram(built, file.size, signer) : MakeProgram(built, file.size);
   }
   if (name == "marlin_usb.inf") return MakeInf(file.size);
   if (name == "Panorama.chm") return MakeHelpFile(file.size);
   if (name == "kwa.bmp") return MakeWatermark(file.size);
   if (name != "eula_de.txt" && name != "eula_en.txt") throw std::runtime_error("the sample payload has no such file");
-  const std::string text = ReadWholeFile(sources.files / name);
+  const std::string text(MappedFile(sources.files / name).Bytes().Text());
   if (text.size() != file.size) {
     throw std::runtime_error("the list of contents asks for " + std::to_string(file.size) + " bytes, this text has " +
                              std::to_string(text.size()));

@@ -1,5 +1,6 @@
-// The files of the sample payload.
 #pragma once
+
+// The files of the sample payload.
 
 #include <filesystem>
 

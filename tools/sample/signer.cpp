@@ -6,6 +6,7 @@
 
 #include "base/tool_failure.h"
 #include "der.h"
+#include "trust/digest.h"
 
 namespace kwa {
 namespace {
@@ -56,7 +57,8 @@ std::string SignedData(const Signer& signer, const char* contentType, const std:
   int tag = 0;
   int tagClass = 0;
   ASN1_get_object(&octets, &octetCount, &tag, &tagClass, static_cast<long>(content.size()));
-  const std::string digest = Sha256Of(content.substr(content.size() - static_cast<std::size_t>(octetCount)));
+  const std::string digest =
+      DigestOf(ByteSpan(content).From(content.size() - static_cast<std::size_t>(octetCount)), "SHA256");
   Require(PKCS7_add_attrib_content_type(info, ObjectId(contentType)) == 1 &&
           PKCS7_add0_attrib_signing_time(info, StringOf(V_ASN1_UTCTIME, kSigningTime)) == 1 &&
           PKCS7_add1_attrib_digest(info, reinterpret_cast<const unsigned char*>(digest.data()),
@@ -65,7 +67,7 @@ std::string SignedData(const Signer& signer, const char* contentType, const std:
   return Der(message.get(), ASN1_ITEM_rptr(PKCS7));
 }
 
-std::string IndirectData(DigestOf what, const std::string& digest) {
+std::string IndirectData(DigestKind kind, const std::string& digest) {
   const std::shared_ptr<SpcIndirectData> data(
       reinterpret_cast<SpcIndirectData*>(ASN1_item_new(ASN1_ITEM_rptr(SpcIndirectData))), [](SpcIndirectData* owned) {
         ASN1_item_free(reinterpret_cast<ASN1_VALUE*>(owned), ASN1_ITEM_rptr(SpcIndirectData));
@@ -74,7 +76,7 @@ std::string IndirectData(DigestOf what, const std::string& digest) {
   // Both name the file by an empty text: in a program behind flags, none of them set.
   const std::string link("\xA2\x02\x80\x00", 4);
   const std::string image = std::string("\x30\x09\x03\x01\x00\xA0\x04", 7) + link;
-  const bool isImage = what == DigestOf::kProgramImage;
+  const bool isImage = kind == DigestKind::ProgramImage;
   X509_ALGOR_set0(data->what, ObjectId(isImage ? "1.3.6.1.4.1.311.2.1.15" : "1.3.6.1.4.1.311.2.1.25"),
                   isImage ? V_ASN1_SEQUENCE : V_ASN1_OTHER,
                   isImage ? StringOf(V_ASN1_SEQUENCE, image) : StringOf(V_ASN1_OTHER, link));

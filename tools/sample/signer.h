@@ -1,5 +1,6 @@
-// Signs the sample's programs and its catalog.
 #pragma once
+
+// Signs the sample's programs and its catalog.
 
 #include <openssl/evp.h>
 #include <openssl/x509.h>
@@ -22,10 +23,10 @@ Signer ReadSigner(const std::filesystem::path& path);
 // dotted numbers. The same content gives the same bytes: the time of signing is fixed. Throws std::runtime_error.
 std::string SignedData(const Signer& signer, const char* contentType, const std::string& content);
 
-enum class DigestOf { kProgramImage, kWholeFile };
+enum class DigestKind { ProgramImage, WholeFile };
 
 // The type and the DER of what embedded signatures and catalogs say of a file: its SHA-256 digest.
 constexpr char kIndirectDataType[] = "1.3.6.1.4.1.311.2.1.4";
-std::string IndirectData(DigestOf what, const std::string& digest);
+std::string IndirectData(DigestKind kind, const std::string& digest);
 
 }  // namespace kwa

@@ -1,5 +1,6 @@
-// The bitmap at the left of the wizard's welcome page.
 #pragma once
+
+// The bitmap at the left of the wizard's welcome page.
 
 #include <cstddef>
 #include <string>
