@@ -8,7 +8,7 @@ find_program(CMAKE_CXX_COMPILER NAMES ${kwaTriple}-g++-${KWA_THREADS} ${kwaTripl
 find_program(CMAKE_C_COMPILER NAMES ${kwaTriple}-gcc-${KWA_THREADS} ${kwaTriple}-gcc)
 find_program(CMAKE_RC_COMPILER NAMES ${kwaTriple}-windres windres)
 if(NOT CMAKE_CXX_COMPILER OR NOT CMAKE_C_COMPILER OR NOT CMAKE_RC_COMPILER)
-  message(FATAL_ERROR "No MinGW-w64 compiler for ${kwaTriple}; script/setup installs it on Debian.")
+  message(FATAL_ERROR "No MinGW-w64 compiler for ${kwaTriple}; script/setup installs it.")
 endif()
 set(CMAKE_ASM_COMPILER ${CMAKE_C_COMPILER})
 

@@ -5,7 +5,7 @@ include_guard(GLOBAL)
 find_path(KWA_NLOHMANN_JSON_FOLDER nlohmann/json.hpp NO_CMAKE_FIND_ROOT_PATH
   DOC "Folder that holds nlohmann/json.hpp")
 if(NOT KWA_NLOHMANN_JSON_FOLDER)
-  message(FATAL_ERROR "nlohmann/json.hpp was not found; script/setup installs it on Debian (nlohmann-json3-dev).")
+  message(FATAL_ERROR "nlohmann/json.hpp was not found; script/setup installs it (nlohmann-json3-dev).")
 endif()
 file(COPY ${KWA_NLOHMANN_JSON_FOLDER}/nlohmann DESTINATION ${CMAKE_BINARY_DIR}/nlohmann_json)
 
