@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <regex>
 
 #include "built_archive.h"
 #include "built_image.h"
@@ -58,6 +59,7 @@ TEST(Compare, PrintsDifferencesAndNothingElse) {
   WriteWholeFile(folder / "old", BuildArchive({{"changed", "a"}, {"gone", "1"}, {"longer", "1"}, {"same", ""}}));
   WriteWholeFile(folder / "new", BuildArchive({{"changed", "b"}, {"LONGER", "12"}, {"more", "\r\n"}, {"same", ""}}));
   InstallerImage image;
+  image.SetText(image.Bytes().find("\"Marlin USB\"", image.Find("marlin_usb.inf").bodyPosition), "\"Vireo +USB\"");
   image.SetText(image.Bytes().find("02/13/2014", image.Find("marlin_usb.inf").bodyPosition), "03/01/2014,1.0.43.0");
   WriteWholeFile(folder / "next.exe", image.Bytes());
   const struct {
@@ -72,8 +74,14 @@ TEST(Compare, PrintsDifferencesAndNothingElse) {
        "changed: changed: content alone\nchanged: LONGER: name longer -> LONGER; size 1 -> 2\n"},
       {KWA_INSTALLER, folder / "next.exe", 1,
        "changed: marlin_usb.inf: in the catalog yes -> NO\n"
-       "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0\n"
-       "dpinst.xml, 25 times:\n  -02/13/2014,1.0.42.0\n  +03/01/2014,1.0.43.0\n"},
+       "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0; display name Marlin USB -> Vireo +USB\n"
+       "dpinst.xml, 24 times:\n"
+       "  -    <welcomeTitle>Welcome to the KWA Marlin USB Driver Installer Wizard </welcomeTitle>\n"
+       "  +    <welcomeTitle>Welcome to the KWA Vireo +USB Driver Installer Wizard </welcomeTitle>\n"
+       "dpinst.xml, 25 times:\n  -02/13/2014,1.0.42.0\n  +03/01/2014,1.0.43.0\n"
+       "dpinst.xml:\n"
+       "  -    <welcomeTitle>Willkommen beim KWA Marlin USB Driver Installer Wizard </welcomeTitle>\n"
+       "  +    <welcomeTitle>Willkommen beim KWA Vireo +USB Driver Installer Wizard </welcomeTitle>\n"},
       {folder / "old", folder / "none", 2, ""},
       {folder / "old", "--json", 2, ""},
   };
@@ -87,27 +95,36 @@ TEST(Compare, PrintsDifferencesAndNothingElse) {
   EXPECT_EQ(document["changed"][1]["changes"][1], (nlohmann::json{{"what", "size"}, {"before", "1"}, {"after", "2"}}));
 }
 
-// A program whose code points at data in a section behind the archives.
+// A program whose code points, as does its data before the archives, at the section behind them.
 std::string SmallProgram(std::size_t payloadSize, const std::string& code, const std::string& constant) {
   const auto shift = static_cast<std::uint32_t>(payloadSize / 0x1000 * 0x1000);
   BuiltImage image;
-  image.sections = {{".text", kCode, WordBytes(0x400000 + SectionAddress(2) + shift) + code},
-                    {".rdata", kReadOnlyData,
-                     BuildArchive({{"a", std::string(payloadSize, 'a')}}) + BuildArchive({{"b", "b"}}) + constant},
-                    {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(10) + std::string("\0\x30", 2)}};
+  const std::string pointer = WordBytes(0x400000 + SectionAddress(2) + shift);
+  std::string relocations;
+  for (const std::uint32_t section : {0, 1}) {
+    relocations += WordBytes(SectionAddress(section)) + WordBytes(10) + std::string("\0\x30", 2);
+  }
+  const std::string archives = BuildArchive({{"a", std::string(payloadSize, 'a')}}) + BuildArchive({{"b", "b"}});
+  image.sections = {{".text", kCode, pointer + code},
+                    {".rdata", kReadOnlyData, pointer + archives + constant},
+                    {".reloc", 0x42000040, relocations}};
   image.directories.resize(16);
-  image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2) + shift, 10};
+  image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2) + shift, 20};
   std::string bytes = BuildImage(image);
   PutWord(bytes, bytes.find(".reloc") + 12, SectionAddress(2) + shift);
   return bytes;
 }
 
 TEST(Compare, KnowsAProgramAroundAnotherPayload) {
-  const std::string program = SmallProgram(8, "\xC3", "constant");
+  const std::string constant("x\1\0\0", 4);
+  const std::string program = SmallProgram(8, "\xC3", constant);
+  std::string console = program;
+  console[kwa::ByteSpan(console).U32(0x3C) + 92] = 3;
   const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {SmallProgram(5001, "\xC3", "constant"), {}},
-      {SmallProgram(5001, "\x90", "constant"), {".text"}},
-      {SmallProgram(8, "\xC3", "Constant"), {".rdata"}},
+      {SmallProgram(5001, "\xC3", constant), {}},
+      {SmallProgram(5001, std::string("\0\xC3", 2), constant), {".text"}},
+      {SmallProgram(8, "\xC3", std::string("x\0\1\0", 4)), {".rdata"}},
+      {console, {"headers"}},
   };
   for (const auto& [other, parts] : cases) {
     EXPECT_EQ(kwa::CompareInstallers(Read(program), Read(other)).program, parts);
@@ -118,7 +135,8 @@ TEST(BillOfMaterials, NamesTheInstallerAndWhatItCarries) {
   const ToolRun run = RunTool({"list", "--cyclonedx", KWA_INSTALLER});
   EXPECT_EQ(run.output, RunTool({"list", "--cyclonedx", KWA_INSTALLER}).output);
   const auto bill = nlohmann::json::parse(run.output);
-  EXPECT_EQ(bill["serialNumber"].get<std::string>().substr(0, 9), "urn:uuid:");
+  EXPECT_TRUE(std::regex_match(bill["serialNumber"].get<std::string>(),
+                               std::regex("urn:uuid:.{8}-.{4}-8.{3}-[89ab].{3}-.{12}")));
   EXPECT_EQ(bill["metadata"]["component"]["version"], "1.0.0.0");
   const auto listed = nlohmann::json::parse(RunTool({"list", "--json", KWA_INSTALLER}).output);
   ASSERT_EQ(bill["components"].size(), listed["files"].size());

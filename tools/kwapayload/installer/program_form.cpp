@@ -11,7 +11,7 @@
 namespace kwa {
 namespace {
 
-// Bytes of the file that are left out. Archives are larger than an address.
+// Bytes of the file that are left out. An archive is larger than an address.
 struct Cut {
   std::uint64_t offset;
   std::uint64_t size;
@@ -80,13 +80,18 @@ std::string SectionForm(const PeImage& image, const PeSection& section, const st
     if (cut.offset >= at && cut.offset < end) {
       form += image.file.Part(at, cut.offset - at).Text();
       at = cut.offset + cut.size;
-      hasArchive = hasArchive || cut.size > kAddressSize;
+      if (cut.size > kAddressSize) {
+        form += '\0';
+        hasArchive = true;
+      }
     }
   }
   form += image.file.Part(at, end - std::min(at, end)).Text();
   if (hasArchive) {
-    // Zeros align what lies behind an archive, more or fewer of them.
-    form.erase(std::remove(form.begin(), form.end(), '\0'), form.end());
+    // Zeros align what lies behind an archive, and fill the section's last page: none or more of them.
+    form += '\0';
+    const auto areZeros = [](char left, char right) { return left == '\0' && right == '\0'; };
+    form.erase(std::unique(form.begin(), form.end(), areZeros), form.end());
   }
   return form;
 }
@@ -98,6 +103,14 @@ std::vector<ProgramPart> ProgramParts(const InstallerFile& installer) {
     return {};
   }
   const PeImage& image = *installer.image;
+  std::uint64_t sectionBytes = 0;
+  for (const PeSection& section : image.sections) {
+    sectionBytes += section.bytes.Size();
+  }
+  // Then they overlap, and a hundred of them could have the same gigabyte read a hundred times.
+  if (sectionBytes > image.file.Size()) {
+    return {{"overlapping sections", Sha256Hex(image.file)}};
+  }
   std::vector<Cut> cuts;
   for (const LocatedArchive& located : installer.archives) {
     cuts.push_back({located.fileOffset, located.archive.size});
