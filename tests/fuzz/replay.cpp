@@ -11,9 +11,11 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 int main(int argc, char** argv) {
+  int count = 0;
   for (int i = 1; i < argc; ++i) {
     std::error_code nothingWentWrongYet;
     for (const auto& entry : std::filesystem::directory_iterator(argv[i], nothingWentWrongYet)) {
+      ++count;
       std::puts(entry.path().c_str());
       std::fflush(stdout);
       std::ifstream stream(entry.path(), std::ios::binary);
@@ -26,5 +28,5 @@ int main(int argc, char** argv) {
       }
     }
   }
-  return LLVMFuzzerTestOneInput(nullptr, 0);
+  return count == 0 ? 1 : LLVMFuzzerTestOneInput(nullptr, 0);
 }

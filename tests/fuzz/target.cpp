@@ -1,5 +1,4 @@
-// Fuzzes the readers of untrusted files: all that list, extract, verify and preview read of an installer, an archive or
-// an INF.
+// Fuzzes the readers of untrusted files: all that kwapayload reads of an installer, an archive or an INF.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -11,6 +10,8 @@
 #include "inf/package_identity.h"
 #include "installer/file_kind.h"
 #include "installer/installer_file.h"
+#include "installer/listing.h"
+#include "installer/program_form.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
 #include "pe/version_record.h"
@@ -75,6 +76,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       ReadExecutable(*installer.image);
     }
     kwa::FindInf(installer);
+    kwa::MakeListing(installer);
+    kwa::ProgramParts(installer);
     for (const kwa::LocatedArchive& located : installer.archives) {
       for (const kwa::ArchiveItem& item : located.archive.items) {
         kwa::FileKind(item.body);
