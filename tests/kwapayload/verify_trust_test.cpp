@@ -68,6 +68,8 @@ TEST(VerifyTrust, Packages) {
       {"no catalog", "CatalogFile.ntia64=a.cat", sources, nullptr, "version-key-missing: package, a.inf\n"},
       {"one of two", "CatalogFile.ntx86=a.cat", sources + "\r\n[Manufacturer]\r\nm=M,NTx86,NTamd64.6.1", nullptr,
        "version-key-missing: package, a.inf\n"},
+      {"a name like a platform", "CatalogFile.ntx86=a.cat", sources + "\r\n[Manufacturer]\r\nm=NTamd64Models,NTx86", nullptr, ""},
+      {"a second INF", catalog, sources, [](Files& files) { files["b.info"] = ""; }, "second-inf: package, a.inf\n"},
       {"two catalogs", twoCatalogs, sources, secondCatalog, "not-in-catalog: a.sys\n"},
       {"two catalogs, a file of one platform", twoCatalogs, "[SourceDisksFiles.x86]\r\na.sys=1", secondCatalog, ""},
       {"subfolder", catalog, "[SourceDisksFiles]\r\na.sys=1,amd64", nullptr, "source-file-in-folder: package, a.inf\n"},

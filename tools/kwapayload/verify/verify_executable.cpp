@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "base/ascii_text.h"

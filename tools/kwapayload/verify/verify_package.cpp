@@ -1,4 +1,5 @@
-#include <map>
+#include <algorithm>
+#include <cstddef>
 #include <set>
 #include <string>
 
@@ -73,12 +74,13 @@ void VerifyIdentity(const std::string& where, const InfText& inf, Findings* find
   }
 }
 
-// Whether the INF has models for a platform, such as "x86": its [Manufacturer] says "KWA = Models,NTx86,NTamd64.6.1".
+// Whether the INF has models for a platform, such as "x86": its [Manufacturer] says "KWA = Models,NTx86,NTamd64.6.1",
+// the section's name and then the platforms.
 bool HasModels(const InfText& inf, const std::string& platform) {
   const std::string decoration = UpperCase("nt" + platform);
   for (const SetupLine& line : ReadSetupSection(inf, "Manufacturer")) {
-    for (const std::string& value : line.values) {
-      if (UpperCase(value).rfind(decoration, 0) == 0) {
+    for (std::size_t i = 1; i < line.values.size(); ++i) {
+      if (UpperCase(line.values[i]).rfind(decoration, 0) == 0) {
         return true;
       }
     }
@@ -102,7 +104,8 @@ void VerifyPackage(const InstallerFile& installer, Findings* findings) {
   }
   const std::string where = "package, " + EscapedText(item->name);
   for (const std::string& name : names) {
-    if (IsInfName(name) && name != UpperCase(item->name)) {
+    // The installer's "*.inf" also fits the short name of "about.info", ABOUT~1.INF.
+    if (name.compare(std::min(name.rfind('.'), name.size()), 4, ".INF") == 0 && name != UpperCase(item->name)) {
       findings->AddError(where, "is not the only INF: there is " + EscapedText(name), "second-inf");
     }
   }
