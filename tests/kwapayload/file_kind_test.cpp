@@ -27,6 +27,7 @@ TEST(FileKind, ByTheFilesOwnBytes) {
   const std::string mark = "\xEF\xBB\xBF";
   const std::pair<std::string, const char*> kCases[] = {
       {Image(true, 0xAA64, 3, 0x22), "PE32+, ARM64, Windows console program"},
+      {Image(true, 0x200, 1, 0x2022), "PE32+, Itanium, native DLL"},
       {Image(false, 0x1C4, 9, 0x22), "PE32, ARM, subsystem 9"},
       {Image(false, 0x166, 2, 0x22), "PE32, machine 358, Windows GUI program"},
       {"MZ", "DOS program"},

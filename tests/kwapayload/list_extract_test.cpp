@@ -57,6 +57,8 @@ void ExpectPart(const std::string& text, const std::string& part) {
 TEST_F(ListExtract, ListForPeople) {
   const std::string output = List(BuildImage(Installer({"constants" + std::string(3, '\0') + kArchives})));
   ExpectPart(output,
+             "ARCHIVE  NAME        SIZE  VERSION  CATALOG  KIND\n"
+             "A        driver.inf    64                    7-bit ASCII text, CR LF line ends\n"
              "A        empty          0                    empty\nB        abc.txt        3                    7");
   const std::string devices = " (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), Vireoe ";
   ExpectPart(output,

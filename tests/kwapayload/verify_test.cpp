@@ -143,7 +143,7 @@ const Damage kDamages[] = {
     {"VersionTextCut", VersionText(Wide("1.") + Wide({0})), {kVersions + "(\"1.\")"}},
     {"VersionTextOfAPairAndAHalf", VersionText("\x34\xD8\x1E\xDD\x1E\xDD"),
      {kVersions + R"(("\xF0\x9D\x84\x9E\xEF\xBF\xBD"))"}},
-    {"VersionTextOfHalves", VersionText(std::string("\x34\xD8z\0\x34\xD8", 6)),
+    {"VersionTextOfHalves", VersionText(std::string("\0\xD8z\0\x34\xD8", 6)),
      {kVersions + R"(("\xEF\xBF\xBDz\xEF\xBF\xBD"))"}},
     {"OtherLibrary", InProgram("SHELL32.dll", "SHELL33.dll"),
      {"library-not-allowed: executable, imports of SHELL33.dll: only"}},

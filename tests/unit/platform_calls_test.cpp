@@ -9,6 +9,7 @@
 
 #include <cstring>
 #include <sstream>
+#include <tuple>
 
 #include "app/dpinst_process.h"
 #include "app/folder_tree.h"
