@@ -23,9 +23,6 @@ constexpr std::size_t kArchiveHeaderSize = 8;
 // Bytes of a name field, terminator included.
 constexpr std::size_t kEntryNameCapacity = 260;
 
-// The largest table whose size in bytes fits in 32 bits.
-constexpr std::uint32_t kMaxEntryCount = 16268815;
-
 // A body must be smaller than this: the reader counts down a signed 32-bit number.
 constexpr std::uint32_t kEntrySizeLimit = 0x80000000U;
 

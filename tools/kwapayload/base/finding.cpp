@@ -1,6 +1,7 @@
 #include "base/finding.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace kwa {

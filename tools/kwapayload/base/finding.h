@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -8,7 +7,7 @@ namespace kwa {
 
 enum class Severity {
   Error,    // the installer fails, or installs something wrong
-  Warning,  // no run suffers, but no writer of ours makes it
+  Warning,  // no run fails by it, but somebody should look
 };
 
 // One thing that is not as it should be.

@@ -128,6 +128,10 @@ void OutputFile::Commit() {
   std::error_code error;
   std::filesystem::rename(temporary, target, error);
   if (error) {
+    if (existing == Existing::Kept) {
+      std::error_code ignored;
+      std::filesystem::remove(target, ignored);
+    }
     throw ToolFailure(target, "cannot be created: " + error.message());
   }
   ReplaceTemporaryPath(temporary.c_str(), nullptr);

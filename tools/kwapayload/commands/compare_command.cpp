@@ -1,6 +1,7 @@
 #include "commands/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <map>

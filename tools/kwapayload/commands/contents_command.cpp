@@ -1,11 +1,13 @@
 #include "commands/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <filesystem>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/ascii_text.h"
@@ -14,7 +16,7 @@
 #include "base/output_file.h"
 #include "base/tool_failure.h"
 #include "installer/file_kind.h"
-#include "payload/contents_writer.h"
+#include "payload/payload_contents.h"
 #include "payload/payload_folder.h"
 
 namespace kwa {

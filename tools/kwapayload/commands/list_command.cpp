@@ -45,7 +45,7 @@ void AddListCommand(CLI::App& app) {
       "fit\n"
       "what it signs or its certificate; who may be trusted is not judged. Bytes of a name that are not plain text "
       "show\n"
-      "as \\xHH. --json has more: places, digests, timestamps.\n"
+      "as \\xHH. --json has more: places and digests.\n"
       "\n"
       "Example:\n"
       "  kwapayload list kwa_installer.exe");

@@ -3,9 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "base/depfile.h"

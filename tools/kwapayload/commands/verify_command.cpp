@@ -1,10 +1,12 @@
 #include "commands/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "base/escaped_text.h"
 #include "base/mapped_file.h"
@@ -73,7 +75,7 @@ void AddVerifyCommand(CLI::App& app) {
   verify->footer(
       "Prints one line a finding:\n"
       "  error: …     the installer fails, or installs something wrong\n"
-      "  warning: …   no run suffers, but no build of ours makes it\n"
+      "  warning: …   no run fails by it, but somebody should look\n"
       "Signatures are held to what they sign and to their certificates. Whether Windows trusts those, by chain, date "
       "and\n"
       "revocation, is not judged.\n"

@@ -4,6 +4,7 @@
 #include <set>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "base/ascii_text.h"
 #include "base/escaped_text.h"

@@ -1,8 +1,8 @@
 #include "installer/package_trust.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
+#include <utility>
 
 #include "base/ascii_text.h"
 #include "base/text_kind.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "archive/archive_format.h"
 #include "base/escaped_text.h"

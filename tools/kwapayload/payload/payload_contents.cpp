@@ -138,6 +138,18 @@ PayloadContents ReadPayloadContents(const std::filesystem::path& path) {
   return contents;
 }
 
+std::string ContentsText(const PayloadContents& contents) {
+  const auto quoted = [](const std::string& text) { return json(text).dump(); };
+  std::string text = "{\n  \"files\": [";
+  for (const ContentsFile& file : contents) {
+    text += &file == &contents.front() ? "\n" : ",\n";
+    text += "    {\"archive\": \"" + std::string(1, file.archive) + "\", \"order\": " + std::to_string(file.order) +
+            ", \"name\": " + quoted(file.name) + ", \"size\": " + std::to_string(file.size) +
+            ", \"kind\": " + quoted(file.kind) + "}";
+  }
+  return text + "\n  ]\n}\n";
+}
+
 PayloadContents SelectArchive(const PayloadContents& contents, char archive) {
   PayloadContents selected;
   std::copy_if(contents.begin(), contents.end(), std::back_inserter(selected),

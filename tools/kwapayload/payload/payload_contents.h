@@ -27,6 +27,9 @@ using PayloadContents = std::vector<ContentsFile>;
 // order other than that of the upper-case names.
 PayloadContents ReadPayloadContents(const std::filesystem::path& path);
 
+// A list of contents in the form of payload/contents.json: one line a file, so that a changed file is a changed line.
+std::string ContentsText(const PayloadContents& contents);
+
 // The files of one archive.
 PayloadContents SelectArchive(const PayloadContents& contents, char archive);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"

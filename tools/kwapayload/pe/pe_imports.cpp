@@ -1,7 +1,7 @@
 #include "pe/pe_imports.h"
 
-#include <algorithm>
 #include <cstdint>
+#include <utility>
 
 namespace kwa {
 namespace {

@@ -1,6 +1,7 @@
 #include "pe/pe_resources.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kwa {
 namespace {

@@ -7,7 +7,6 @@
 #include <deque>
 #include <memory>
 
-#include "base/escaped_text.h"
 #include "trust/asn1_value.h"
 #include "trust/digest.h"
 #include "trust/signer_check.h"
