@@ -12,9 +12,10 @@
 
 screens_display=
 screens_pid=
-screens_size=800x600
+# Room for a window that stands low: Wine 10 tells a program that any virtual desktop has 1024x768.
+screens_size=800x700
 # Without the task bar, which Wine 9 shows at the lower edge.
-screens_seen=800x560+0+0
+screens_seen=800x660+0+0
 
 screens_start() {
   local screens=() i output
