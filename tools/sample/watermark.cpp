@@ -88,26 +88,20 @@ Colour Picture(Point p) {
   return Mix(colour, kCyan, 0.9 * Coverage(p, {{6.5, 41}, {44.5, 41}}, 1.0));
 }
 
-void AppendLittleEndian(std::string& bytes, std::size_t value, int count) {
+std::string LittleEndian(std::size_t value, int count) {
+  std::string bytes;
   for (int i = 0; i < count; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
+  return bytes;
 }
 
 std::string BitmapHeader() {
-  std::string header = "BM";
-  AppendLittleEndian(header, kFileBytes, 4);
-  AppendLittleEndian(header, 0, 4);
-  AppendLittleEndian(header, kHeaderBytes, 4);
-  AppendLittleEndian(header, 40, 4);
-  AppendLittleEndian(header, kWidth, 4);
-  AppendLittleEndian(header, kHeight, 4);
-  AppendLittleEndian(header, 1, 2);   // planes
-  AppendLittleEndian(header, 24, 2);  // bits per pixel
-  AppendLittleEndian(header, 0, 4);   // not compressed
-  AppendLittleEndian(header, kFileBytes - kHeaderBytes, 4);
-  AppendLittleEndian(header, 3780, 4);  // 96 pixels per inch, given per metre
-  AppendLittleEndian(header, 3780, 4);
-  AppendLittleEndian(header, 0, 8);  // no palette
-  return header;
+  const std::string pixelsPerMetre = LittleEndian(3780, 4);  // 96 an inch
+  return "BM" + LittleEndian(kFileBytes, 4) + LittleEndian(0, 4) + LittleEndian(kHeaderBytes, 4) + LittleEndian(40, 4) +
+         LittleEndian(kWidth, 4) + LittleEndian(kHeight, 4) + LittleEndian(1, 2) +  // planes
+         LittleEndian(24, 2) +                                                      // bits per pixel
+         LittleEndian(0, 4) +                                                       // not compressed
+         LittleEndian(kFileBytes - kHeaderBytes, 4) + pixelsPerMetre + pixelsPerMetre +
+         LittleEndian(0, 8);  // no palette
 }
 
 char ToByte(double value) {

@@ -54,18 +54,18 @@ ordered_json Describe(const WizardTexts& texts) {
 }
 
 // Reads dpinst.xml into the report and returns the wizard's texts. Throws std::runtime_error where that is refused.
-WizardTexts ReadConfiguration(const std::wstring& ownFolder, unsigned long language, ordered_json& report) {
+WizardTexts ReadConfiguration(const std::wstring& ownFolder, unsigned long language, ordered_json* report) {
   const XmlElement root = ReadXmlFile(ownFolder + L"dpinst.xml");
-  report["flags"] = ordered_json::array();
+  (*report)["flags"] = ordered_json::array();
   for (const std::wstring& flag : ReadFlags(root)) {
-    report["flags"].push_back(ToUtf8(flag));
+    (*report)["flags"].push_back(ToUtf8(flag));
   }
   const WizardTexts texts = ChooseTexts(root, ownFolder, language);
-  report["wizard"] = Describe(texts);
+  (*report)["wizard"] = Describe(texts);
   for (const XmlElement& child : root.children) {
     if (child.name == L"language") {
       const std::wstring& code = child.attributes.at(L"code");
-      report["languages"][ToUtf8(code)] = Describe(ChooseTexts(root, ownFolder, *ParseNumber(code)));
+      (*report)["languages"][ToUtf8(code)] = Describe(ChooseTexts(root, ownFolder, *ParseNumber(code)));
     }
   }
   return texts;
@@ -85,7 +85,7 @@ unsigned long Run() {
   WizardTexts texts;
   std::string error;
   try {
-    texts = ReadConfiguration(ownFolder, language, report);
+    texts = ReadConfiguration(ownFolder, language, &report);
   } catch (const std::runtime_error& refusal) {
     error = refusal.what();
     report["error"] = error;
