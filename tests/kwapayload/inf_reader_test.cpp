@@ -45,7 +45,7 @@ TEST(ReadHostPackageIdentity, SaysWhatCannotBeKnown) {
 TEST(ReadInfSourceFiles, ReadsBySetupsRules) {
   const std::string inf =
       "[SourceDisksFiles.AMD64] ; 64-bit\r\n\"b;c%Ext%\" = 1 ; x = 2\r\n;d.sys=1\r\nnone\r\n[SourceDisksFilesX]\r\n"
-      "e.sys=1\r\n[ sourcedisksfiles ]\r\n a.sys ; = 1\r\n a.sys=1,,\r\nf=2,.\\x\r\ng=2\r\nh=1,.\r\n"
+      "e.sys=1\r\n[ sourcedisksfiles ]\r\n a.sys ; = 1\r\n a.sys=1,,\r\nf=2,.\\x\r\ng=2\r\nh=1,.\r\nj=1,\"\"\r\n"
       "[SourceDisksFiles.ia64]\r\ni.sys=1\r\n[SourceDisksNames.ia64]\r\n1=a,,,\\ia64\r\n[SourceDisksNames]\r\n"
       "1=a,b\r\n2=\"a,b\",,,\\%Dir%\r\n[strings]\r\ndIR=\"i386\"\r\next=.sys";
   for (const std::string& bytes : {inf, Utf16Inf(inf)}) {
@@ -53,7 +53,7 @@ TEST(ReadInfSourceFiles, ReadsBySetupsRules) {
     for (const kwa::InfSourceFile& file : kwa::ReadInfSourceFiles(kwa::InfText(kwa::ByteSpan(bytes)))) {
       shown += file.name + "|" + file.platform + "|" + file.folder + "\n";
     }
-    EXPECT_EQ("b;c.sys|amd64|\na.sys||\nf||i386\\.\\x\ng||i386\nh||\n", shown);
+    EXPECT_EQ("b;c.sys|amd64|\na.sys||\nf||i386\\.\\x\ng||i386\nh||\nj||\n", shown);
   }
 }
 
