@@ -128,6 +128,7 @@ const Damage kDamages[] = {
      {OfInf("source-file-missing", "[SourceDisksFiles] names \"marlin_usc.sys\"")}},
     {"Machine", InHeader(4, "\x64\x86"), {"machine: executable: is not a 32-bit x86 program"}},
     {"ConsoleSubsystem", InHeader(92, "\x03"), {"subsystem: executable: is not of the GUI subsystem"}},
+    {"Windows2000", InHeader(72, "\x05"), {}},
     {"LaterWindows", InHeader(72, "\x06"), {"windows-version: executable: asks for a Windows later"}},
     {"Library", InHeader(23, "\x23"), {"not-a-program: executable: is not marked as a program"}},
     {"NoAslr", InHeader(94, std::string("\0\x81", 2)), {"no-aslr: executable: is not marked for address space"}},
@@ -141,8 +142,8 @@ const Damage kDamages[] = {
      {"versions-differ: executable, version record: its versions differ: file 2.0.0.0"}},
     {"VersionTextMissing", InProgram(Wide("FileVersion"), Wide("FileVersiom")), {kVersions + "(\"\")"}},
     {"VersionTextCut", VersionText(Wide("1.") + Wide({0})), {kVersions + "(\"1.\")"}},
-    {"VersionTextOfAPairAndAHalf", VersionText("\x34\xD8\x1E\xDD\x1E\xDD"),
-     {kVersions + R"(("\xF0\x9D\x84\x9E\xEF\xBF\xBD"))"}},
+    {"VersionTextOfAPairAndAHalf", VersionText(std::string("\x34\xD8\0\xDC\x1E\xDD", 6)),
+     {kVersions + R"(("\xF0\x9D\x80\x80\xEF\xBF\xBD"))"}},
     {"VersionTextOfHalves", VersionText(std::string("\0\xD8z\0\x34\xD8", 6)),
      {kVersions + R"(("\xEF\xBF\xBDz\xEF\xBF\xBD"))"}},
     {"OtherLibrary", InProgram("SHELL32.dll", "SHELL33.dll"),
@@ -151,9 +152,9 @@ const Damage kDamages[] = {
      {"import-too-new: executable, imports of KERNEL32.dll: GetVersionExB is not known"}},
     {"BytesBehindTheLastSection", [](InstallerImage& image) { image.Resize(image.Bytes().size() + 100); },
      {"?overlay: executable: 100 bytes behind the last section are no signature"}},
-    {"SignatureAtTheEnd", Signature(0), {}},
-    {"SignatureBehindPadding", Signature(8), {"?overlay: executable: 8 bytes behind"}},
-    {"SignatureInAnOddPlace", Signature(4), {"signature-place: executable: its security directory leads to no"}},
+    {"SignatureAtTheEnd", Signature(0), {"signature-broken: executable: "}},
+    {"SignatureBehindPadding", Signature(8), {"signature-broken: executable: ", "?overlay: executable: 8 bytes behind"}},
+    {"SignatureInAnOddPlace", Signature(4), {"signature-broken: executable: ", "signature-place: executable: its security directory leads to no"}},
 };
 // clang-format on
 
@@ -166,8 +167,8 @@ TEST(DamagedInstaller, GivesItsFindingAndNoOther) {
     damage.apply(image);
     std::vector<std::string> lines;
     for (const kwa::Finding& finding : Verify(image, contents)) {
-      // Whatever changes a file is noticed by these as well.
-      if (finding.code != "not-in-catalog" && finding.code != "signature-broken") {
+      // Whatever changes a file of the payload is noticed by these as well.
+      if (finding.code != "not-in-catalog" && (finding.code != "signature-broken" || finding.where == "executable")) {
         lines.push_back((finding.severity == kwa::Severity::Error ? "" : "?") + finding.code + ": " + finding.where +
                         ": " + finding.what);
       }
@@ -203,6 +204,8 @@ TEST(Verify, ExitStatusAndOutputTellTheFindings) {
   InBody("marlin_usb.inf", 0, "\xEF\xBB\xBF")(image);
   const std::string failed = folder / "failed.exe";
   WriteWholeFile(failed, image.Bytes());
+  const std::string single = folder / "single.kwap";
+  WriteWholeFile(single, BuildArchive({{"dpinst.exe", "1"}}));
   const std::string warning = "warning: archive A, marlin_usb.cat: the padding behind its body is not zero\n";
   const std::string error =
       std::string("error: ") + kInf + "begins with the mark of UTF-8, which not every Windows knows\n";
@@ -215,6 +218,11 @@ TEST(Verify, ExitStatusAndOutputTellTheFindings) {
       {{"verify", warned}, 1, warning},
       {{"verify", warned, "--allow-warnings"}, 0, warning},
       {{"verify", failed, "--allow-warnings"}, 1, warning + error},
+      {{"verify", single, "--contents", KWA_CONTENTS},
+       1,
+       "error: archive B, dpinst.exe: has 1 bytes instead of 921992\nerror: archive B, dpinst64.exe: is missing\n"
+       "error: archive B, eula_de.txt: is missing\nerror: archive B, eula_en.txt: is missing\n"
+       "error: archive B, kwa.bmp: is missing\n"},
       {{"verify", folder / "missing.exe"}, 1, ""},
       {{"verify", warned, "--contents", warned}, 1, ""},
       {{"verify", KWA_INSTALLER, "--contents", ""}, 2, ""},
@@ -225,13 +233,10 @@ TEST(Verify, ExitStatusAndOutputTellTheFindings) {
     EXPECT_EQ(run.output, test.output);
     EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), test.output.empty() ? 1 : 0) << run.errors;
   }
-  const nlohmann::ordered_json document = {{"file", warned},
-                                           {"findings",
-                                            {{{"severity", "warning"},
-                                              {"code", "padding"},
-                                              {"where", "archive A, marlin_usb.cat"},
-                                              {"what", "the padding behind its body is not zero"}}}}};
-  EXPECT_EQ(RunTool({"verify", warned, "--json"}).output, document.dump(2) + "\n");
+  const auto document = nlohmann::json::parse(RunTool({"verify", warned, "--json"}).output);
+  EXPECT_EQ(document.dump(), R"({"file":")" + warned + R"(","findings":[{"code":"padding","severity":"warning",)" +
+                                 R"("what":"the padding behind its body is not zero",)" +
+                                 R"("where":"archive A, marlin_usb.cat"}]})");
   // Where it cannot be known what Windows will read, the preview is a guess.
   const ToolRun preview = RunTool({"preview", failed});
   EXPECT_EQ(preview.status, 1);
