@@ -144,6 +144,10 @@ TEST_F(Pack, KeepsWhatCameToBeMeanwhile) {
   WriteWholeFile(folder / "out/archive", "of another");
   EXPECT_THROW(output.Commit(), kwa::ToolFailure);
   EXPECT_EQ("of another", ReadWholeFile(folder / "out/archive"));
+  std::filesystem::remove_all(folder / "out");  // with the temporary file
+  std::filesystem::create_directory(folder / "out");
+  EXPECT_THROW(output.Commit(), kwa::ToolFailure);
+  EXPECT_EQ(std::vector<std::string>{}, NamesIn(folder / "out"));
 }
 
 // A file that another program writes to meanwhile.

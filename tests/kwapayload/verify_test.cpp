@@ -104,7 +104,6 @@ const Damage kDamages[] = {
      {"kind: archive A, marlin_usb_64.sys: is PE32+, x86, native instead of PE32+, x64, native"}},
     {"BitmapOfOtherGeometry", InBody("kwa.bmp", 18, "2"), {"kind: archive B, kwa.bmp: is "}},
     {"NoVersion", InInf("DriverVer ", "DriverVex "), {OfInf("version-key-missing", "[Version] has no DriverVer")}},
-    {"VersionOfThreeNumbers", InInf("02/13/2014,1.0.42.0", "02/13/2014,1.0.42  "), {}},
     {"VersionOtherThanTheDrivers", InInf("02/13/2014,1.0.42.0", "02/13/2014,1.0.42.1"),
      {"?driver-version: archive A, marlin_usb.sys: ", "?driver-version: archive A, marlin_usb_64.sys: "}},
     {"NoSuchDate", InInf("02/13/2014,1.0.42.0", "02/30/2014,1.0.42.1"), {OfInf("driver-ver", "")}},

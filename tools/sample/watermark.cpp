@@ -95,13 +95,18 @@ std::string LittleEndian(std::size_t value, int count) {
 }
 
 std::string BitmapHeader() {
-  const std::string pixelsPerMetre = LittleEndian(3780, 4);  // 96 an inch
-  return "BM" + LittleEndian(kFileBytes, 4) + LittleEndian(0, 4) + LittleEndian(kHeaderBytes, 4) + LittleEndian(40, 4) +
-         LittleEndian(kWidth, 4) + LittleEndian(kHeight, 4) + LittleEndian(1, 2) +  // planes
-         LittleEndian(24, 2) +                                                      // bits per pixel
-         LittleEndian(0, 4) +                                                       // not compressed
-         LittleEndian(kFileBytes - kHeaderBytes, 4) + pixelsPerMetre + pixelsPerMetre +
-         LittleEndian(0, 8);  // no palette
+  constexpr std::size_t kPlanes = 1;
+  constexpr std::size_t kBitsPerPixel = 24;
+  constexpr std::size_t kPixelsPerMetre = 3780;  // 96 an inch
+  std::string header = "BM";
+  for (const std::size_t word : {kFileBytes, std::size_t{0}, kHeaderBytes, kHeaderBytes - 14}) {
+    header += LittleEndian(word, 4);
+  }
+  header +=
+      LittleEndian(kWidth, 4) + LittleEndian(kHeight, 4) + LittleEndian(kPlanes, 2) + LittleEndian(kBitsPerPixel, 2);
+  // Neither compressed nor with a palette.
+  header += LittleEndian(0, 4) + LittleEndian(kFileBytes - kHeaderBytes, 4);
+  return header + LittleEndian(kPixelsPerMetre, 4) + LittleEndian(kPixelsPerMetre, 4) + LittleEndian(0, 8);
 }
 
 char ToByte(double value) {

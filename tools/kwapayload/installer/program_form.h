@@ -18,7 +18,8 @@ struct ProgramPart {
 // The program of an installer, or nothing for a single archive. The archives, the checksum and the signature are left
 // out, and so is what the archives' size decides: where the sections behind them begin, and with that every address
 // that a loader relocates, and how many zeros follow each other in a section with archives. Of the compiler's tables
-// for unwinding, which count from where they lie, only the size counts.
+// for unwinding, which count from where they lie, only the size counts. Where sections overlap, as no linker lays them,
+// the whole file is the one part.
 std::vector<ProgramPart> ProgramParts(const InstallerFile& installer);
 
 }  // namespace kwa

@@ -17,7 +17,7 @@ class Certificates {
   explicit Certificates(const std::string& encodedList);
   ~Certificates();
 
-  // The signer's, or null.
+  // The signer's, which belongs to this object, or null.
   const x509_st* Find(const SignerInfo& signer);
 
  private:
