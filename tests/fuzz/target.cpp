@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <string>
 
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 #include "inf/catalog_names.h"
 #include "inf/inf_reader.h"
 #include "inf/inf_source_files.h"
-#include "inf/package_identity.h"
-#include "installer/file_kind.h"
+#include "package/package_identity.h"
+#include "content/file_kind.h"
 #include "installer/installer_file.h"
 #include "installer/listing.h"
 #include "installer/program_form.h"

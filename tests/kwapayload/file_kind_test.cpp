@@ -1,6 +1,6 @@
 // Kinds of files, worded as the list of contents words them: those that no file of the sample payload has.
 
-#include "installer/file_kind.h"
+#include "content/file_kind.h"
 
 #include <gtest/gtest.h>
 

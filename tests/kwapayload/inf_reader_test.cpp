@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "inf/inf_source_files.h"
-#include "inf/package_identity.h"
+#include "package/package_identity.h"
 #include "inf_cases.h"
 
 namespace {

@@ -1,14 +1,14 @@
 // The pack command: which names an archive may hold and how Windows compares them, archives byte for byte, and that a
 // failure says what is wrong and leaves nothing behind.
 
-#include "payload/pack_archive.h"
+#include "files/pack_archive.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 
 #include "base/ascii_text.h"
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 #include "built_archive.h"
 #include "payload/entry_name.h"
 #include "temporary_folder.h"

@@ -7,8 +7,8 @@
 #include <iostream>
 #include <string>
 
-#include "base/output_file.h"
-#include "base/tool_failure.h"
+#include "files/output_file.h"
+#include "files/tool_failure.h"
 #include "commands/commands.h"
 
 namespace {

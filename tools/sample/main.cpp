@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 #include "sample_payload.h"
 
 namespace {

@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "base/mapped_file.h"
-#include "base/output_file.h"
-#include "base/tool_failure.h"
+#include "files/mapped_file.h"
+#include "files/output_file.h"
+#include "files/tool_failure.h"
 
 namespace kwa {
 

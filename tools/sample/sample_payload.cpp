@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "base/mapped_file.h"
-#include "base/tool_failure.h"
+#include "files/mapped_file.h"
+#include "files/tool_failure.h"
 #include "catalog.h"
 #include "help_file.h"
 #include "inf_text.h"

@@ -4,7 +4,7 @@
 #include <openssl/pem.h>
 #include <openssl/pkcs7.h>
 
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 #include "der.h"
 #include "trust/digest.h"
 

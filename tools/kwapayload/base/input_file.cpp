@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 
 namespace kwa {
 

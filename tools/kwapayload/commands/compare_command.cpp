@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "base/mapped_file.h"
+#include "files/mapped_file.h"
 #include "installer/comparison.h"
 #include "installer/installer_file.h"
 

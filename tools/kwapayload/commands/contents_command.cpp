@@ -11,13 +11,13 @@
 #include <vector>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
-#include "base/mapped_file.h"
-#include "base/output_file.h"
-#include "base/tool_failure.h"
-#include "installer/file_kind.h"
+#include "report/escaped_text.h"
+#include "files/mapped_file.h"
+#include "files/output_file.h"
+#include "files/tool_failure.h"
+#include "content/file_kind.h"
 #include "payload/payload_contents.h"
-#include "payload/payload_folder.h"
+#include "files/payload_folder.h"
 
 namespace kwa {
 namespace {

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "base/mapped_file.h"
-#include "installer/extraction.h"
+#include "files/mapped_file.h"
+#include "files/extraction.h"
 #include "installer/installer_file.h"
 
 namespace kwa {

@@ -5,8 +5,8 @@
 #include <iostream>
 #include <memory>
 
-#include "base/mapped_file.h"
-#include "installer/bill_of_materials.h"
+#include "files/mapped_file.h"
+#include "report/bill_of_materials.h"
 #include "installer/installer_file.h"
 #include "installer/listing.h"
 

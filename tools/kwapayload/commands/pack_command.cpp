@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "base/depfile.h"
-#include "base/escaped_text.h"
-#include "base/output_file.h"
-#include "base/tool_failure.h"
-#include "payload/pack_archive.h"
+#include "report/escaped_text.h"
+#include "files/output_file.h"
+#include "files/tool_failure.h"
+#include "files/pack_archive.h"
 #include "payload/payload_contents.h"
-#include "payload/payload_folder.h"
+#include "files/payload_folder.h"
 
 namespace kwa {
 namespace {

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "base/escaped_text.h"
-#include "base/mapped_file.h"
-#include "base/tool_failure.h"
-#include "inf/package_identity.h"
+#include "report/escaped_text.h"
+#include "files/mapped_file.h"
+#include "files/tool_failure.h"
+#include "package/package_identity.h"
 #include "installer/installer_file.h"
 #include "installer/preview.h"
 

@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "base/escaped_text.h"
-#include "base/mapped_file.h"
+#include "report/escaped_text.h"
+#include "files/mapped_file.h"
 #include "installer/installer_file.h"
 #include "payload/payload_contents.h"
 #include "verify/verification.h"

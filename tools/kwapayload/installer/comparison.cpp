@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
-#include "inf/package_identity.h"
+#include "report/escaped_text.h"
+#include "package/package_identity.h"
 #include "installer/preview.h"
 #include "installer/program_form.h"
 

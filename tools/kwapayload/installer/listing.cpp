@@ -5,11 +5,11 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 #include "dpinst/device_families.h"
-#include "inf/package_identity.h"
-#include "installer/file_kind.h"
-#include "installer/package_trust.h"
+#include "package/package_identity.h"
+#include "content/file_kind.h"
+#include "package/package_trust.h"
 #include "pe/version_record.h"
 #include "trust/digest.h"
 

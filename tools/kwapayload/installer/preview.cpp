@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 #include "dpinst/dpinst_document.h"
 
 namespace kwa {

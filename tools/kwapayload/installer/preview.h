@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "inf/package_identity.h"
+#include "package/package_identity.h"
 
 namespace kwa {
 

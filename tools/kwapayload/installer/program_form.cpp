@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
 #include "trust/digest.h"

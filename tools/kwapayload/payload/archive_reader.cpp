@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "archive/archive_format.h"
-#include "base/escaped_text.h"
 
 namespace kwa {
 namespace {
@@ -19,50 +18,47 @@ constexpr std::uint64_t BodiesPosition(std::uint64_t count) {
   return kArchiveHeaderSize + count * sizeof(ArchiveEntry);
 }
 
-// What keeps a field from being that of a name, or an empty text.
-Finding NameFieldFault(ByteSpan field) {
+// What keeps a field from being that of a name.
+Check CheckNameField(ByteSpan field) {
   const std::string_view name = field.TextAt(0, kEntryNameCapacity);
-  const auto fault = [](const char* what, const char* code) { return Finding{Severity::Error, "", what, code}; };
   if (name.empty()) {
-    return fault("has no name", "name-empty");
+    return Failure("has no name", "name-empty");
   }
   if (name.size() == kEntryNameCapacity) {
-    return fault("has a name that is not ended within its 260 bytes", "name-not-ended");
+    return Failure("has a name without a terminator within its 260 bytes", "name-not-ended");
   }
   if (std::any_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; })) {
-    return fault("has a name with control characters", "name-control");
+    return Failure("has a name with control characters", "name-control");
   }
   if (!IsZeroFilled(field.From(name.size()))) {
-    return fault("has bytes other than zero behind its name", "name-not-zero-filled");
+    return Failure("has bytes other than zero after its name", "name-not-zero-filled");
   }
   return {};
 }
 
-// Whether what lies at an offset, where the magic stands, has a first entry with a name.
+// Whether the magic at an offset is followed by a first entry that has a name.
 bool HasFirstName(ByteSpan area, std::uint64_t offset) {
   const ByteSpan field = area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity);
-  return field.Size() == kEntryNameCapacity && NameFieldFault(field).what.empty();
+  return field.Size() == kEntryNameCapacity && CheckNameField(field);
 }
 
-// Calls `visit` with the offset of each magic outside sound archives, in their order, and with the archive or the fault
-// there, until it returns false.
+// Calls `visit` with the offset of each magic outside sound archives, in their order, and with what ReadArchive says of
+// it, until it returns false.
 //
-// The work is linear, even where tables are made to overlap: the name field of one is then made of another's names and
-// sizes, and as both need text where the other has zeros, one of the two soon has a size that leads out of the area.
+// The work is linear, even where tables overlap on purpose: the name field of one table then consists of another's names
+// and sizes. Both need text where the other has zeros, so one of the two soon has a size that leads out of the area.
 template <typename Visit>
 void ForEachMagic(ByteSpan area, Visit visit) {
   for (std::uint64_t offset = 0; area.Contains(offset, BodiesPosition(1)); offset += kWordSize) {
     if (area.U32(offset) != kArchiveMagic) {
       continue;
     }
-    ParsedArchive archive;
-    Finding fault;
-    const bool isSound = ReadArchive(area, offset, &archive, &fault);
-    const std::uint64_t size = archive.size;
-    if (!visit(offset, isSound ? &archive : nullptr, fault)) {
+    Result<ParsedArchive> archive = ReadArchive(area, offset);
+    const std::uint64_t size = archive ? archive->size : 0;
+    if (!visit(offset, std::move(archive))) {
       return;
     }
-    offset += isSound ? size : 0;
+    offset += size;
   }
 }
 
@@ -72,57 +68,54 @@ bool IsZeroFilled(ByteSpan bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
-bool ReadArchive(ByteSpan area, std::uint64_t offset, ParsedArchive* archive, Finding* fault) {
-  const auto fail = [fault](std::string_view name, const std::string& what, const char* code) {
-    *fault = {Severity::Error, EscapedText(name), what, code};
-    return false;
-  };
+Result<ParsedArchive> ReadArchive(ByteSpan area, std::uint64_t offset) {
   const std::uint64_t count = area.U32(offset + kWordSize);
   const std::string countText = std::to_string(count);
-  *archive = {offset, BodiesPosition(count), {}};
+  ParsedArchive archive = {offset, BodiesPosition(count), {}};
   if (area.U32(offset) != kArchiveMagic) {
-    return fail("", "does not begin with \"KWAP\"", "magic");
+    return Failure("does not begin with \"KWAP\"", "magic");
   }
   if (count == 0) {
-    return fail("", "has no entries", "no-entries");
+    return Failure("has no entries", "no-entries");
   }
-  if (!area.Contains(offset, archive->size)) {
-    return fail("", "ends within its table of " + countText + " entries", "table-past-end");
+  if (!area.Contains(offset, archive.size)) {
+    return Failure("ends within its table of " + countText + " entries", "table-past-end");
   }
   for (std::uint64_t i = 0; i < count; ++i) {
     const ByteSpan record = area.Part(offset + BodiesPosition(i), sizeof(ArchiveEntry));
-    if (const Finding nameFault = NameFieldFault(record.Part(0, kEntryNameCapacity)); !nameFault.what.empty()) {
-      return fail("",
-                  "its table of " + countText + " entries ends behind entry " + std::to_string(i) + ": the next one " +
-                      nameFault.what,
-                  nameFault.code.c_str());
+    if (const Check field = CheckNameField(record.Part(0, kEntryNameCapacity)); !field) {
+      return Failure("its table of " + countText + " entries ends after entry " + std::to_string(i) +
+                         ": the next one " + field.error().what,
+                     field.error().code);
     }
     const std::string_view name = record.TextAt(0, kEntryNameCapacity);
     const std::uint32_t size = record.U32(kEntryNameCapacity);
+    const std::string sizeText = std::to_string(size);
     if (size >= kEntrySizeLimit) {
-      return fail(name, "has " + std::to_string(size) + " bytes; the installer reads bodies below 2147483648",
-                  "size-too-large");
+      return Failure("has " + sizeText + " bytes; the installer reads bodies below 2147483648", "size-too-large",
+                     std::string(name));
     }
     const std::uint64_t padding = PaddedSize(size) - size;
-    if (!area.Contains(offset + archive->size, size + padding)) {
-      return fail(name, "its body of " + std::to_string(size) + " bytes runs past the end of the data",
-                  "body-past-end");
+    if (!area.Contains(offset + archive.size, size + padding)) {
+      return Failure("its body of " + sizeText + " bytes runs past the end of the data", "body-past-end",
+                     std::string(name));
     }
-    const ByteSpan bodies = area.From(offset + archive->size);
-    archive->items.push_back({name, size, archive->size, bodies.Part(0, size), bodies.Part(size, padding)});
-    archive->size += size + padding;
+    const ByteSpan bodies = area.From(offset + archive.size);
+    archive.items.push_back(
+        {'-', name, bodies.Part(0, size), bodies.Part(size, padding), archive.size, offset + archive.size});
+    archive.size += size + padding;
   }
-  const std::uint64_t end = offset + archive->size;
-  if (!area.Contains(end, kWordSize) || area.U32(end) != 0) {
-    return fail("", "no zero word follows the last body", "closing-word");
+  const std::uint64_t end = offset + archive.size;
+  if (!area.Contains(end, kArchiveTerminatorSize) || area.U32(end) != 0) {
+    return Failure("no zero word follows the last body", "closing-word");
   }
-  return true;
+  return archive;
 }
 
 std::vector<ParsedArchive> FindArchives(ByteSpan area) {
   std::vector<ParsedArchive> archives;
-  ForEachMagic(area, [&](std::uint64_t, ParsedArchive* archive, const Finding&) {
-    if (archive != nullptr) {
+  ForEachMagic(area, [&](std::uint64_t, Result<ParsedArchive> archive) {
+    if (archive) {
       archives.push_back(std::move(*archive));
     }
     return archives.size() < kMaxArchives;
@@ -132,9 +125,9 @@ std::vector<ParsedArchive> FindArchives(ByteSpan area) {
 
 std::vector<BrokenArchive> FindBrokenArchives(ByteSpan area) {
   std::vector<BrokenArchive> broken;
-  ForEachMagic(area, [&](std::uint64_t offset, ParsedArchive* archive, const Finding& fault) {
-    if (archive == nullptr && HasFirstName(area, offset)) {
-      broken.push_back({offset, fault});
+  ForEachMagic(area, [&](std::uint64_t offset, Result<ParsedArchive> archive) {
+    if (!archive && HasFirstName(area, offset)) {
+      broken.push_back({offset, std::move(archive.error())});
     }
     return broken.size() < kMaxBrokenArchives;
   });

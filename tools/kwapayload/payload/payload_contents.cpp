@@ -8,7 +8,7 @@
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 #include "base/input_file.h"
 #include "payload/entry_name.h"
 

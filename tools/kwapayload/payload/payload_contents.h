@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "base/tool_failure.h"
-#include "payload/payload_folder.h"
+#include "files/tool_failure.h"
+#include "files/payload_folder.h"
 
 namespace kwa {
 

@@ -76,44 +76,39 @@ ByteSpan PeImage::CertificateTable() const {
   return directory.address == 0 ? ByteSpan() : file.Part(directory.address, directory.size);
 }
 
-bool ReadPeImage(ByteSpan file, PeImage* image, std::string* fault) {
-  *image = {};
-  image->file = file;
+Result<PeImage> ReadPeImage(ByteSpan file) {
+  PeImage image = {};
+  image.file = file;
   if (!file.StartsWith("MZ")) {
-    *fault = "is no Windows program";
-    return false;
+    return Failure("is no Windows program");
   }
-  image->headerOffset = file.U32(0x3C);
-  const ByteSpan coff = file.From(std::uint64_t{image->headerOffset} + 4);
-  if (!file.From(image->headerOffset).StartsWith(std::string_view("PE\0\0", 4)) || coff.Size() < kCoffHeaderSize) {
-    *fault = "is no Windows program, only a DOS one";
-    return false;
+  image.headerOffset = file.U32(0x3C);
+  const ByteSpan coff = file.From(std::uint64_t{image.headerOffset} + 4);
+  if (!file.From(image.headerOffset).StartsWith(std::string_view("PE\0\0", 4)) || coff.Size() < kCoffHeaderSize) {
+    return Failure("is no Windows program, only a DOS one");
   }
-  image->machine = coff.U16(0);
-  image->characteristics = coff.U16(18);
+  image.machine = coff.U16(0);
+  image.characteristics = coff.U16(18);
   const std::uint32_t sectionCount = coff.U16(2);
   const std::uint32_t optionalSize = coff.U16(16);
   const ByteSpan optional = coff.Part(kCoffHeaderSize, optionalSize);
   const ByteSpan sections = coff.From(std::uint64_t{kCoffHeaderSize} + optionalSize);
   const std::uint16_t magic = optional.U16(0);
   if (magic != kOptionalMagic32 && magic != kOptionalMagic64) {
-    *fault = "has no optional header of a Windows program";
-    return false;
+    return Failure("has no optional header of a Windows program");
   }
   if (optional.Size() < (magic == kOptionalMagic64 ? 112U : 96U) ||
       !sections.Contains(0, std::uint64_t{sectionCount} * kSectionHeaderSize)) {
-    *fault = "ends within the headers of a Windows program";
-    return false;
+    return Failure("ends within the headers of a Windows program");
   }
   if (sectionCount > kMaxSections) {
-    *fault = "has " + std::to_string(sectionCount) + " sections; Windows loads at most 96";
-    return false;
+    return Failure("has " + std::to_string(sectionCount) + " sections; Windows loads at most 96");
   }
-  ReadOptionalHeader(optional, image);
+  ReadOptionalHeader(optional, &image);
   for (std::uint32_t i = 0; i < sectionCount; ++i) {
-    image->sections.push_back(ReadSection(file, sections.Part(i * kSectionHeaderSize, kSectionHeaderSize)));
+    image.sections.push_back(ReadSection(file, sections.Part(i * kSectionHeaderSize, kSectionHeaderSize)));
   }
-  return true;
+  return image;
 }
 
 }  // namespace kwa

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/byte_span.h"
+#include "base/fault.h"
 
 namespace kwa {
 
@@ -76,8 +77,8 @@ struct PeImage {
   ByteSpan CertificateTable() const;
 };
 
-// Reads the headers. Returns false, and in *fault why, when the bytes are no such file or end within the headers; then
-// *image is unspecified. Sections that the file does not have completely are no reason: see IsTruncated.
-bool ReadPeImage(ByteSpan file, PeImage* image, std::string* fault);
+// Reads the headers. Fails when the bytes are no such file or end within the headers, but not when the file is cut off
+// within a section: see IsTruncated.
+Result<PeImage> ReadPeImage(ByteSpan file);
 
 }  // namespace kwa

@@ -51,28 +51,32 @@ struct Block {
   std::uint64_t end;             // likewise
 };
 
-bool ReadBlock(ByteSpan record, std::uint64_t offset, std::uint64_t limit, Block* block) {
+std::optional<Block> ReadBlock(ByteSpan record, std::uint64_t offset, std::uint64_t limit) {
   const std::uint64_t length = record.U16(offset);
   if (length < kBlockHeaderSize || offset + length > limit) {
-    return false;
+    return std::nullopt;
   }
-  block->end = offset + length;
+  Block block;
+  block.end = offset + length;
   std::uint64_t keyLength = 0;
-  block->key = Utf16Text(record.Part(offset + kBlockHeaderSize, length - kBlockHeaderSize), &keyLength);
-  const std::uint64_t valueOffset = std::min(AlignedTo4(offset + kBlockHeaderSize + keyLength * 2), block->end);
+  block.key = Utf16Text(record.Part(offset + kBlockHeaderSize, length - kBlockHeaderSize), &keyLength);
+  const std::uint64_t valueOffset = std::min(AlignedTo4(offset + kBlockHeaderSize + keyLength * 2), block.end);
   // The length of a text is counted in UTF-16 units.
   const std::uint64_t valueSize = std::uint64_t{record.U16(offset + 2)} * (record.U16(offset + 4) == 1 ? 2 : 1);
-  block->value = record.Part(valueOffset, std::min(valueSize, block->end - valueOffset));
-  block->childrenOffset = AlignedTo4(valueOffset + valueSize);
-  return true;
+  block.value = record.Part(valueOffset, std::min(valueSize, block.end - valueOffset));
+  block.childrenOffset = AlignedTo4(valueOffset + valueSize);
+  return block;
 }
 
 // Calls `visit` with each block in a part of the record until it returns false.
 template <typename Visit>
 void ForEachBlock(ByteSpan record, std::uint64_t offset, std::uint64_t limit, Visit visit) {
-  Block block;
-  while (offset < limit && ReadBlock(record, offset, limit, &block) && visit(block)) {
-    offset = AlignedTo4(block.end);
+  while (offset < limit) {
+    const std::optional<Block> block = ReadBlock(record, offset, limit);
+    if (!block || !visit(*block)) {
+      return;
+    }
+    offset = AlignedTo4(block->end);
   }
 }
 
@@ -83,41 +87,39 @@ std::string VersionText(std::uint32_t high, std::uint32_t low) {
 
 }  // namespace
 
-bool ReadVersionRecord(ByteSpan resource, VersionRecord* record) {
-  Block root;
-  if (!ReadBlock(resource, 0, resource.Size(), &root) || root.key != "VS_VERSION_INFO" ||
-      root.value.U32(0) != kFixedSignature) {
-    return false;
+std::string VersionRecord::Text(const std::string& key) const {
+  const auto found = texts.find(key);
+  return found == texts.end() ? "" : found->second;
+}
+
+std::optional<VersionRecord> ReadVersionRecord(ByteSpan resource) {
+  const std::optional<Block> root = ReadBlock(resource, 0, resource.Size());
+  if (!root || root->key != "VS_VERSION_INFO" || root->value.U32(0) != kFixedSignature) {
+    return std::nullopt;
   }
-  record->fileVersion = VersionText(root.value.U32(8), root.value.U32(12));
-  record->productVersion = VersionText(root.value.U32(16), root.value.U32(20));
-  record->texts.clear();
-  ForEachBlock(resource, root.childrenOffset, root.end, [&](const Block& info) {
+  VersionRecord record;
+  record.fileVersion = VersionText(root->value.U32(8), root->value.U32(12));
+  record.productVersion = VersionText(root->value.U32(16), root->value.U32(20));
+  ForEachBlock(resource, root->childrenOffset, root->end, [&](const Block& info) {
     if (info.key != "StringFileInfo") {
       return true;
     }
     ForEachBlock(resource, info.childrenOffset, info.end, [&](const Block& language) {
       ForEachBlock(resource, language.childrenOffset, language.end, [&](const Block& text) {
         std::uint64_t ignored = 0;
-        record->texts.emplace(text.key, Utf16Text(text.value, &ignored));
+        record.texts.emplace(text.key, Utf16Text(text.value, &ignored));
         return true;
       });
       return false;  // the first language is enough
     });
     return false;
   });
-  return true;
+  return record;
 }
 
-VersionRecord FileVersionRecord(ByteSpan file) {
-  PeImage image;
-  std::string ignored;
-  VersionRecord record;
-  if (!ReadPeImage(file, &image, &ignored) ||
-      !ReadVersionRecord(FirstResource(ReadResources(image), kResourceTypeVersion), &record)) {
-    return {};
-  }
-  return record;
+std::optional<VersionRecord> FileVersionRecord(ByteSpan file) {
+  const Result<PeImage> image = ReadPeImage(file);
+  return image ? ReadVersionRecord(FirstResource(ReadResources(*image), kResourceTypeVersion)) : std::nullopt;
 }
 
 }  // namespace kwa

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 
 #include "base/byte_span.h"
@@ -13,12 +14,15 @@ struct VersionRecord {
   std::string productVersion;  // likewise
   // Texts of the first language, by key: "FileDescription", … Characters beyond ASCII in UTF-8.
   std::map<std::string, std::string> texts;
+
+  // The text for a key, "" where there is none.
+  std::string Text(const std::string& key) const;
 };
 
-// Reads a version resource. Returns false when it is none.
-bool ReadVersionRecord(ByteSpan resource, VersionRecord* record);
+// Reads a version resource. Nothing where the bytes are none.
+std::optional<VersionRecord> ReadVersionRecord(ByteSpan resource);
 
-// The version record of a whole file. Empty where it is no Windows program, library or driver, or has none.
-VersionRecord FileVersionRecord(ByteSpan file);
+// The version record of a whole file. Nothing where it is no Windows program, library or driver, or has none.
+std::optional<VersionRecord> FileVersionRecord(ByteSpan file);
 
 }  // namespace kwa

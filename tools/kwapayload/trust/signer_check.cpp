@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 #include "trust/asn1_value.h"
 #include "trust/digest.h"
 

@@ -2,9 +2,9 @@
 #include <string>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
-#include "base/text_kind.h"
-#include "installer/file_kind.h"
+#include "report/escaped_text.h"
+#include "content/text_kind.h"
+#include "content/file_kind.h"
 #include "payload/entry_name.h"
 #include "verify/verification.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
 #include "pe/version_record.h"

@@ -4,13 +4,13 @@
 #include <string>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
-#include "base/text_kind.h"
+#include "report/escaped_text.h"
+#include "content/text_kind.h"
 #include "dpinst/device_families.h"
 #include "inf/catalog_names.h"
 #include "inf/inf_reader.h"
 #include "inf/inf_source_files.h"
-#include "inf/package_identity.h"
+#include "package/package_identity.h"
 #include "inf/setup_section.h"
 #include "payload/entry_name.h"
 #include "verify/verification.h"

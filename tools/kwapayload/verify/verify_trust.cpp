@@ -1,7 +1,7 @@
 #include <string>
 
-#include "base/escaped_text.h"
-#include "installer/package_trust.h"
+#include "report/escaped_text.h"
+#include "package/package_trust.h"
 #include "trust/authenticode.h"
 #include "verify/verification.h"
 

@@ -1,9 +1,9 @@
 #include <string>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 #include "inf/driver_version.h"
-#include "inf/package_identity.h"
+#include "package/package_identity.h"
 #include "pe/version_record.h"
 #include "verify/verification.h"
 

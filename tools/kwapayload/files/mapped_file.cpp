@@ -1,4 +1,4 @@
-#include "base/mapped_file.h"
+#include "files/mapped_file.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 
 namespace kwa {
 namespace {

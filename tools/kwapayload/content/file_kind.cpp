@@ -1,8 +1,8 @@
-#include "installer/file_kind.h"
+#include "content/file_kind.h"
 
 #include <cstdint>
 
-#include "base/text_kind.h"
+#include "content/text_kind.h"
 #include "pe/pe_image.h"
 
 namespace kwa {

@@ -1,4 +1,4 @@
-#include "payload/payload_folder.h"
+#include "files/payload_folder.h"
 
 #include <algorithm>
 #include <system_error>
@@ -6,8 +6,8 @@
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
-#include "base/tool_failure.h"
+#include "report/escaped_text.h"
+#include "files/tool_failure.h"
 #include "payload/entry_name.h"
 
 namespace kwa {

@@ -1,9 +1,9 @@
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 
 #include <system_error>
 #include <utility>
 
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 
 namespace kwa {
 

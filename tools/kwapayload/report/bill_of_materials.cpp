@@ -1,11 +1,11 @@
-#include "installer/bill_of_materials.h"
+#include "report/bill_of_materials.h"
 
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string_view>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 #include "pe/version_record.h"
 #include "trust/digest.h"
 

@@ -1,4 +1,4 @@
-#include "installer/extraction.h"
+#include "files/extraction.h"
 
 #include <algorithm>
 #include <set>
@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "base/ascii_text.h"
-#include "base/escaped_text.h"
-#include "base/output_file.h"
-#include "base/tool_failure.h"
+#include "report/escaped_text.h"
+#include "files/output_file.h"
+#include "files/tool_failure.h"
 #include "payload/entry_name.h"
 
 namespace kwa {

@@ -1,4 +1,4 @@
-#include "payload/pack_archive.h"
+#include "files/pack_archive.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 #include "archive/archive_format.h"
 #include "base/input_file.h"
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 
 namespace kwa {
 namespace {

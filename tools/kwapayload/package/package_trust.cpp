@@ -1,11 +1,11 @@
-#include "installer/package_trust.h"
+#include "package/package_trust.h"
 
 #include <algorithm>
 #include <set>
 #include <utility>
 
 #include "base/ascii_text.h"
-#include "base/text_kind.h"
+#include "content/text_kind.h"
 #include "inf/catalog_names.h"
 #include "inf/inf_source_files.h"
 #include "trust/authenticode.h"

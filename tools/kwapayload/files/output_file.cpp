@@ -1,4 +1,4 @@
-#include "base/output_file.h"
+#include "files/output_file.h"
 
 #include <unistd.h>
 
@@ -12,7 +12,7 @@
 #include <system_error>
 #include <utility>
 
-#include "base/tool_failure.h"
+#include "files/tool_failure.h"
 
 namespace kwa {
 namespace {

@@ -1,4 +1,4 @@
-#include "inf/package_identity.h"
+#include "package/package_identity.h"
 
 #include <algorithm>
 

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "base/output_file.h"
-#include "payload/payload_folder.h"
+#include "files/output_file.h"
+#include "files/payload_folder.h"
 
 namespace kwa {
 

@@ -1,4 +1,4 @@
-#include "base/text_kind.h"
+#include "content/text_kind.h"
 
 #include <utf8.h>
 

@@ -1,4 +1,4 @@
-#include "base/escaped_text.h"
+#include "report/escaped_text.h"
 
 namespace kwa {
 namespace {
