@@ -17,7 +17,7 @@ void Findings::Add(Finding finding) {
     return;
   }
   if (list.size() == kMaxFindings) {
-    list.push_back({Severity::Warning, "", "there is more to find than these 1000", "more-findings"});
+    list.push_back({Severity::Warning, "", "there are more findings than these 1000", "more-findings"});
   }
   if (finding.severity == Severity::Error) {
     list.back().severity = Severity::Error;

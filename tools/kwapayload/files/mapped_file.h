@@ -6,8 +6,8 @@
 
 namespace kwa {
 
-// A file mapped for reading: an installer of 1.9 GB takes no more memory than the parts that are looked at, and those
-// are the kernel's to drop. Another program that shortens the file meanwhile ends this one.
+// A file mapped for reading: an installer of 1.9 GB takes no more memory than the parts that are looked at, and the
+// kernel may drop those again. If another program shortens the file meanwhile, the signal BUS ends this one.
 class MappedFile {
  public:
   // Throws ToolFailure when the file cannot be opened, is not a regular file, or cannot be mapped.

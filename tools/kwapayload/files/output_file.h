@@ -1,34 +1,29 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
 
 namespace kwa {
 
-// What becomes of a file that has the name already.
+// What happens to a file that already has the name.
 enum class Existing { Replaced, Kept };
 
-// A file that appears under its name complete or not at all: written as a temporary file in the same folder, which
-// Commit renames. Without a Commit the temporary file is removed and what stood under the name stays as it was. Every
-// failure is thrown as ToolFailure.
+// A file that appears under its name complete or not at all. It is written as a temporary file in the same folder, and
+// Commit renames it. Without Commit, the temporary file is removed and a file that already has the name stays as it is.
+// Every failure is thrown as ToolFailure.
 class OutputFile {
  public:
-  // Creates the temporary file. What exists as `target` must be a regular file.
+  // Creates the temporary file. If the target exists, it must be a regular file.
   explicit OutputFile(std::filesystem::path targetPath, Existing existingFile = Existing::Replaced);
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
   ~OutputFile();
 
-  // Writes at once, without a buffer: for large pieces.
-  void Write(const void* data, std::size_t size);
-  void Write(std::string_view text) { Write(text.data(), text.size()); }
+  void Write(std::string_view bytes);
 
-  // Closes the temporary file; a full disk may show only here.
-  void Close();
-  // Closes the temporary file if it is open and gives it its name. Fails where a file that is to be kept has that name,
-  // even if it has come to be only now.
+  // Closes the temporary file and gives it its name. Fails where a file that is to be kept has that name, also when that
+  // file appeared only after the constructor. Called at most once.
   void Commit();
 
  private:
@@ -39,8 +34,8 @@ class OutputFile {
   bool committed = false;
 };
 
-// Makes the signals INT, TERM and HUP remove the temporary files that there are before they end the program. Those that
-// the program was started to ignore stay ignored. Called once, before the first OutputFile.
+// Makes the signals INT, TERM, HUP and BUS (see MappedFile) remove all temporary files before they end the program. A
+// signal that the program's parent set to be ignored stays ignored. Called once, before the first OutputFile.
 void RemoveTemporaryFilesOnSignals();
 
 }  // namespace kwa

@@ -3,14 +3,12 @@
 #include <filesystem>
 #include <vector>
 
-#include "files/output_file.h"
-#include "files/payload_folder.h"
+#include "payload/archive_reader.h"
 
 namespace kwa {
 
-// Writes an archive of the files, in their order, with the closing zero word. Bodies are streamed: memory does not grow
-// with them. The files are as ListPayloadFolder gives them. Throws ToolFailure when a file cannot be read or no longer
-// has its size, the archive would be too large for a 32-bit program, or the output cannot be written.
-void PackArchive(const std::vector<PayloadFile>& files, const std::filesystem::path& archive, OutputFile& output);
+// Writes an archive of the items, in their order, with its terminator. It appears complete or not at all. Throws
+// ToolFailure when the archive would be too large for a 32-bit program or cannot be written.
+void PackArchive(const std::vector<ArchiveItem>& items, const std::filesystem::path& archive);
 
 }  // namespace kwa

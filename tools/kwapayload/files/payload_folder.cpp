@@ -6,76 +6,67 @@
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"
-#include "report/escaped_text.h"
 #include "files/tool_failure.h"
 #include "payload/entry_name.h"
 
 namespace kwa {
 namespace {
 
-// What is wrong with the file apart from its name, or "".
-std::string FileFault(const std::filesystem::directory_entry& entry, std::uint64_t* size) {
+// The paths in a folder, in the order of an archive.
+std::vector<std::filesystem::path> ListFolder(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> paths;
   std::error_code error;
-  const auto status = entry.status(error);
-  if (std::filesystem::is_directory(status)) {
-    return "is a folder; an archive holds only files";
+  std::filesystem::directory_iterator entries(folder, error);
+  for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
+    paths.push_back(entries->path());
   }
-  if (!std::filesystem::is_regular_file(status)) {
-    return "is not a regular file";
-  }
-  *size = entry.file_size(error);
   if (error) {
-    return "cannot be read: " + error.message();
+    throw ToolFailure(folder, "cannot be read: " + error.message());
   }
-  if (*size >= kEntrySizeLimit) {
-    return "has " + std::to_string(*size) + " bytes; the installer reads bodies below 2147483648";
+  if (paths.empty()) {
+    throw ToolFailure(folder, "holds no files");
   }
-  return "";
+  std::sort(paths.begin(), paths.end(), [](const std::filesystem::path& left, const std::filesystem::path& right) {
+    const std::string upperLeft = UpperCase(left.filename().string());
+    const std::string upperRight = UpperCase(right.filename().string());
+    return upperLeft != upperRight ? upperLeft < upperRight : left < right;
+  });
+  return paths;
 }
 
 }  // namespace
 
-std::vector<PayloadFile> ListPayloadFolder(const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::directory_iterator entries(folder, error);
-  if (error) {
-    throw ToolFailure(folder, "cannot be read: " + error.message());
-  }
-  std::vector<PayloadFile> files;
-  std::vector<Fault> faults;
-  const auto check = [&faults](const std::filesystem::path& path, const std::string& what) {
-    if (!what.empty()) {
-      faults.push_back({ShownPath(path), what});
+PayloadFolder::PayloadFolder(std::filesystem::path folderPath, char archive) : path(std::move(folderPath)) {
+  std::vector<FileFault> faults;
+  for (const std::filesystem::path& file : ListFolder(path)) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(file, ignored)) {
+      faults.push_back({file, "is a folder; an archive holds only files"});
+      continue;
     }
-  };
-  for (; entries != std::filesystem::directory_iterator(); entries.increment(error)) {
-    PayloadFile file = {entries->path().filename().string(), entries->path(), 0};
-    check(file.path, EntryNameFault(file.name));
-    check(file.path, FileFault(*entries, &file.size));
-    files.push_back(std::move(file));
-  }
-  if (error) {
-    throw ToolFailure(folder, "cannot be read: " + error.message());
-  }
-  if (files.empty()) {
-    throw ToolFailure(folder, "holds no files");
-  }
-  std::sort(files.begin(), files.end(), [](const PayloadFile& left, const PayloadFile& right) {
-    const std::string upperLeft = UpperCase(left.name);
-    const std::string upperRight = UpperCase(right.name);
-    return upperLeft != upperRight ? upperLeft < upperRight : left.name < right.name;
-  });
-  for (std::size_t i = 1; i < files.size(); ++i) {
-    if (IsSameText(files[i - 1].name, files[i].name)) {
-      check(files[i].path, "is to Windows the same name as " + EscapedText(files[i - 1].name));
+    try {
+      files.emplace_back(file);
+    } catch (const ToolFailure& failure) {
+      faults.insert(faults.end(), failure.Faults().begin(), failure.Faults().end());
+      continue;
     }
+    const std::string& name = files.back().name;
+    const ByteSpan body = files.back().mapped.Bytes();
+    if (const Check check = CheckEntryName(name); !check) {
+      faults.push_back({file, check.error().what});
+    }
+    if (body.Size() >= kEntrySizeLimit) {
+      faults.push_back(
+          {file, "has " + std::to_string(body.Size()) + " bytes; the installer reads bodies below 2147483648"});
+    }
+    if (!items.empty() && IsSameText(items.back().name, name)) {
+      faults.push_back({file, "is the same name for Windows as " + std::string(items.back().name)});
+    }
+    items.push_back({archive, name, body, {}, 0, 0});
   }
   if (!faults.empty()) {
-    std::stable_sort(faults.begin(), faults.end(),
-                     [](const Fault& left, const Fault& right) { return left.file < right.file; });
     throw ToolFailure(std::move(faults));
   }
-  return files;
 }
 
 }  // namespace kwa

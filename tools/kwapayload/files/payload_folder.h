@@ -1,22 +1,41 @@
 #pragma once
 
-#include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "files/mapped_file.h"
+#include "payload/archive_reader.h"
+#include "payload/payload_contents.h"
+
 namespace kwa {
 
-// One file to be packed.
-struct PayloadFile {
-  std::string name;
-  std::filesystem::path path;
-  std::uint64_t size;  // bytes
-};
+// The files of a folder, as the items of the archive that would hold them.
+class PayloadFolder {
+ public:
+  // Maps the files. Throws ToolFailure with every fault: what is not a regular file, names that an archive must not hold,
+  // names that Windows takes for one, sizes that the installer cannot read, no file at all.
+  //
+  // archive  'A' or 'B', or '-' where it is not known
+  PayloadFolder(std::filesystem::path folderPath, char archive);
 
-// The files of a folder in the order of an archive: ascending bytes of their upper-case names. Throws ToolFailure with
-// every fault: what is not a regular file, names that an archive must not hold, names that Windows takes for one, sizes
-// that the installer cannot read, no file at all.
-std::vector<PayloadFile> ListPayloadFolder(const std::filesystem::path& folder);
+  const std::filesystem::path& Path() const { return path; }
+  // In the order of an archive: ascending bytes of the upper-case names. `position` and `fileOffset` are 0. Valid as long
+  // as this object.
+  const std::vector<ArchiveItem>& Items() const { return items; }
+
+ private:
+  struct File {
+    explicit File(const std::filesystem::path& file) : name(file.filename().string()), mapped(file) {}
+
+    std::string name;
+    MappedFile mapped;
+  };
+
+  std::filesystem::path path;
+  std::deque<File> files;
+  std::vector<ArchiveItem> items;
+};
 
 }  // namespace kwa

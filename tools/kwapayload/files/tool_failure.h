@@ -7,25 +7,24 @@
 
 namespace kwa {
 
-// One line of what is wrong: the program writes it as "kwapayload: FILE: what".
-struct Fault {
-  std::string file;  // as ShownPath or EscapedName give it: never breaks the line
-  std::string what;
+// One line of what is wrong with a file. Texts are raw.
+struct FileFault {
+  std::filesystem::path file;
+  std::string what;  // a phrase that follows the path, such as "is empty"
 };
 
-// Ends a command with exit status 1. Carries at least one fault.
+// Ends a command: it could not be done. Carries at least one fault.
 class ToolFailure : public std::exception {
  public:
   ToolFailure(const std::filesystem::path& file, const std::string& what);
-  explicit ToolFailure(std::vector<Fault> allFaults);
+  explicit ToolFailure(std::vector<FileFault> allFaults);
 
-  const std::vector<Fault>& Faults() const { return faults; }
-  // The first fault's line.
-  const char* what() const noexcept override { return text.c_str(); }
+  const std::vector<FileFault>& Faults() const { return faults; }
+  // What is wrong with the first file, without its path.
+  const char* what() const noexcept override { return faults.front().what.c_str(); }
 
  private:
-  std::vector<Fault> faults;
-  std::string text;
+  std::vector<FileFault> faults;
 };
 
 // "what: the system's text for the error number".

@@ -1,39 +1,51 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "installer/installer_file.h"
-#include "installer/listing.h"
+#include "installer/inspection.h"
 
 namespace kwa {
 
-// One thing that two installers or archives have differently. Texts are escaped; empty where one side has nothing.
-struct Change {
-  std::string what;  // "size", "version", …
-  std::string before;
-  std::string after;
-};
+// What two states of a file can have differently.
+enum class FileField { Archive, Name, Size, Version, Kind, Signers, Coverage, Content };
 
 struct ChangedFile {
-  std::string name;  // as it is now
-  std::vector<Change> changes;
+  const InspectedFile* before;
+  const InspectedFile* after;
+  std::vector<FileField> fields;  // those that differ; Content only where nothing else does
 };
 
-// All that differs between two installers, or two archives, to somebody who reviews a release.
+// What two driver packages can have differently.
+enum class PackageField { Inf, Version, DisplayName, Family };
+
+// A run of lines of the dpinst.xml that differ.
+struct ChangedLines {
+  std::vector<std::string> removed;
+  std::vector<std::string> added;
+
+  bool operator<(const ChangedLines& other) const {
+    return std::pair(removed, added) < std::pair(other.removed, other.added);
+  }
+};
+
+// All that differs between two installers, or two archives, for somebody who reviews a release. The two
+// inspections own the files.
 struct Comparison {
-  std::vector<ListedFile> removed;
-  std::vector<ListedFile> added;
+  const Inspection* before;
+  const Inspection* after;
+  std::vector<const InspectedFile*> removed;
+  std::vector<const InspectedFile*> added;
   std::vector<ChangedFile> changed;
-  std::vector<Change> identity;  // what the installer reads from the INF, and the family that it chooses by it
-  // The dpinst.xml that each will write, where they differ: each a run of old lines behind a '-' and new ones behind a
-  // '+', escaped.
-  std::vector<std::vector<std::string>> configuration;
-  std::vector<std::string> program;  // the parts of the program around the payload that are not the same
+  std::vector<PackageField> package;
+  std::vector<ChangedLines> configuration;  // of the dpinst.xml that each writes on Windows Vista and later
+  std::vector<std::string> program;         // the parts of the program around the payload that differ
 
   bool IsAlike() const;
 };
 
-Comparison CompareInstallers(const InstallerFile& before, const InstallerFile& after);
+// The inspections must outlive the result.
+Comparison Compare(const Inspection& before, const Inspection& after);
 
 }  // namespace kwa

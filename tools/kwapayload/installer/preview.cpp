@@ -1,32 +1,44 @@
 #include "installer/preview.h"
 
-#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
+#include <new>
+#include <string_view>
 
-#include "files/tool_failure.h"
 #include "dpinst/dpinst_document.h"
 
 namespace kwa {
+namespace {
+
+// What `write` writes to a stream.
+template <typename Write>
+std::string WrittenText(Write write) {
+  char* text = nullptr;
+  std::size_t size = 0;
+  std::FILE* const stream = ::open_memstream(&text, &size);
+  if (stream == nullptr) {
+    throw std::bad_alloc();
+  }
+  write(stream);
+  const bool isWhole = std::fclose(stream) == 0;  // gives `text` its final value
+  const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
+  if (!isWhole) {
+    throw std::bad_alloc();
+  }
+  return {text, size};
+}
+
+}  // namespace
 
 std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode) {
-  // Binary, on every machine.
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
-  if (file == nullptr) {
-    throw ToolFailure("temporary file", WithSystemText("cannot be created", errno));
-  }
-  WriteDpinstDocument(file.get(), identity.version.c_str(), identity.displayName.c_str(), legacyMode);
-  if (std::fflush(file.get()) != 0 || std::ferror(file.get()) != 0) {
-    throw ToolFailure("temporary file", WithSystemText("cannot be written", errno));
-  }
-  std::rewind(file.get());
+  const std::string written = WrittenText([&](std::FILE* stream) {
+    WriteDpinstDocument(stream, identity.version.text.c_str(), identity.displayName.text.c_str(), legacyMode);
+  });
   std::string document;
-  for (int c = std::fgetc(file.get()); c != EOF; c = std::fgetc(file.get())) {
-    // What the text mode of the installer's stream does.
-    if (c == '\n') {
-      document += '\r';
-    }
-    document += static_cast<char>(c);
+  for (const char c : written) {
+    // As the text mode of the installer's stream does.
+    document += c == '\n' ? std::string_view("\r\n") : std::string_view(&c, 1);
   }
   return document;
 }

@@ -6,11 +6,10 @@
 
 namespace kwa {
 
-// The dpinst.xml that the installer will write for a package, byte for byte, through the installer's own writer.
+// The dpinst.xml that the installer writes for a package, through the installer's own writer, with the line ends that
+// Windows gives it.
 //
 // legacyMode  as on Windows before Vista
-//
-// Throws ToolFailure when there is no room for a temporary file.
 std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode);
 
 }  // namespace kwa

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "report/escaped_text.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
 #include "trust/digest.h"
@@ -112,14 +111,14 @@ std::vector<ProgramPart> ProgramParts(const InstallerFile& installer) {
     return {{"overlapping sections", Sha256Hex(image.file)}};
   }
   std::vector<Cut> cuts;
-  for (const LocatedArchive& located : installer.archives) {
-    cuts.push_back({located.fileOffset, located.archive.size});
+  for (const ArchivePlace& archive : installer.archives) {
+    cuts.push_back({archive.fileOffset, archive.size});
   }
   AppendRelocated(image, &cuts);
   std::sort(cuts.begin(), cuts.end(), [](const Cut& left, const Cut& right) { return left.offset < right.offset; });
   std::vector<ProgramPart> parts;
   const auto add = [&parts](const std::string& name, const std::string& form) {
-    parts.push_back({EscapedText(name), Sha256Hex(ByteSpan(form))});
+    parts.push_back({name, Sha256Hex(ByteSpan(form))});
   };
   add("headers", HeaderForm(image));
   add("imports", ImportForm(image));

@@ -9,7 +9,7 @@ namespace kwa {
 
 // A part of an installer's program: its headers, its imports, its resources or a section.
 struct ProgramPart {
-  std::string name;    // escaped; the headers have what each section may do
+  std::string name;    // raw; the headers have what each section may do
   std::string digest;  // of a form that is the same for the same program around another payload
 
   bool operator==(const ProgramPart& other) const { return name == other.name && digest == other.digest; }

@@ -2,18 +2,21 @@
 
 #include <algorithm>
 
-#include "inf/inf_reader.h"
+#include "inf/profile_value.h"
 
 namespace kwa {
 
 PackageIdentity ReadHostPackageIdentity(const InfText& inf) {
-  PackageIdentity identity = {"", "", inf.Fault()};
+  PackageIdentity identity;
+  identity.certainty = CheckEncoding(inf);
   const auto read = [&](const char* key) {
-    std::string value = ReadInfValue(inf, "Version", key);
-    if (inf.IsUtf16() && value.find(InfText::kOtherUnit) != std::string::npos) {
-      std::replace(value.begin(), value.end(), InfText::kOtherUnit, '?');
-      identity.fault =
-          std::string("has characters beyond ASCII in ") + key + ", which each Windows reads in its own way";
+    IdentityValue value = {ReadProfileValue(inf, "Version", key, kProfileValueLimit + 1), false};
+    value.isCut = value.text.size() > kProfileValueLimit;
+    value.text.resize(std::min(value.text.size(), kProfileValueLimit));
+    if (inf.Encoding() == InfEncoding::Utf16LittleEndian && value.text.find(InfText::kOtherUnit) != std::string::npos) {
+      std::replace(value.text.begin(), value.text.end(), InfText::kOtherUnit, '?');
+      identity.certainty =
+          Failure(std::string("has characters beyond ASCII in ") + key + ", which each Windows reads in its own way");
     }
     return value;
   };

@@ -2,18 +2,24 @@
 
 #include <string>
 
+#include "base/fault.h"
 #include "inf/inf_text.h"
 
 namespace kwa {
 
-// What the installer will read from the package's INF; see ReadInfValue for the exact rules. Both at most 259
-// characters.
+// A value that the installer reads from the package's INF.
+struct IdentityValue {
+  std::string text;    // at most 259 characters, raw
+  bool isCut = false;  // whether the INF has more of it
+};
+
+// What the installer reads from the package's INF; see ReadProfileValue for the exact rules.
 struct PackageIdentity {
-  std::string version;      // the whole DriverVer value
-  std::string displayName;  // the DriverPackageDisplayName value
-  // Why it cannot be known what Windows will read, as a text such as "is …", or "". The values are then what is
-  // likely, with a '?' for each character that is not.
-  std::string fault;
+  IdentityValue version;      // the whole DriverVer value
+  IdentityValue displayName;  // the DriverPackageDisplayName value
+  // Whether every Windows reads these values. Where it fails, they are what is likely, with a '?' for each character
+  // that is not known.
+  Check certainty;
 };
 
 PackageIdentity ReadHostPackageIdentity(const InfText& inf);

@@ -6,101 +6,98 @@
 
 #include "base/ascii_text.h"
 #include "content/text_kind.h"
-#include "inf/catalog_names.h"
-#include "inf/inf_source_files.h"
 #include "trust/authenticode.h"
 
 namespace kwa {
 namespace {
 
-// The platforms that the installer runs on, as INFs call them.
-constexpr const char* kPlatforms[] = {"x86", "amd64"};
+// For each catalog, by its index, the upper-case names of the files that it must cover.
+using RequiredFiles = std::vector<std::set<std::string>>;
 
-const ArchiveItem* FindItem(const InstallerFile& installer, const std::string& name) {
-  for (const LocatedArchive& located : installer.archives) {
-    for (const ArchiveItem& item : located.archive.items) {
-      if (IsSameText(item.name, name)) {
-        return &item;
-      }
-    }
+// The catalog with that name; it is added if it is new.
+std::size_t IndexOf(const std::string& name, const std::vector<ArchiveItem>& items,
+                    std::vector<PackageCatalog>* catalogs) {
+  const auto known = std::find_if(catalogs->begin(), catalogs->end(),
+                                  [&name](const PackageCatalog& catalog) { return IsSameText(catalog.name, name); });
+  if (known != catalogs->end()) {
+    return static_cast<std::size_t>(known - catalogs->begin());
   }
-  return nullptr;
+  PackageCatalog& added = catalogs->emplace_back();
+  added.name = name;
+  if (const ArchiveItem* const item = FindItem(items, name)) {
+    added.item = *item;
+    added.catalog = ReadCatalog(item->body);
+  }
+  return catalogs->size() - 1;
 }
 
-// For each catalog, by its index, the upper-case names of the files that it must cover.
-using Duties = std::vector<std::set<std::string>>;
-
-Duties ReadCatalogs(const InstallerFile& installer, const ArchiveItem& infItem, std::vector<PackageCatalog>* catalogs) {
-  Duties duties;
-  const InfText inf(infItem.body);
-  const std::vector<InfSourceFile> sources = ReadInfSourceFiles(inf);
-  for (const char* const platform : kPlatforms) {
-    const std::string name = CatalogName(inf, platform);
-    if (name.empty()) {
+RequiredFiles ReadCatalogs(const std::vector<ArchiveItem>& items, const DriverPackage& package,
+                           std::vector<PackageCatalog>* catalogs) {
+  RequiredFiles required;
+  for (const PackagePlatform& platform : package.setup->platforms) {
+    if (platform.catalogName.empty()) {
       continue;
     }
-    auto known = std::find_if(catalogs->begin(), catalogs->end(),
-                              [&name](const PackageCatalog& catalog) { return IsSameText(catalog.name, name); });
-    if (known == catalogs->end()) {
-      known = catalogs->insert(known, {name, FindItem(installer, name), "", {}, 0});
-      duties.emplace_back();
-      if (known->item != nullptr) {
-        ReadCatalog(ByteSpan(known->item->body), &known->catalog, &known->fault);
-      }
-    }
-    std::set<std::string>& duty = duties[static_cast<std::size_t>(known - catalogs->begin())];
-    duty.insert(UpperCase(infItem.name));
-    for (const InfSourceFile& source : sources) {
-      if (source.platform.empty() || source.platform == platform) {
-        duty.insert(UpperCase(source.name));
-      }
+    const std::size_t index = IndexOf(platform.catalogName, items, catalogs);
+    required.resize(catalogs->size());
+    required[index].insert(UpperCase(package.inf.name));
+    for (const InfSourceFile& source : platform.sourceFiles) {
+      required[index].insert(UpperCase(source.name));
     }
   }
   for (const PackageCatalog& catalog : *catalogs) {
-    for (std::set<std::string>& duty : duties) {
-      duty.erase(UpperCase(catalog.name));
+    for (std::set<std::string>& names : required) {
+      names.erase(UpperCase(catalog.name));
     }
   }
-  return duties;
+  return required;
 }
 
-void JudgeCoverage(const Duties& duties, FileDigests* digests, std::vector<PackageCatalog>* catalogs, FileTrust* file) {
-  const std::string name = UpperCase(file->item->name);
-  for (std::size_t i = 0; i < catalogs->size(); ++i) {
-    PackageCatalog& catalog = (*catalogs)[i];
-    if (catalog.item == nullptr || !catalog.fault.empty() || duties[i].count(name) == 0) {
+void JudgeCoverage(const ArchiveItem& item, const RequiredFiles& required, FileDigests& digests, PackageTrust* trust,
+                   FileTrust* file) {
+  const std::string name = UpperCase(item.name);
+  for (std::size_t i = 0; i < trust->catalogs.size(); ++i) {
+    PackageCatalog& owner = trust->catalogs[i];
+    if (!owner.catalog || !*owner.catalog || required[i].count(name) == 0) {
       continue;
     }
-    const bool isCovered = Covers(catalog.catalog, digests);
+    const Catalog& catalog = **owner.catalog;
+    const bool isCovered = Covers(catalog, digests);
     file->isCovered = file->isCovered.value_or(true) && isCovered;
     if (isCovered) {
-      ++catalog.coveredCount;
-    } else {
-      file->uncoveringNames.push_back(catalog.name);
-      file->isNamed = file->isNamed || catalog.catalog.fileNames.count(name) != 0;
-      if (!TextKind(digests->File()).empty()) {
-        file->coveringLineEnds = CoveringLineEnds(catalog.catalog, digests->File());
-      }
+      ++owner.coveredCount;
+      continue;
+    }
+    file->uncoveringNames.push_back(owner.name);
+    file->isNamed = file->isNamed || catalog.fileNames.count(name) != 0;
+    if (ReadTextKind(item.body)) {
+      file->coveringLineEnds = CoveringLineEnds(catalog, item.body);
     }
   }
 }
 
 }  // namespace
 
-PackageTrust ReadPackageTrust(const InstallerFile& installer) {
+const PackageCatalog* PackageTrust::CatalogOf(const ArchiveItem& item) const {
+  const auto found = std::find_if(catalogs.begin(), catalogs.end(), [&item](const PackageCatalog& catalog) {
+    return catalog.item && catalog.item->name.data() == item.name.data();  // the same item, not one of its name
+  });
+  return found == catalogs.end() ? nullptr : &*found;
+}
+
+PackageTrust ReadPackageTrust(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package) {
   PackageTrust trust;
-  Duties duties;
-  const ArchiveItem* const inf = FindInf(installer);
-  if (inf != nullptr && InfText(inf->body).Fault().empty()) {
-    duties = ReadCatalogs(installer, *inf, &trust.catalogs);
+  RequiredFiles required;
+  if (package && package->setup) {
+    required = ReadCatalogs(items, *package, &trust.catalogs);
   }
-  for (const LocatedArchive& located : installer.archives) {
-    for (const ArchiveItem& item : located.archive.items) {
-      FileDigests digests(item.body);
-      FileTrust file = {&located, &item, ReadEmbeddedSignatures(&digests), {}, {}, "", false};
-      JudgeCoverage(duties, &digests, &trust.catalogs, &file);
-      trust.files.push_back(std::move(file));
-    }
+  for (const ArchiveItem& item : items) {
+    FileDigests digests(item.body);
+    FileTrust& file = trust.files.emplace_back();
+    const PackageCatalog* const own = trust.CatalogOf(item);
+    const bool isCatalog = own != nullptr && *own->catalog;
+    file.signatures = isCatalog ? (*own->catalog)->signatures : ReadEmbeddedSignatures(digests);
+    JudgeCoverage(item, required, digests, &trust, &file);
   }
   return trust;
 }

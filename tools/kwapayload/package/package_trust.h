@@ -1,10 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "installer/installer_file.h"
+#include "package/driver_package.h"
 #include "trust/catalog.h"
 #include "trust/signature.h"
 
@@ -12,31 +13,31 @@ namespace kwa {
 
 // A catalog that the INF names, for x86 or x64 Windows.
 struct PackageCatalog {
-  std::string name;         // as the INF has it
-  const ArchiveItem* item;  // null where it is not carried
-  std::string fault;        // why it is unreadable; "" where it is readable or not carried
-  Catalog catalog;
-  std::size_t coveredCount = 0;  // of the files that are carried and that it must cover
+  std::string name;                        // as the INF has it
+  std::optional<ArchiveItem> item;         // nothing where it is not carried
+  std::optional<Result<Catalog>> catalog;  // likewise
+  std::size_t coveredCount = 0;            // how many of the files that it must cover and that are carried it covers
 };
 
-// What vouches for a file that is carried.
+// What vouches for a carried file.
 struct FileTrust {
-  const LocatedArchive* archive;
-  const ArchiveItem* item;
-  std::vector<Signature> signatures;         // that it has itself
-  std::optional<bool> isCovered;             // by all catalogs that must; nothing where none must, or can be read
-  std::vector<std::string> uncoveringNames;  // the catalogs that must cover it and do not
-  std::string coveringLineEnds;              // see CoveringLineEnds
+  std::vector<Signature> signatures;            // those of the file itself; of a catalog, the catalog's
+  std::optional<bool> isCovered;                // by all catalogs that must; nothing where none must or can be read
+  std::vector<std::string> uncoveringNames;     // the catalogs that must cover it and do not
+  std::optional<std::string> coveringLineEnds;  // see CoveringLineEnds
   bool isNamed = false;  // whether such a catalog names the file, and so covered another state of it
 };
 
 struct PackageTrust {
   std::vector<PackageCatalog> catalogs;
-  std::vector<FileTrust> files;  // all, in the order of the archives
+  std::vector<FileTrust> files;  // for each item, in the order of the items
+
+  // What an item is as a catalog of the package, or null.
+  const PackageCatalog* CatalogOf(const ArchiveItem& item) const;
 };
 
-// Catalogs must cover the INF and what it lists for their platform, other catalogs apart. Without an INF, there are
-// only signatures.
-PackageTrust ReadPackageTrust(const InstallerFile& installer);
+// Judges the items by the package's catalogs, which must cover the INF and the files that it lists for their platform,
+// except other catalogs. Without a package, only the signatures of the items are read.
+PackageTrust ReadPackageTrust(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package);
 
 }  // namespace kwa

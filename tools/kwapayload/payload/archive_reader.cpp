@@ -45,8 +45,9 @@ bool HasFirstName(ByteSpan area, std::uint64_t offset) {
 // Calls `visit` with the offset of each magic outside sound archives, in their order, and with what ReadArchive says of
 // it, until it returns false.
 //
-// The work is linear, even where tables overlap on purpose: the name field of one table then consists of another's names
-// and sizes. Both need text where the other has zeros, so one of the two soon has a size that leads out of the area.
+// The work is linear, even where tables overlap on purpose: the name field of one table then consists of another's
+// names and sizes. Both need text where the other has zeros, so one of the two soon has a size that leads out of the
+// area.
 template <typename Visit>
 void ForEachMagic(ByteSpan area, Visit visit) {
   for (std::uint64_t offset = 0; area.Contains(offset, BodiesPosition(1)); offset += kWordSize) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"
@@ -28,29 +29,29 @@ bool IsInfName(std::string_view name) {
   return name.size() >= kExtension.size() && IsSameText(name.substr(name.size() - kExtension.size()), kExtension);
 }
 
-std::string EntryNameFault(std::string_view name) {
+Check CheckEntryName(std::string_view name) {
   if (name.empty()) {
-    return "the name is empty";
+    return Failure("the name is empty");
   }
   if (name.size() >= kEntryNameCapacity) {
-    return "the name has " + std::to_string(name.size()) + " bytes; an archive holds at most 259";
+    return Failure("the name has " + std::to_string(name.size()) + " bytes; an archive holds at most 259");
   }
   if (std::any_of(name.begin(), name.end(), [](char c) { return c < 0x20 || c > 0x7E; })) {
-    return "the name is not plain printable ASCII";
+    return Failure("the name is not plain printable ASCII");
   }
   if (const auto at = name.find_first_of("<>:\"/\\|?*"); at != std::string_view::npos) {
-    return std::string("the name holds a '") + name[at] + "', which Windows refuses in a bare file name";
+    return Failure(std::string("the name holds a '") + name[at] + "', which Windows refuses in a bare file name");
   }
   if (name.find(';') != std::string_view::npos) {
-    return "the name holds a ';', at which the build's lists of files are split";
+    return Failure("the name holds a ';', at which the build's lists of files are split");
   }
   if (name.back() == '.' || name.back() == ' ') {
-    return "the name ends in a dot or blank, which Windows drops";
+    return Failure("the name ends in a dot or blank, which Windows drops");
   }
   if (IsDeviceName(name)) {
-    return "the name is a device's on Windows";
+    return Failure("the name is a device's on Windows");
   }
-  return "";
+  return {};
 }
 
 }  // namespace kwa

@@ -1,15 +1,11 @@
 #include "payload/payload_contents.h"
 
 #include <algorithm>
-#include <iterator>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <utility>
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"
-#include "report/escaped_text.h"
-#include "base/input_file.h"
 #include "payload/entry_name.h"
 
 namespace kwa {
@@ -17,21 +13,15 @@ namespace {
 
 using nlohmann::json;
 
-json ParseJson(const std::filesystem::path& path) {
-  InputFile input(path);
-  std::string text;
-  std::string buffer(64 * 1024, '\0');
-  while (const std::size_t count = input.Read(buffer.data(), buffer.size())) {
-    text.append(buffer, 0, count);
-  }
+Result<json> ParseJson(std::string_view text) {
   try {
     return json::parse(text);
   } catch (const json::parse_error& error) {
-    const std::string before = text.substr(0, error.byte > 0 ? error.byte - 1 : 0);
+    const std::string_view before = text.substr(0, error.byte > 0 ? error.byte - 1 : 0);
     const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-    throw ToolFailure(path, "is not valid JSON: line " + std::to_string(line));
+    return Failure("is not valid JSON: line " + std::to_string(line));
   } catch (const json::exception&) {
-    throw ToolFailure(path, "holds a number that is too large");
+    return Failure("holds a number that is too large");
   }
 }
 
@@ -66,74 +56,57 @@ class FieldReader {
 
 ContentsFile ReadFile(const json& object, std::vector<std::string>* faults) {
   FieldReader fields(object, faults);
-  ContentsFile file = {};
   const std::string archive = fields.Text("archive");
-  if (archive == "A" || archive == "B") {
-    file.archive = archive[0];
-  } else if (!archive.empty()) {
+  if (!archive.empty() && archive != "A" && archive != "B") {
     faults->push_back("has an \"archive\" other than A and B");
   }
-  file.order = fields.Number("order");
-  file.name = fields.Text("name");
-  if (!file.name.empty()) {
-    if (const std::string fault = EntryNameFault(file.name); !fault.empty()) {
-      faults->push_back(fault);
-    }
+  const ContentsFile file = {archive[0], fields.Text("name"), fields.Number("size"), fields.Text("kind")};
+  if (const Check name = CheckEntryName(file.name); !file.name.empty() && !name) {
+    faults->push_back(name.error().what);
   }
-  file.size = fields.Number("size");
-  file.kind = fields.Text("kind");
   return file;
 }
 
-// The names must be told apart by Windows, and each archive's orders be 1, 2, 3, … along its upper-case names.
-void CheckNamesAndOrder(PayloadContents sorted, std::vector<std::string>* faults) {
-  std::sort(sorted.begin(), sorted.end(), [](const ContentsFile& left, const ContentsFile& right) {
-    return UpperCase(left.name) < UpperCase(right.name);
-  });
-  std::map<char, std::uint32_t> place;
-  for (std::size_t i = 0; i < sorted.size(); ++i) {
-    const ContentsFile& file = sorted[i];
-    if (i > 0 && IsSameText(sorted[i - 1].name, file.name)) {
-      faults->push_back(file.name + " is listed twice; to Windows, upper and lower case are the same");
-    }
-    if (const std::uint32_t order = ++place[file.archive]; file.order != order) {
-      faults->push_back(file.name + " has order " + std::to_string(file.order) + " in archive " + file.archive +
-                        "; by its upper-case name it is " + std::to_string(order));
-    }
+// Windows must be able to tell the names apart, in both archives together.
+void CheckNames(const PayloadContents& contents, std::vector<Fault>* faults) {
+  std::vector<std::string> names;
+  for (const ContentsFile& file : contents) {
+    names.push_back(UpperCase(file.name));
+  }
+  std::sort(names.begin(), names.end());
+  for (auto at = names.begin(); (at = std::adjacent_find(at, names.end())) != names.end(); ++at) {
+    faults->push_back({*at + " is listed twice; for Windows, upper and lower case are the same", "", ""});
   }
 }
 
 }  // namespace
 
-PayloadContents ReadPayloadContents(const std::filesystem::path& path) {
-  const json document = ParseJson(path);
-  const auto list = document.find("files");
-  if (!document.is_object() || list == document.end() || !list->is_array() || list->empty()) {
-    throw ToolFailure(path, "has no list \"files\"");
+tl::expected<PayloadContents, std::vector<Fault>> ReadPayloadContents(ByteSpan text) {
+  const Result<json> document = ParseJson(text.Text());
+  if (!document) {
+    return tl::unexpected<std::vector<Fault>>({document.error()});
+  }
+  const auto list = document->find("files");
+  if (!document->is_object() || list == document->end() || !list->is_array() || list->empty()) {
+    return tl::unexpected<std::vector<Fault>>({{"has no list \"files\"", "", ""}});
   }
   PayloadContents contents;
-  std::vector<std::string> faults;
+  std::vector<Fault> faults;
   for (const json& object : *list) {
     std::vector<std::string> fileFaults;
     contents.push_back(ReadFile(object, &fileFaults));
     const std::string& name = contents.back().name;
-    const std::string shown = name.empty() ? "" : " (" + EscapedText(name) + ")";
+    const std::string place = "file " + std::to_string(contents.size()) + (name.empty() ? "" : " (" + name + ")");
     for (const std::string& fault : fileFaults) {
-      faults.push_back("file " + std::to_string(contents.size()) + shown + ": " + fault);
+      faults.push_back({place + ": " + fault, "", ""});
     }
   }
-  if (faults.empty()) {
-    CheckNamesAndOrder(contents, &faults);
-  }
+  CheckNames(contents, &faults);
   if (!faults.empty()) {
-    std::vector<Fault> lines;
-    for (const std::string& fault : faults) {
-      lines.push_back({ShownPath(path), fault});
-    }
-    throw ToolFailure(std::move(lines));
+    return tl::unexpected<std::vector<Fault>>(std::move(faults));
   }
   std::sort(contents.begin(), contents.end(), [](const ContentsFile& left, const ContentsFile& right) {
-    return left.archive != right.archive ? left.archive < right.archive : left.order < right.order;
+    return std::pair(left.archive, UpperCase(left.name)) < std::pair(right.archive, UpperCase(right.name));
   });
   return contents;
 }
@@ -143,43 +116,10 @@ std::string ContentsText(const PayloadContents& contents) {
   std::string text = "{\n  \"files\": [";
   for (const ContentsFile& file : contents) {
     text += &file == &contents.front() ? "\n" : ",\n";
-    text += "    {\"archive\": \"" + std::string(1, file.archive) + "\", \"order\": " + std::to_string(file.order) +
-            ", \"name\": " + quoted(file.name) + ", \"size\": " + std::to_string(file.size) +
-            ", \"kind\": " + quoted(file.kind) + "}";
+    text += "    {\"archive\": \"" + std::string(1, file.archive) + "\", \"name\": " + quoted(file.name) +
+            ", \"size\": " + std::to_string(file.size) + ", \"kind\": " + quoted(file.kind) + "}";
   }
   return text + "\n  ]\n}\n";
-}
-
-PayloadContents SelectArchive(const PayloadContents& contents, char archive) {
-  PayloadContents selected;
-  std::copy_if(contents.begin(), contents.end(), std::back_inserter(selected),
-               [archive](const ContentsFile& file) { return file.archive == archive; });
-  return selected;
-}
-
-std::vector<Fault> CompareWithContents(const std::filesystem::path& folder, const std::vector<PayloadFile>& files,
-                                       const PayloadContents& wanted) {
-  std::map<std::string, const PayloadFile*> unexpected;
-  for (const PayloadFile& file : files) {
-    unexpected[file.name] = &file;
-  }
-  std::vector<Fault> faults;
-  for (const ContentsFile& want : wanted) {
-    const auto found = unexpected.find(want.name);
-    if (found == unexpected.end()) {
-      faults.push_back({ShownPath(folder / want.name), "is missing"});
-      continue;
-    }
-    if (found->second->size != want.size) {
-      faults.push_back({ShownPath(found->second->path), "has " + std::to_string(found->second->size) +
-                                                            " bytes instead of " + std::to_string(want.size)});
-    }
-    unexpected.erase(found);
-  }
-  for (const auto& [name, file] : unexpected) {
-    faults.push_back({ShownPath(file->path), "is not in the list of contents"});
-  }
-  return faults;
 }
 
 }  // namespace kwa

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "base/ascii_text.h"
-#include "report/escaped_text.h"
 #include "pe/version_record.h"
+#include "report/escaped_text.h"
 #include "trust/digest.h"
 
 namespace kwa {

@@ -1,44 +1,63 @@
 #include "report/escaped_text.h"
 
+#include <utf8.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+
 namespace kwa {
 namespace {
 
-void AppendHex(char character, std::string* result) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  const auto byte = static_cast<unsigned char>(character);
-  *result += "\\x";
-  *result += kDigits[byte / 16];
-  *result += kDigits[byte % 16];
+struct Range {
+  std::uint32_t first;
+  std::uint32_t last;
+};
+
+constexpr Range kUnsafe[] = {
+    {0x0000, 0x001F},    // C0 controls
+    {0x007F, 0x009F},    // DEL, C1 controls
+    {0x061C, 0x061C},    // Arabic letter mark, a bidirectional control
+    {0x200B, 0x200F},    // zero width; bidirectional marks
+    {0x2028, 0x202E},    // line and paragraph separators; bidirectional embeddings and overrides
+    {0x2060, 0x206F},    // invisible operators; bidirectional isolates; deprecated format characters
+    {0xFEFF, 0xFEFF},    // byte-order mark
+    {0xFFF9, 0xFFFB},    // interlinear annotations
+    {0xE0000, 0xE007F},  // tags
+};
+
+bool IsUnsafe(std::uint32_t character) {
+  return std::any_of(std::begin(kUnsafe), std::end(kUnsafe),
+                     [character](const Range& range) { return character >= range.first && character <= range.last; });
 }
 
-bool IsControl(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return byte < 0x20 || byte == 0x7F;
+void AppendHex(std::string_view bytes, std::string* result) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  for (const char byte : bytes) {
+    *result +=
+        {'\\', 'x', kDigits[static_cast<unsigned char>(byte) / 16], kDigits[static_cast<unsigned char>(byte) % 16]};
+  }
 }
 
 }  // namespace
 
-std::string EscapedText(std::string_view text) {
+std::string Escaped(std::string_view text) {
   std::string result;
-  for (const char character : text) {
-    if (character == '\\') {
-      result += "\\\\";
-    } else if (IsControl(character) || static_cast<unsigned char>(character) > 0x7E) {
-      AppendHex(character, &result);
-    } else {
-      result += character;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at != end) {
+    for (const char* const invalid = utf8::find_invalid(at, end); at != invalid;) {
+      const char* const begin = at;
+      const std::uint32_t character = utf8::unchecked::next(at);
+      const std::string_view bytes(begin, static_cast<std::size_t>(at - begin));
+      if (IsUnsafe(character)) {
+        AppendHex(bytes, &result);
+      } else {
+        result += bytes == "\\" ? "\\\\" : bytes;
+      }
     }
-  }
-  return result;
-}
-
-std::string ShownPath(const std::filesystem::path& path) {
-  std::string result;
-  for (const char character : path.string()) {
-    if (IsControl(character)) {
-      AppendHex(character, &result);
-    } else {
-      result += character;
+    if (at != end) {
+      AppendHex({at++, 1}, &result);
     }
   }
   return result;

@@ -1,16 +1,13 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace kwa {
 
-// Text of unknown origin, fit for a terminal and for one line: all but printable ASCII becomes \xHH, a backslash
-// becomes two.
-std::string EscapedText(std::string_view text);
-
-// A path that the user gave: only what could break the line is escaped.
-std::string ShownPath(const std::filesystem::path& path);
+// Text of unknown origin as one line of UTF-8 that is safe for a terminal, a ticket and a JSON file. Each byte of a
+// control character, of a character that is invisible or changes the direction of the text around it, and of malformed
+// UTF-8 becomes \xHH; a backslash becomes two. All other characters stay as they are.
+std::string Escaped(std::string_view text);
 
 }  // namespace kwa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 // What an installer that starts on Windows 2000 (service pack 4) and XP may import: functions that both have, of the
 // libraries that come with every Windows and are never looked for beside the program. The installer's code needs some,
 // the compiler's start-up code the others; neither uses all. Before a name is added here, make sure that Windows 2000
@@ -12,140 +14,33 @@
 
 namespace kwa {
 
-struct OldWindowsImport {
-  const char* library;  // in lower case
-  const char* function;
+struct OldWindowsLibrary {
+  std::string_view name;       // in lower case
+  std::string_view functions;  // in alphabetical order, with a blank before and after each
 };
 
-// In the order of the libraries, then of the functions.
-constexpr OldWindowsImport kOldWindowsImports[] = {
-    {"kernel32.dll", "CloseHandle"},
-    {"kernel32.dll", "CreateDirectoryA"},
-    {"kernel32.dll", "CreateFileA"},
-    {"kernel32.dll", "CreateMutexA"},
-    {"kernel32.dll", "CreateProcessA"},
-    {"kernel32.dll", "CreateSemaphoreA"},
-    {"kernel32.dll", "CreateSemaphoreW"},
-    {"kernel32.dll", "DeleteCriticalSection"},
-    {"kernel32.dll", "DuplicateHandle"},
-    {"kernel32.dll", "EnterCriticalSection"},
-    {"kernel32.dll", "ExitProcess"},
-    {"kernel32.dll", "FindClose"},
-    {"kernel32.dll", "FindFirstFileA"},
-    {"kernel32.dll", "FormatMessageA"},
-    {"kernel32.dll", "FreeLibrary"},
-    {"kernel32.dll", "GetCommandLineA"},
-    {"kernel32.dll", "GetCurrentProcess"},
-    {"kernel32.dll", "GetCurrentProcessId"},
-    {"kernel32.dll", "GetCurrentThread"},
-    {"kernel32.dll", "GetCurrentThreadId"},
-    {"kernel32.dll", "GetExitCodeProcess"},
-    {"kernel32.dll", "GetExitCodeThread"},
-    {"kernel32.dll", "GetLastError"},
-    {"kernel32.dll", "GetModuleFileNameA"},
-    {"kernel32.dll", "GetModuleHandleA"},
-    {"kernel32.dll", "GetModuleHandleW"},
-    {"kernel32.dll", "GetPrivateProfileStringA"},
-    {"kernel32.dll", "GetProcAddress"},
-    {"kernel32.dll", "GetProcessHeap"},
-    {"kernel32.dll", "GetStartupInfoA"},
-    {"kernel32.dll", "GetSystemTimeAsFileTime"},
-    {"kernel32.dll", "GetTickCount"},
-    {"kernel32.dll", "GetVersionExA"},
-    {"kernel32.dll", "HeapAlloc"},
-    {"kernel32.dll", "HeapFree"},
-    {"kernel32.dll", "InitializeCriticalSection"},
-    {"kernel32.dll", "InterlockedCompareExchange"},
-    {"kernel32.dll", "InterlockedDecrement"},
-    {"kernel32.dll", "InterlockedExchange"},
-    {"kernel32.dll", "InterlockedIncrement"},
-    {"kernel32.dll", "IsDBCSLeadByteEx"},
-    {"kernel32.dll", "LeaveCriticalSection"},
-    {"kernel32.dll", "LoadLibraryA"},
-    {"kernel32.dll", "LoadLibraryW"},
-    {"kernel32.dll", "LocalFree"},
-    {"kernel32.dll", "MultiByteToWideChar"},
-    {"kernel32.dll", "OutputDebugStringA"},
-    {"kernel32.dll", "QueryPerformanceCounter"},
-    {"kernel32.dll", "RaiseException"},
-    {"kernel32.dll", "ReleaseMutex"},
-    {"kernel32.dll", "ReleaseSemaphore"},
-    {"kernel32.dll", "RtlUnwind"},
-    {"kernel32.dll", "SetLastError"},
-    {"kernel32.dll", "SetUnhandledExceptionFilter"},
-    {"kernel32.dll", "Sleep"},
-    {"kernel32.dll", "TerminateProcess"},
-    {"kernel32.dll", "TlsAlloc"},
-    {"kernel32.dll", "TlsFree"},
-    {"kernel32.dll", "TlsGetValue"},
-    {"kernel32.dll", "TlsSetValue"},
-    {"kernel32.dll", "TryEnterCriticalSection"},
-    {"kernel32.dll", "UnhandledExceptionFilter"},
-    {"kernel32.dll", "VirtualProtect"},
-    {"kernel32.dll", "VirtualQuery"},
-    {"kernel32.dll", "WaitForSingleObject"},
-    {"kernel32.dll", "WideCharToMultiByte"},
-    {"msvcrt.dll", "__dllonexit"},
-    {"msvcrt.dll", "__getmainargs"},
-    {"msvcrt.dll", "__initenv"},
-    {"msvcrt.dll", "__p__acmdln"},
-    {"msvcrt.dll", "__p__commode"},
-    {"msvcrt.dll", "__p__environ"},
-    {"msvcrt.dll", "__p__fmode"},
-    {"msvcrt.dll", "__set_app_type"},
-    {"msvcrt.dll", "__setusermatherr"},
-    {"msvcrt.dll", "_amsg_exit"},
-    {"msvcrt.dll", "_cexit"},
-    {"msvcrt.dll", "_close"},
-    {"msvcrt.dll", "_controlfp"},
-    {"msvcrt.dll", "_errno"},
-    {"msvcrt.dll", "_except_handler3"},
-    {"msvcrt.dll", "_exit"},
-    {"msvcrt.dll", "_fmode"},
-    {"msvcrt.dll", "_initterm"},
-    {"msvcrt.dll", "_iob"},
-    {"msvcrt.dll", "_ismbblead"},
-    {"msvcrt.dll", "_lock"},
-    {"msvcrt.dll", "_onexit"},
-    {"msvcrt.dll", "_read"},
-    {"msvcrt.dll", "_snprintf"},
-    {"msvcrt.dll", "_unlock"},
-    {"msvcrt.dll", "_vsnprintf"},
-    {"msvcrt.dll", "abort"},
-    {"msvcrt.dll", "atexit"},
-    {"msvcrt.dll", "calloc"},
-    {"msvcrt.dll", "exit"},
-    {"msvcrt.dll", "fclose"},
-    {"msvcrt.dll", "fflush"},
-    {"msvcrt.dll", "fopen"},
-    {"msvcrt.dll", "fprintf"},
-    {"msvcrt.dll", "fputc"},
-    {"msvcrt.dll", "fputs"},
-    {"msvcrt.dll", "fread"},
-    {"msvcrt.dll", "free"},
-    {"msvcrt.dll", "fwrite"},
-    {"msvcrt.dll", "getenv"},
-    {"msvcrt.dll", "malloc"},
-    {"msvcrt.dll", "memchr"},
-    {"msvcrt.dll", "memcmp"},
-    {"msvcrt.dll", "memcpy"},
-    {"msvcrt.dll", "memmove"},
-    {"msvcrt.dll", "memset"},
-    {"msvcrt.dll", "realloc"},
-    {"msvcrt.dll", "signal"},
-    {"msvcrt.dll", "sprintf"},
-    {"msvcrt.dll", "strcat"},
-    {"msvcrt.dll", "strchr"},
-    {"msvcrt.dll", "strcmp"},
-    {"msvcrt.dll", "strcpy"},
-    {"msvcrt.dll", "strerror"},
-    {"msvcrt.dll", "strlen"},
-    {"msvcrt.dll", "strncmp"},
-    {"msvcrt.dll", "strncpy"},
-    {"msvcrt.dll", "strstr"},
-    {"msvcrt.dll", "strtoul"},
-    {"msvcrt.dll", "vfprintf"},
-    {"shell32.dll", "SHFileOperationA"},
+constexpr OldWindowsLibrary kOldWindowsLibraries[] = {
+    {"kernel32.dll",
+     " CloseHandle CreateDirectoryA CreateFileA CreateMutexA CreateProcessA CreateSemaphoreA"
+     " CreateSemaphoreW DeleteCriticalSection DuplicateHandle EnterCriticalSection ExitProcess FindClose"
+     " FindFirstFileA FormatMessageA FreeLibrary GetCommandLineA GetCurrentProcess GetCurrentProcessId"
+     " GetCurrentThread GetCurrentThreadId GetExitCodeProcess GetExitCodeThread GetLastError"
+     " GetModuleFileNameA GetModuleHandleA GetModuleHandleW GetPrivateProfileStringA GetProcAddress"
+     " GetProcessHeap GetStartupInfoA GetSystemTimeAsFileTime GetTickCount GetVersionExA HeapAlloc HeapFree"
+     " InitializeCriticalSection InterlockedCompareExchange InterlockedDecrement InterlockedExchange"
+     " InterlockedIncrement IsDBCSLeadByteEx LeaveCriticalSection LoadLibraryA LoadLibraryW LocalFree"
+     " MultiByteToWideChar OutputDebugStringA QueryPerformanceCounter RaiseException ReleaseMutex"
+     " ReleaseSemaphore RtlUnwind SetLastError SetUnhandledExceptionFilter Sleep TerminateProcess TlsAlloc"
+     " TlsFree TlsGetValue TlsSetValue TryEnterCriticalSection UnhandledExceptionFilter VirtualProtect"
+     " VirtualQuery WaitForSingleObject WideCharToMultiByte "},
+    {"msvcrt.dll",
+     " __dllonexit __getmainargs __initenv __p__acmdln __p__commode __p__environ __p__fmode __set_app_type"
+     " __setusermatherr _amsg_exit _cexit _close _controlfp _errno _except_handler3 _exit _fmode _initterm"
+     " _iob _ismbblead _lock _onexit _read _snprintf _unlock _vsnprintf abort atexit calloc exit fclose"
+     " fflush fopen fprintf fputc fputs fread free fwrite getenv malloc memchr memcmp memcpy memmove memset"
+     " realloc signal sprintf strcat strchr strcmp strcpy strerror strlen strncmp strncpy strstr strtoul"
+     " vfprintf "},
+    {"shell32.dll", " SHFileOperationA "},
 };
 
 }  // namespace kwa

@@ -1,7 +1,6 @@
 #include "verify/verification.h"
 
 #include <map>
-#include <string>
 
 #include "base/ascii_text.h"
 #include "payload/entry_name.h"
@@ -9,53 +8,64 @@
 namespace kwa {
 namespace {
 
-void VerifyItems(const LocatedArchive& located, std::map<std::string, std::string>* known, Findings* findings) {
-  std::string previous;
-  for (const ArchiveItem& item : located.archive.items) {
-    const std::string where = located.Where(item);
-    if (!IsZeroFilled(item.padding)) {
-      findings->AddWarning(where, "the padding behind its body is not zero", "padding");
-    }
-    if (const std::string fault = EntryNameFault(item.name); !fault.empty()) {
-      findings->AddError(where, fault, "name-unfit");
-      continue;
-    }
-    const std::string upper = UpperCase(item.name);
-    if (const auto [other, isNew] = known->emplace(upper, where); !isNew) {
-      findings->AddError(where, "has the same name as " + other->second, "name-twice");
-    } else if (upper < previous) {
-      findings->AddWarning(where, "stands behind a name that sorts after it", "order");
-    }
-    previous = upper;
+void VerifyItem(const ArchiveItem& item, std::string* previous, std::map<std::string, std::string>* known,
+                Findings* findings) {
+  const std::string where = Where(item);
+  if (!IsZeroFilled(item.padding)) {
+    findings->AddWarning(where, "the padding after its body is not zero", "padding");
   }
+  if (const Check name = CheckEntryName(item.name); !name) {
+    findings->AddError(where, name.error().what, "name-unfit");
+    return;
+  }
+  const std::string upper = UpperCase(item.name);
+  if (const auto [other, isNew] = known->emplace(upper, where); !isNew) {
+    findings->AddError(where, "has the same name as " + other->second, "name-twice");
+  } else if (upper < *previous) {
+    findings->AddWarning(where, "comes after a name that sorts after it", "order");
+  }
+  *previous = upper;
 }
 
 }  // namespace
 
+std::string Where(const ArchiveItem& item) {
+  return (item.archive == '-' ? "" : std::string("archive ") + item.archive + ", ") + std::string(item.name);
+}
+
 void VerifyLayout(const InstallerFile& installer, Findings* findings) {
   findings->AddAll(installer.findings);
-  std::map<std::string, std::string> known;  // upper-case name, and where it stands
-  for (const LocatedArchive& located : installer.archives) {
-    VerifyItems(located, &known, findings);
+  std::map<std::string, std::string> known;       // upper-case name, and where it is
+  std::map<char, std::string> previousOfArchive;  // the upper-case name before
+  for (const ArchiveItem& item : installer.items) {
+    VerifyItem(item, &previousOfArchive[item.archive], &known, findings);
   }
 }
 
 Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& contents) {
   Findings findings;
   VerifyLayout(installer, &findings);
-  // What the files say of each other, or of a list, can be judged only where all of them are there.
+  // What the files say about each other, or about a list, can be judged only where all of them are there.
   if (installer.IsWhole()) {
-    VerifyContents(installer, contents, &findings);
+    const std::vector<ArchiveItem>& items = installer.items;
+    const std::optional<DriverPackage> package = ReadDriverPackage(items);
+    for (const ArchivePlace& archive : installer.archives) {
+      VerifyContents(items, contents, archive.letter, &findings);
+    }
     if (installer.image) {
-      VerifyCompanions(installer, contents, &findings);
+      VerifyCompanions(items, contents, &findings);
     }
-    if (installer.image || FindInf(installer) != nullptr) {
-      VerifyPackage(installer, &findings);
-      VerifyVersions(installer, &findings);
+    if (installer.image || package) {
+      VerifyPackage(items, package, &findings);
     }
-    VerifyTrust(installer, &findings);
+    if (package) {
+      VerifyVersions(items, *package, &findings);
+    }
+    VerifyTrust(installer, ReadPackageTrust(items, package), &findings);
   }
-  VerifyExecutable(installer, &findings);
+  if (installer.image) {
+    VerifyExecutable(*installer.image, &findings);
+  }
   return findings;
 }
 

@@ -1,39 +1,53 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "base/finding.h"
 #include "installer/installer_file.h"
+#include "package/driver_package.h"
+#include "package/package_trust.h"
 #include "payload/payload_contents.h"
 
-// What `kwapayload verify` looks at, one function an area. Each appends what it finds. A fault is reported by one of
-// them only: what lies in an archive that is not sound is left out by the others, since it cannot be told.
+// What `kwapayload verify` looks at, one function an area. Each adds what it finds. Only one of them reports a fault.
+// Nothing is said about the content of archives that are not sound.
 
 namespace kwa {
 
-// Structure of file and archives, and the names as the installer will use them.
+// Where an item is: "archive A, marlin_usb.inf", or the name alone where it is not known which archive this is.
+std::string Where(const ArchiveItem& item);
+
+// Structure of file and archives, and the names as the installer uses them.
 void VerifyLayout(const InstallerFile& installer, Findings* findings);
 
-// The files against the list of what an installer must hold.
-void VerifyContents(const InstallerFile& installer, const PayloadContents& contents, Findings* findings);
+// The items of one archive against the list of what an installer must hold.
+//
+// archive  which archive of the list, 'A' or 'B'; other items are ignored
+void VerifyContents(const std::vector<ArchiveItem>& items, const PayloadContents& contents, char archive,
+                    Findings* findings);
 
-// The files that the installer and its configuration name: both editions of DPInst, licence texts, watermark. Those
+// The files that the installer and its configuration name: both editions of DPInst, licence texts, watermark. Files
 // that `contents` lists are left to VerifyContents.
-void VerifyCompanions(const InstallerFile& installer, const PayloadContents& contents, Findings* findings);
+void VerifyCompanions(const std::vector<ArchiveItem>& items, const PayloadContents& contents, Findings* findings);
 
 // The driver package as its INF describes it.
-void VerifyPackage(const InstallerFile& installer, Findings* findings);
+void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package,
+                   Findings* findings);
 
-// What DriverVer says, to Setup and of the drivers' own versions.
-void VerifyVersions(const InstallerFile& installer, Findings* findings);
+// What DriverVer says, to Setup and about the drivers' own versions.
+void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& package, Findings* findings);
 
-// Whether the package's catalogs cover its files, and whether signatures are sound: the catalogs', those that programs
-// carry, and the installer's own. Who may be trusted, and when, is left to Windows.
-void VerifyTrust(const InstallerFile& installer, Findings* findings);
+// Whether the package's catalogs cover its files, and whether signatures hold: those of the catalogs, of the programs
+// and of the installer. Whether a signer is trusted, and when, is left to Windows.
+void VerifyTrust(const InstallerFile& installer, const PackageTrust& trust, Findings* findings);
 
-// The program itself. Nothing for a file that is a single archive.
-void VerifyExecutable(const InstallerFile& installer, Findings* findings);
+// The program itself.
+void VerifyExecutable(const PeImage& image, Findings* findings);
 
-// All of the above. A file that is a single archive is not held to what only both together can have, but one with an
-// INF is held to being a whole driver package.
+// All of the above. A single archive need not have what only both archives together have, but if it has an INF, it must
+// be a whole driver package.
+//
+// contents  the list of what the installer must hold; empty for none
 Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& contents);
 
 }  // namespace kwa

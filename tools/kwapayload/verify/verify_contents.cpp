@@ -1,78 +1,36 @@
 #include <algorithm>
+#include <iterator>
 #include <string>
 
-#include "base/ascii_text.h"
-#include "report/escaped_text.h"
-#include "content/text_kind.h"
 #include "content/file_kind.h"
+#include "content/text_kind.h"
 #include "payload/entry_name.h"
 #include "verify/verification.h"
 
 namespace kwa {
 namespace {
 
-const ContentsFile* FindWanted(const PayloadContents& wanted, std::string_view name) {
-  const auto found =
-      std::find_if(wanted.begin(), wanted.end(), [&](const ContentsFile& file) { return file.name == name; });
-  return found == wanted.end() ? nullptr : &*found;
+// The element with a name, exactly as it is written, or null.
+template <typename Element>
+const Element* FindName(const std::vector<Element>& list, std::string_view name) {
+  const auto found = std::find_if(list.begin(), list.end(), [&](const Element& one) { return one.name == name; });
+  return found == list.end() ? nullptr : &*found;
 }
 
-const ArchiveItem* FindItem(const std::vector<ArchiveItem>& items, std::string_view name) {
-  const auto found =
-      std::find_if(items.begin(), items.end(), [&](const ArchiveItem& item) { return item.name == name; });
-  return found == items.end() ? nullptr : &*found;
-}
-
-// Which list a single archive is held to: the one that it shares more names with.
-char BestLetter(const LocatedArchive& located, const PayloadContents& contents) {
-  if (located.letter != "-") {
-    return located.letter[0];
-  }
-  std::size_t shared[2] = {};
-  for (const ContentsFile& file : contents) {
-    shared[file.archive == 'B' ? 1 : 0] += FindItem(located.archive.items, file.name) != nullptr ? 1 : 0;
-  }
-  return shared[1] > shared[0] ? 'B' : 'A';
-}
-
-void CompareArchive(const LocatedArchive& located, const PayloadContents& contents, Findings* findings) {
-  const char letter = BestLetter(located, contents);
-  const PayloadContents wanted = SelectArchive(contents, letter);
-  const std::vector<ArchiveItem>& items = located.archive.items;
-  const std::string prefix = std::string("archive ") + letter + ", ";
-  std::vector<std::string_view> renamed;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    const ArchiveItem& item = items[i];
-    const std::string where = prefix + EscapedText(item.name);
-    if (const ContentsFile* const file = FindWanted(wanted, item.name)) {
-      if (item.size != file->size) {
-        findings->AddError(
-            where, "has " + std::to_string(item.size) + " bytes instead of " + std::to_string(file->size), "size");
-      } else if (const std::string kind = FileKind(item.body); kind != file->kind) {
-        findings->AddError(where, "is " + kind + " instead of " + file->kind, "kind");
-      }
-    } else if (i < wanted.size() && FindItem(items, wanted[i].name) == nullptr) {
-      // A changed name is one fault, not a missing and an unexpected file.
-      renamed.emplace_back(wanted[i].name);
-      if (EntryNameFault(item.name).empty()) {  // else the name itself is reported already
-        findings->AddError(where, "stands in the place of " + wanted[i].name, "unexpected-file");
-      }
-    } else {
-      findings->AddError(where, "is not in the list of contents", "unexpected-file");
-    }
-  }
-  for (const ContentsFile& file : wanted) {
-    if (FindItem(items, file.name) == nullptr &&
-        std::find(renamed.begin(), renamed.end(), file.name) == renamed.end()) {
-      findings->AddError(prefix + file.name, "is missing", "missing-file");
-    }
+void CompareFile(const ArchiveItem& item, const ContentsFile& wanted, Findings* findings) {
+  if (item.body.Size() != wanted.size) {
+    findings->AddError(Where(item),
+                       "has " + std::to_string(item.body.Size()) + " bytes instead of " + std::to_string(wanted.size),
+                       "size");
+  } else if (const std::string kind = KindText(ReadFileKind(item.body)); kind != wanted.kind) {
+    findings->AddError(Where(item), "is " + kind + " instead of " + wanted.kind, "kind");
   }
 }
 
-// What the installer and the file that it writes rely upon by name.
+// A file that the installer and its configuration refer to by name.
 struct Companion {
   const char* name;
-  const char* kind;  // as FileKind begins; null for a text that only has to be UTF-8
+  const char* kind;  // the beginning of its KindText; null for a text that only has to be UTF-8
 };
 
 constexpr Companion kCompanions[] = {
@@ -85,36 +43,55 @@ constexpr Companion kCompanions[] = {
 
 }  // namespace
 
-void VerifyContents(const InstallerFile& installer, const PayloadContents& contents, Findings* findings) {
+void VerifyContents(const std::vector<ArchiveItem>& items, const PayloadContents& contents, char archive,
+                    Findings* findings) {
+  std::vector<ArchiveItem> found;
+  std::copy_if(items.begin(), items.end(), std::back_inserter(found),
+               [archive](const ArchiveItem& item) { return item.archive == archive; });
+  PayloadContents wanted;
+  std::copy_if(contents.begin(), contents.end(), std::back_inserter(wanted),
+               [archive](const ContentsFile& file) { return file.archive == archive; });
   if (contents.empty()) {
     return;
   }
-  for (const LocatedArchive& located : installer.archives) {
-    CompareArchive(located, contents, findings);
+  std::vector<std::string_view> replaced;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const ArchiveItem& item = found[i];
+    if (const ContentsFile* const file = FindName(wanted, item.name)) {
+      CompareFile(item, *file, findings);
+    } else if (i < wanted.size() && FindName(found, wanted[i].name) == nullptr) {
+      // A changed name is one fault, not a missing and an unexpected file.
+      replaced.emplace_back(wanted[i].name);
+      if (CheckEntryName(item.name)) {  // otherwise the name itself is a finding
+        findings->AddError(Where(item), "is in the place of " + wanted[i].name, "unexpected-file");
+      }
+    } else {
+      findings->AddError(Where(item), "is not in the list of contents", "unexpected-file");
+    }
+  }
+  for (const ContentsFile& file : wanted) {
+    if (FindName(found, file.name) == nullptr &&
+        std::find(replaced.begin(), replaced.end(), file.name) == replaced.end()) {
+      findings->AddError(std::string("archive ") + archive + ", " + file.name, "is missing", "missing-file");
+    }
   }
 }
 
-void VerifyCompanions(const InstallerFile& installer, const PayloadContents& contents, Findings* findings) {
+void VerifyCompanions(const std::vector<ArchiveItem>& items, const PayloadContents& contents, Findings* findings) {
   for (const Companion& companion : kCompanions) {
-    if (FindWanted(contents, companion.name) != nullptr) {
+    const ArchiveItem* const item = FindItem(items, companion.name);
+    if (FindName(contents, companion.name) != nullptr) {
       continue;
     }
-    const ArchiveItem* found = nullptr;
-    std::string where = companion.name;
-    for (const LocatedArchive& located : installer.archives) {
-      for (const ArchiveItem& item : located.archive.items) {
-        if (IsSameText(item.name, companion.name)) {
-          found = &item;
-          where = located.Where(item);
-        }
-      }
+    if (item == nullptr) {
+      findings->AddError(companion.name, "is missing", "missing-file");
+      continue;
     }
-    if (found == nullptr) {
-      findings->AddError(where, "is missing", "missing-file");
-    } else if (companion.kind != nullptr && FileKind(found->body).rfind(companion.kind, 0) != 0) {
-      findings->AddError(where, "is " + FileKind(found->body) + " instead of " + companion.kind, "kind");
-    } else if (companion.kind == nullptr && !IsUtf8(found->body)) {
-      findings->AddError(where, "is not valid UTF-8, which DPInst takes it for", "not-utf8");
+    const std::string kind = KindText(ReadFileKind(item->body));
+    if (companion.kind != nullptr && kind.rfind(companion.kind, 0) != 0) {
+      findings->AddError(Where(*item), "is " + kind + " instead of " + companion.kind, "kind");
+    } else if (companion.kind == nullptr && !IsUtf8(item->body)) {
+      findings->AddError(Where(*item), "is not valid UTF-8, as which DPInst reads it", "not-utf8");
     }
   }
 }

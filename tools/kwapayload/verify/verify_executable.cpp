@@ -3,7 +3,6 @@
 #include <string>
 
 #include "base/ascii_text.h"
-#include "report/escaped_text.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
 #include "pe/version_record.h"
@@ -49,16 +48,20 @@ void VerifyHeaders(const PeImage& image, Findings* findings) {
   }
   for (const PeSection& section : image.sections) {
     if ((section.characteristics & kImageScnMemExecute) != 0 && (section.characteristics & kImageScnMemWrite) != 0) {
-      findings->AddError("executable, section " + EscapedText(section.name), "can be written and executed",
-                         "writable-code");
+      findings->AddError("executable, section " + section.name, "can be written and executed", "writable-code");
     }
   }
 }
 
-bool HadOldWindows(const std::string& library, const std::string& function) {
-  return std::any_of(std::begin(kOldWindowsImports), std::end(kOldWindowsImports), [&](const OldWindowsImport& known) {
-    return library == known.library && function == known.function;
-  });
+bool IsListed(const OldWindowsLibrary& library, const std::string& function) {
+  return function.find(' ') == std::string::npos &&
+         library.functions.find(" " + function + " ") != std::string_view::npos;
+}
+
+const OldWindowsLibrary* FindOldLibrary(const std::string& name) {
+  const auto* const found = std::find_if(std::begin(kOldWindowsLibraries), std::end(kOldWindowsLibraries),
+                                         [&name](const OldWindowsLibrary& library) { return library.name == name; });
+  return found == std::end(kOldWindowsLibraries) ? nullptr : found;
 }
 
 void VerifyImports(const PeImage& image, Findings* findings) {
@@ -67,16 +70,15 @@ void VerifyImports(const PeImage& image, Findings* findings) {
     findings->AddError("executable", "its import table is damaged", "imports-damaged");
   }
   for (const ImportedLibrary& imported : imports.libraries) {
-    const std::string library = LowerCase(imported.name);
-    const std::string where = "executable, imports of " + EscapedText(imported.name);
-    if (library != "kernel32.dll" && library != "shell32.dll" && library != "msvcrt.dll") {
+    const OldWindowsLibrary* const library = FindOldLibrary(LowerCase(imported.name));
+    const std::string where = "executable, imports of " + imported.name;
+    if (library == nullptr) {
       findings->AddError(where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed");
       continue;
     }
     for (const std::string& function : imported.functions) {
-      if (!HadOldWindows(library, function)) {
-        findings->AddError(where, EscapedText(function) + " is not known to be in Windows 2000 and XP",
-                           "import-too-new");
+      if (!IsListed(*library, function)) {
+        findings->AddError(where, function + " is not known to be in Windows 2000 and XP", "import-too-new");
       }
     }
   }
@@ -99,7 +101,7 @@ std::string RequestedLevel(std::string_view manifest) {
   return "";
 }
 
-// Whether a text says the number: all four parts, or those before the zeros at its end.
+// Whether a text gives the version: all four parts, or without zeros at the end.
 bool MeansVersion(std::string text, const std::string& number) {
   while (!text.empty() && text.size() < number.size()) {
     text += ".0";
@@ -114,25 +116,24 @@ void VerifyResources(const PeImage& image, Findings* findings) {
     findings->AddError("executable", "has no manifest", "no-manifest");
   } else if (const std::string level = RequestedLevel(manifest.Text()); level != "requireAdministrator") {
     findings->AddError("executable, manifest",
-                       "asks for the level \"" + EscapedText(level) + "\" instead of \"requireAdministrator\"",
-                       "manifest-level");
+                       "asks for the level \"" + level + "\" instead of \"requireAdministrator\"", "manifest-level");
   }
   const ByteSpan version = FirstResource(resources, kResourceTypeVersion);
-  VersionRecord record;
+  const std::optional<VersionRecord> record = ReadVersionRecord(version);
   if (version.Empty()) {
     findings->AddError("executable", "has no version record", "no-version");
-  } else if (!ReadVersionRecord(version, &record)) {
+  } else if (!record) {
     findings->AddError("executable", "its version record is damaged", "version-damaged");
-  } else if (record.fileVersion != record.productVersion ||
-             !MeansVersion(record.texts["FileVersion"], record.fileVersion)) {
+  } else if (record->fileVersion != record->productVersion ||
+             !MeansVersion(record->Text("FileVersion"), record->fileVersion)) {
     findings->AddError("executable, version record",
-                       "its versions differ: file " + record.fileVersion + " (\"" +
-                           EscapedText(record.texts["FileVersion"]) + "\"), product " + record.productVersion,
+                       "its versions differ: file " + record->fileVersion + " (\"" + record->Text("FileVersion") +
+                           "\"), product " + record->productVersion,
                        "versions-differ");
   }
 }
 
-// What lies behind the last section belongs to no one but a signature.
+// After the last section, there is nothing but a signature.
 void VerifyEnd(const PeImage& image, Findings* findings) {
   std::uint64_t end = image.headerOffset;
   for (const PeSection& section : image.sections) {
@@ -144,7 +145,7 @@ void VerifyEnd(const PeImage& image, Findings* findings) {
   if (signature.address != 0 || signature.size != 0) {
     if (signature.address < end || signature.address % 8 != 0 ||
         signature.address + std::uint64_t{signature.size} != size) {
-      findings->AddError("executable", "its security directory leads to no signature at the file's end",
+      findings->AddError("executable", "its security directory does not point to a signature at the end of the file",
                          "signature-place");
       return;
     }
@@ -152,25 +153,22 @@ void VerifyEnd(const PeImage& image, Findings* findings) {
     rest = (signature.address - end) / 8 * 8;
   }
   if (rest != 0) {
-    findings->AddWarning("executable", std::to_string(rest) + " bytes behind the last section are no signature",
+    findings->AddWarning("executable", std::to_string(rest) + " bytes after the last section are no signature",
                          "overlay");
   }
 }
 
 }  // namespace
 
-void VerifyExecutable(const InstallerFile& installer, Findings* findings) {
-  if (!installer.image) {
-    return;
-  }
-  const std::vector<PeSection>& sections = installer.image->sections;
+void VerifyExecutable(const PeImage& image, Findings* findings) {
+  const std::vector<PeSection>& sections = image.sections;
   if (std::any_of(sections.begin(), sections.end(), [](const PeSection& section) { return section.IsTruncated(); })) {
-    return;  // reported already, and what is missing cannot be judged
+    return;  // a finding of the layout, and missing bytes cannot be judged
   }
-  VerifyHeaders(*installer.image, findings);
-  VerifyImports(*installer.image, findings);
-  VerifyResources(*installer.image, findings);
-  VerifyEnd(*installer.image, findings);
+  VerifyHeaders(image, findings);
+  VerifyImports(image, findings);
+  VerifyResources(image, findings);
+  VerifyEnd(image, findings);
 }
 
 }  // namespace kwa

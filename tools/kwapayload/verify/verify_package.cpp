@@ -4,146 +4,136 @@
 #include <string>
 
 #include "base/ascii_text.h"
-#include "report/escaped_text.h"
 #include "content/text_kind.h"
-#include "dpinst/device_families.h"
-#include "inf/catalog_names.h"
-#include "inf/inf_reader.h"
-#include "inf/inf_source_files.h"
-#include "package/package_identity.h"
-#include "inf/setup_section.h"
-#include "payload/entry_name.h"
+#include "inf/profile_value.h"
 #include "verify/verification.h"
 
 namespace kwa {
 namespace {
 
-// Why a value makes the configuration unreadable, or "": it is written into the XML text as it stands.
-std::string XmlFault(const std::string& value) {
+// Whether the configuration stays readable with a value, which the installer writes into the XML text without escaping.
+Check CheckXml(const std::string& value) {
   for (const char c : value) {
     if (c == '&' || c == '<') {
-      return std::string("holds \"") + c + "\", which breaks the XML of the configuration";
+      return Failure(std::string("holds \"") + c + "\", which breaks the XML of the configuration");
     }
     if (static_cast<unsigned char>(c) < ' ' && c != '\t') {
-      return "holds a control character, which breaks the XML of the configuration";
+      return Failure("holds a control character, which breaks the XML of the configuration");
     }
   }
   if (value.find("]]>") != std::string::npos) {
-    return "holds \"]]>\", which breaks the XML of the configuration";
+    return Failure("holds \"]]>\", which breaks the XML of the configuration");
   }
   if (!IsUtf8(ByteSpan(value))) {
-    return "holds characters beyond ASCII, which the configuration would carry as invalid UTF-8";
+    return Failure("holds characters beyond ASCII, which the configuration would carry as invalid UTF-8");
   }
-  return "";
+  return {};
 }
 
 // Judges a value that the installer writes into its configuration. Returns whether it is fit.
-bool VerifyValue(const std::string& where, const char* key, const std::string& value, bool isCut, Findings* findings) {
-  if (value.empty()) {
+bool VerifyValue(const std::string& where, const char* key, const IdentityValue& value, Findings* findings) {
+  if (value.text.empty()) {
     findings->AddError(where, std::string("[Version] has no ") + key, "version-key-missing");
-  } else if (isCut) {
+  } else if (value.isCut) {
     findings->AddError(where,
-                       std::string(key) + " has more than " + std::to_string(kInfValueLimit) +
+                       std::string(key) + " has more than " + std::to_string(kProfileValueLimit) +
                            " characters, and the installer keeps no more",
                        "value-too-long");
-  } else if (const std::string fault = XmlFault(value); !fault.empty()) {
-    findings->AddError(where, std::string(key) + " " + fault, "value-breaks-xml");
+  } else if (const Check xml = CheckXml(value.text); !xml) {
+    findings->AddError(where, std::string(key) + " " + xml.error().what, "value-breaks-xml");
   } else {
     return true;
   }
   return false;
 }
 
-void VerifyIdentity(const std::string& where, const InfText& inf, Findings* findings) {
-  const PackageIdentity identity = ReadHostPackageIdentity(inf);
-  if (!identity.fault.empty()) {
-    findings->AddError(where, identity.fault, "inf-encoding");
+void VerifyIdentity(const std::string& where, const DriverPackage& package, Findings* findings) {
+  const PackageIdentity& identity = package.identity;
+  if (!identity.certainty) {
+    findings->AddError(where, identity.certainty.error().what, "inf-encoding");
     return;
   }
-  const auto isCut = [&](const char* key) {
-    return ReadInfValue(inf, "Version", key, kInfValueLimit + 1).size() > kInfValueLimit;
-  };
-  VerifyValue(where, "DriverVer", identity.version, isCut("DriverVer"), findings);
-  const bool isNameFit =
-      VerifyValue(where, "DriverPackageDisplayName", identity.displayName, isCut("DriverPackageDisplayName"), findings);
-  if (isNameFit && FindDeviceFamily(identity.displayName.c_str()) == nullptr) {
+  VerifyValue(where, "DriverVer", identity.version, findings);
+  if (VerifyValue(where, "DriverPackageDisplayName", identity.displayName, findings) && package.family == nullptr) {
     findings->AddError(where,
-                       "DriverPackageDisplayName \"" + EscapedText(identity.displayName) +
+                       "DriverPackageDisplayName \"" + identity.displayName.text +
                            "\" names no device family, so the wizard will list no devices",
                        "no-family");
   }
 }
 
-// Whether the INF has models for a platform, such as "x86": its [Manufacturer] says "KWA = Models,NTx86,NTamd64.6.1",
-// the section's name and then the platforms.
-bool HasModels(const InfText& inf, const std::string& platform) {
-  const std::string decoration = UpperCase("nt" + platform);
-  for (const SetupLine& line : ReadSetupSection(inf, "Manufacturer")) {
-    for (std::size_t i = 1; i < line.values.size(); ++i) {
-      if (UpperCase(line.values[i]).rfind(decoration, 0) == 0) {
-        return true;
+void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>& items,
+                        const std::vector<PackagePlatform>& platforms, Findings* findings) {
+  std::set<std::string> names;
+  for (const PackagePlatform& platform : platforms) {
+    names.insert(platform.catalogName);
+  }
+  if (names == std::set<std::string>{""}) {
+    findings->AddError(where, "[Version] has no CatalogFile", "version-key-missing");
+    return;
+  }
+  for (const PackagePlatform& platform : platforms) {
+    if (platform.catalogName.empty() && !platform.models.installSections.empty()) {
+      findings->AddError(where,
+                         "[Version] names no CatalogFile for the models of " + PlatformName(platform.platform),
+                         "version-key-missing");
+    }
+  }
+  for (const std::string& name : names) {
+    if (!name.empty() && FindItem(items, name) == nullptr) {
+      findings->AddError(where, "CatalogFile \"" + name + "\" is not carried", "catalog-missing");
+    }
+  }
+}
+
+void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>& items,
+                       const std::vector<PackagePlatform>& platforms, Findings* findings) {
+  std::set<std::string> seen;  // a file of both platforms is one finding
+  for (const PackagePlatform& platform : platforms) {
+    for (const InfSourceFile& source : platform.sourceFiles) {
+      if (!seen.insert(source.name + '\\' + source.folder).second) {
+        continue;
+      }
+      const std::string named = "[SourceDisksFiles] names \"" + source.name + "\", ";
+      if (FindItem(items, source.name) == nullptr) {
+        findings->AddError(where, named + "which is not carried", "source-file-missing");
+      } else if (!source.folder.empty()) {
+        findings->AddError(where,
+                           named + "for which Setup will look in the folder \"" + source.folder +
+                               "\", but all files are beside the INF",
+                           "source-file-in-folder");
       }
     }
   }
-  return false;
+  if (seen.empty()) {
+    findings->AddError(where, "has no [SourceDisksFiles]", "no-source-files");
+  }
 }
 
 }  // namespace
 
-void VerifyPackage(const InstallerFile& installer, Findings* findings) {
-  std::set<std::string> names;
-  for (const LocatedArchive& located : installer.archives) {
-    for (const ArchiveItem& item : located.archive.items) {
-      names.insert(UpperCase(item.name));
-    }
-  }
-  const ArchiveItem* const item = FindInf(installer);
-  if (item == nullptr) {
+void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package,
+                   Findings* findings) {
+  if (!package) {
     findings->AddError("package", "holds no INF", "no-inf");
     return;
   }
-  const std::string where = "package, " + EscapedText(item->name);
-  for (const std::string& name : names) {
+  const std::string where = "package, " + std::string(package->inf.name);
+  std::set<std::string> others;
+  for (const ArchiveItem& item : items) {
+    const std::string name = UpperCase(item.name);
     // The installer's "*.inf" also fits the short name of "about.info", ABOUT~1.INF.
-    if (name.compare(std::min(name.rfind('.'), name.size()), 4, ".INF") == 0 && name != UpperCase(item->name)) {
-      findings->AddError(where, "is not the only INF: there is " + EscapedText(name), "second-inf");
+    if (name.compare(std::min(name.rfind('.'), name.size()), 4, ".INF") == 0 && name != UpperCase(package->inf.name)) {
+      others.insert(name);
     }
   }
-  const InfText inf(item->body);
-  VerifyIdentity(where, inf, findings);
-  if (!inf.Fault().empty()) {
-    return;  // what else is read of it is as doubtful
+  for (const std::string& name : others) {
+    findings->AddError(where, "is not the only INF: there is " + name, "second-inf");
   }
-
-  const std::set<std::string> catalogs = {CatalogName(inf, "x86"), CatalogName(inf, "amd64")};
-  if (catalogs == std::set<std::string>{""}) {
-    findings->AddError(where, "[Version] has no CatalogFile", "version-key-missing");
-  }
-  for (const char* const platform : {"x86", "amd64"}) {
-    if (catalogs.size() == 2 && CatalogName(inf, platform).empty() && HasModels(inf, platform)) {
-      findings->AddError(where, std::string("[Version] names no CatalogFile for the models of ") + platform,
-                         "version-key-missing");
-    }
-  }
-  for (const std::string& catalog : catalogs) {
-    if (!catalog.empty() && names.count(UpperCase(catalog)) == 0) {
-      findings->AddError(where, "CatalogFile \"" + EscapedText(catalog) + "\" is not carried", "catalog-missing");
-    }
-  }
-  const std::vector<InfSourceFile> sources = ReadInfSourceFiles(inf);
-  if (sources.empty()) {
-    findings->AddError(where, "has no [SourceDisksFiles]", "no-source-files");
-  }
-  for (const InfSourceFile& source : sources) {
-    const std::string named = "[SourceDisksFiles] names \"" + EscapedText(source.name) + "\", ";
-    if (names.count(UpperCase(source.name)) == 0) {
-      findings->AddError(where, named + "which is not carried", "source-file-missing");
-    } else if (!source.folder.empty()) {
-      findings->AddError(where,
-                         named + "which Setup will look for in the folder \"" + EscapedText(source.folder) +
-                             "\", and all files lie beside the INF",
-                         "source-file-in-folder");
-    }
+  VerifyIdentity(where, *package, findings);
+  if (package->setup) {
+    VerifyCatalogNames(where, items, package->setup->platforms, findings);
+    VerifySourceFiles(where, items, package->setup->platforms, findings);
   }
 }
 

@@ -1,9 +1,7 @@
 #include <string>
 
 #include "base/ascii_text.h"
-#include "report/escaped_text.h"
 #include "inf/driver_version.h"
-#include "package/package_identity.h"
 #include "pe/version_record.h"
 #include "verify/verification.h"
 
@@ -17,32 +15,26 @@ bool IsDriver(const ArchiveItem& item) {
 
 }  // namespace
 
-void VerifyVersions(const InstallerFile& installer, Findings* findings) {
-  const ArchiveItem* const inf = FindInf(installer);
-  if (inf == nullptr) {
-    return;  // reported already
+void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& package, Findings* findings) {
+  const std::string& driverVer = package.identity.version.text;
+  if (driverVer.empty() || !package.identity.certainty) {
+    return;  // a finding of the package
   }
-  const PackageIdentity identity = ReadHostPackageIdentity(InfText(inf->body));
-  if (identity.version.empty() || !identity.fault.empty()) {
-    return;  // reported already
-  }
-  const std::string version = DriverVersion(identity.version);
+  const std::string version = DriverVersion(driverVer);
   if (version.empty()) {
-    findings->AddError("package, " + EscapedText(inf->name),
-                       "DriverVer \"" + EscapedText(identity.version) +
-                           "\" is no date that exists (mm/dd/yyyy), a comma and one to four numbers up to 65535: "
-                           "Setup does not rank the package as meant",
+    findings->AddError("package, " + std::string(package.inf.name),
+                       "DriverVer \"" + driverVer +
+                           "\" is not a date that exists (mm/dd/yyyy), a comma and one to four numbers up to 65535: "
+                           "Setup does not rank the package as intended",
                        "driver-ver");
     return;
   }
-  for (const LocatedArchive& located : installer.archives) {
-    for (const ArchiveItem& item : located.archive.items) {
-      const std::string found = IsDriver(item) ? FileVersionRecord(item.body).fileVersion : "";
-      if (!found.empty() && found != version) {
-        findings->AddWarning(located.Where(item),
-                             "is of version " + found + ", where DriverVer says " + version + ": a stale build",
-                             "driver-version");
-      }
+  for (const ArchiveItem& item : items) {
+    const std::optional<VersionRecord> record = IsDriver(item) ? FileVersionRecord(item.body) : std::nullopt;
+    if (record && record->fileVersion != version) {
+      findings->AddWarning(Where(item),
+                           "has version " + record->fileVersion + ", but DriverVer says " + version + ": a stale build",
+                           "driver-version");
     }
   }
 }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "content/file_kind.h"
+#include "installer/installer_file.h"
+#include "package/driver_package.h"
+#include "package/package_trust.h"
+#include "pe/version_record.h"
+
+namespace kwa {
+
+// The facts about one carried file.
+struct InspectedFile {
+  ArchiveItem item;
+  FileKind kind;
+  std::string sha256;                    // in lower-case hexadecimal digits
+  std::optional<VersionRecord> version;  // nothing where it has none
+  FileTrust trust;
+};
+
+// The facts about an installer or archive. Everything in it points into the file's bytes.
+struct Inspection {
+  InstallerFile installer;
+  std::optional<VersionRecord> version;  // of the installer's program
+  std::optional<DriverPackage> package;  // nothing where there is no INF
+  PackageTrust trust;
+  std::vector<InspectedFile> files;  // one for each item of the installer, in that order
+};
+
+// installer  a sound one: its findings have no error
+Inspection Inspect(InstallerFile installer);
+
+}  // namespace kwa

@@ -1,0 +1,158 @@
+#include "report/json_report.h"
+
+#include <nlohmann/json.hpp>
+
+#include "report/escaped_text.h"
+#include "report/words.h"
+
+namespace kwa {
+namespace {
+
+using nlohmann::ordered_json;
+
+std::string Dumped(const ordered_json& document) {
+  return document.dump(2) + '\n';
+}
+
+ordered_json TextOrNull(const std::string& text) {
+  return text.empty() ? ordered_json() : ordered_json(Escaped(text));
+}
+
+ordered_json FaultOrNull(const Check& check) {
+  return check ? ordered_json() : ordered_json(Escaped(check.error().what));
+}
+
+ordered_json SignaturesJson(const std::vector<Signature>& signatures) {
+  ordered_json list;  // null for none
+  for (const Signature& signature : signatures) {
+    ordered_json timestamps;  // null for none
+    for (const Timestamp& timestamp : signature.timestamps) {
+      timestamps.push_back({{"kind", timestamp.isRfc3161 ? "RFC 3161" : "counter-signature"},
+                            {"time", TextOrNull(timestamp.time)},
+                            {"fault", FaultOrNull(timestamp.check)}});
+    }
+    list.push_back({{"signer", TextOrNull(signature.signer)},
+                    {"nested", signature.isNested},
+                    {"timestamps", timestamps},
+                    {"fault", FaultOrNull(signature.check)}});
+  }
+  return list;
+}
+
+ordered_json CatalogJson(const PackageCatalog* catalog) {
+  if (catalog == nullptr) {
+    return {};
+  }
+  const Result<Catalog>& read = *catalog->catalog;
+  return {{"version", read ? ordered_json(read->version) : ordered_json()},
+          {"members", read ? ordered_json(read->memberCount) : ordered_json()},
+          {"fault", read ? ordered_json() : ordered_json(Escaped(read.error().what))}};
+}
+
+ordered_json FileJson(const InspectedFile& file, const PackageTrust& trust) {
+  const std::optional<VersionRecord>& version = file.version;
+  return {{"archive", std::string(1, file.item.archive)},
+          {"position", file.item.position},
+          {"fileOffset", file.item.fileOffset},
+          {"name", Escaped(file.item.name)},
+          {"size", file.item.body.Size()},
+          {"kind", KindText(file.kind)},
+          {"version", TextOrNull(VersionText(version))},
+          {"description", TextOrNull(version ? version->Text("FileDescription") : "")},
+          {"company", TextOrNull(version ? version->Text("CompanyName") : "")},
+          {"sha256", file.sha256},
+          {"signature", SignaturesJson(file.trust.signatures)},
+          {"inCatalog", file.trust.isCovered ? ordered_json(*file.trust.isCovered) : ordered_json()},
+          {"catalog", CatalogJson(trust.CatalogOf(file.item))}};
+}
+
+ordered_json FilesJson(const std::vector<const InspectedFile*>& files, const PackageTrust& trust) {
+  ordered_json list = ordered_json::array();
+  for (const InspectedFile* const file : files) {
+    list.push_back(FileJson(*file, trust));
+  }
+  return list;
+}
+
+ordered_json PackageJson(const Inspection& inspection) {
+  if (!inspection.package) {
+    return {};
+  }
+  const DeviceFamily* const family = inspection.package->family;
+  const auto devices = [family](bool isGerman) {
+    return family == nullptr ? ordered_json() : ordered_json(DeviceNames(*family, isGerman));
+  };
+  return {{"inf", Escaped(inspection.package->inf.name)},
+          {"version", TextOrNull(inspection.package->identity.version.text)},
+          {"displayName", TextOrNull(inspection.package->identity.displayName.text)},
+          {"family", family == nullptr ? ordered_json() : ordered_json(family->key)},
+          {"devices", devices(false)},
+          {"germanDevices", devices(true)}};
+}
+
+ordered_json ChangeJson(const char* what, const std::string& before, const std::string& after) {
+  const auto text = [](const std::string& escaped) { return escaped.empty() ? ordered_json() : ordered_json(escaped); };
+  return {{"what", what}, {"before", text(before)}, {"after", text(after)}};
+}
+
+std::vector<std::string> EscapedLines(const std::vector<std::string>& lines) {
+  std::vector<std::string> escaped;
+  for (const std::string& line : lines) {
+    escaped.push_back(Escaped(line));
+  }
+  return escaped;
+}
+
+}  // namespace
+
+std::string ListJson(const Inspection& inspection) {
+  const std::optional<PeImage>& image = inspection.installer.image;
+  ordered_json files = ordered_json::array();
+  for (const InspectedFile& file : inspection.files) {
+    files.push_back(FileJson(file, inspection.trust));
+  }
+  return Dumped({{"installer", image.has_value()},
+                 {"signed", image.has_value() && !image->CertificateTable().Empty()},
+                 {"files", files},
+                 {"package", PackageJson(inspection)}});
+}
+
+std::string CompareJson(const Comparison& comparison) {
+  ordered_json changed = ordered_json::array();
+  for (const ChangedFile& file : comparison.changed) {
+    ordered_json changes = ordered_json::array();
+    for (const FileField field : file.fields) {
+      changes.push_back(ChangeJson(FieldName(field), FieldText(field, *file.before), FieldText(field, *file.after)));
+    }
+    changed.push_back({{"name", Escaped(file.after->item.name)}, {"changes", changes}});
+  }
+  ordered_json package = ordered_json::array();
+  for (const PackageField field : comparison.package) {
+    package.push_back(
+        ChangeJson(FieldName(field), FieldText(field, *comparison.before), FieldText(field, *comparison.after)));
+  }
+  ordered_json configuration = ordered_json::array();
+  for (const ChangedLines& lines : comparison.configuration) {
+    configuration.push_back({{"removed", EscapedLines(lines.removed)}, {"added", EscapedLines(lines.added)}});
+  }
+  return Dumped({{"alike", comparison.IsAlike()},
+                 {"removed", FilesJson(comparison.removed, comparison.before->trust)},
+                 {"added", FilesJson(comparison.added, comparison.after->trust)},
+                 {"changed", changed},
+                 {"package", package},
+                 {"configuration", configuration},
+                 {"program", EscapedLines(comparison.program)}});
+}
+
+std::string VerifyJson(const std::string& file, const Findings& findings) {
+  ordered_json list = ordered_json::array();
+  for (const Finding& finding : findings) {
+    list.push_back({{"severity", SeverityWord(finding.severity)},
+                    {"code", finding.code},
+                    {"where", TextOrNull(finding.where)},
+                    {"what", Escaped(finding.what)}});
+  }
+  return Dumped({{"file", Escaped(file)}, {"findings", list}});
+}
+
+}  // namespace kwa
