@@ -8,7 +8,7 @@
 
 #include "built_archive.h"
 #include "built_image.h"
-#include "built_signature.h"
+#include "trust/built_signature.h"
 #include "verify/verification.h"
 
 namespace {

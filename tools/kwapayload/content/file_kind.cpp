@@ -1,8 +1,8 @@
 #include "content/file_kind.h"
 
-#include <cstdint>
+#include <string_view>
+#include <tuple>
 
-#include "content/text_kind.h"
 #include "pe/pe_image.h"
 
 namespace kwa {
@@ -25,59 +25,83 @@ std::string MachineText(std::uint16_t machine) {
   }
 }
 
-std::string ProgramText(const PeImage& image) {
-  const bool isLibrary = (image.characteristics & kImageFileDll) != 0;
-  if (image.subsystem == kImageSubsystemNative) {
-    return isLibrary ? "native DLL" : "native";
+std::string ProgramText(const ProgramKind& program) {
+  std::string text = (program.isPlus ? "PE32+, " : "PE32, ") + MachineText(program.machine) + ", ";
+  if (program.subsystem == kImageSubsystemNative) {
+    text += program.isDll ? "native DLL" : "native";
+  } else if (program.isDll) {
+    text += "DLL";
+  } else if (program.subsystem == kImageSubsystemWindowsGui) {
+    text += "Windows GUI program";
+  } else if (program.subsystem == kImageSubsystemWindowsCui) {
+    text += "Windows console program";
+  } else {
+    text += "subsystem " + std::to_string(program.subsystem);
   }
-  if (isLibrary) {
-    return "DLL";
-  }
-  switch (image.subsystem) {
-    case kImageSubsystemWindowsGui:
-      return "Windows GUI program";
-    case kImageSubsystemWindowsCui:
-      return "Windows console program";
-    default:
-      return "subsystem " + std::to_string(image.subsystem);
-  }
+  return text + (program.isSigned ? ", Authenticode-signed" : "");
 }
 
-std::string ExecutableKind(ByteSpan file) {
-  PeImage image;
-  std::string fault;
-  if (!ReadPeImage(file, &image, &fault)) {
-    return "DOS program";
+std::string BitmapText(const BitmapKind& bitmap) {
+  return "Windows bitmap, " + std::to_string(bitmap.width) + " x " + std::to_string(bitmap.height) + " pixels, " +
+         std::to_string(bitmap.bitsPerPixel) + " bits per pixel, " +
+         (bitmap.compression == 0 ? "uncompressed" : "compression " + std::to_string(bitmap.compression)) +
+         (bitmap.isTopDown ? ", top-down" : "");
+}
+
+const char* EncodingText(TextEncoding encoding) {
+  switch (encoding) {
+    case TextEncoding::Ascii:
+      return "7-bit ASCII text";
+    case TextEncoding::Utf8:
+      return "UTF-8 text";
+    case TextEncoding::EightBit:
+      return "8-bit text";
+    case TextEncoding::Utf16LittleEndian:
+      return "UTF-16 text, little-endian,";
+    case TextEncoding::Utf16BigEndian:
+      return "UTF-16 text, big-endian,";
   }
-  return (image.isPlus ? "PE32+, " : "PE32, ") + MachineText(image.machine) + ", " + ProgramText(image) +
-         (image.CertificateTable().Empty() ? "" : ", Authenticode-signed");
+  return "";
 }
 
-std::string BitmapText(std::uint32_t width, std::uint32_t height, std::uint32_t bits, const std::string& coding) {
-  return "Windows bitmap, " + std::to_string(width) + " x " + std::to_string(height) + " pixels, " +
-         std::to_string(bits) + " bits per pixel, " + coding;
+const char* LineEndsText(LineEnds lineEnds) {
+  switch (lineEnds) {
+    case LineEnds::None:
+      return "no line ends";
+    case LineEnds::CrLf:
+      return "CR LF line ends";
+    case LineEnds::Lf:
+      return "LF line ends";
+    case LineEnds::Cr:
+      return "CR line ends";
+    case LineEnds::Mixed:
+      return "mixed line ends";
+  }
+  return "";
 }
 
-// Empty when the bytes are no bitmap after all.
-std::string BitmapKind(ByteSpan file) {
+std::string TextKindText(const TextKind& text) {
+  return std::string(EncodingText(text.encoding)) + (text.hasByteOrderMark ? " with byte-order mark, " : ", ") +
+         LineEndsText(text.lineEnds);
+}
+
+std::optional<BitmapKind> ReadBitmapKind(ByteSpan file) {
   constexpr std::uint32_t kFileHeaderSize = 14;
   const ByteSpan info = file.From(kFileHeaderSize);
   const std::uint32_t infoSize = info.U32(0);
   if (infoSize == 12 && info.Contains(0, infoSize)) {
-    return BitmapText(info.U16(4), info.U16(6), info.U16(10), "uncompressed");
+    return BitmapKind{info.U16(4), info.U16(6), info.U16(10), 0, false};
   }
   if (infoSize < 40 || infoSize > 124 || !info.Contains(0, infoSize)) {
-    return "";
+    return std::nullopt;
   }
-  // A negative height stands for rows from top to bottom.
+  // A negative height means that rows go from top to bottom.
   const bool isTopDown = info.U32(8) >> 31 != 0;
   const std::uint32_t height = isTopDown ? 0 - info.U32(8) : info.U32(8);
-  const std::uint32_t compression = info.U32(16);
-  const std::string coding = compression == 0 ? "uncompressed" : "compression " + std::to_string(compression);
-  return BitmapText(info.U32(4), height, info.U16(14), coding) + (isTopDown ? ", top-down" : "");
+  return BitmapKind{info.U32(4), height, info.U16(14), info.U32(16), isTopDown};
 }
 
-// A sequence in DER or BER that the file has completely and that begins with the identifier of signed data.
+// Whether the file begins with a whole sequence, in DER or BER, that begins with the identifier of signed data.
 bool IsSignedData(ByteSpan file) {
   constexpr std::string_view kIdentifier("\x06\x09\x2A\x86\x48\x86\xF7\x0D\x01\x07\x02", 11);
   constexpr std::uint8_t kSequence = 0x30;
@@ -86,7 +110,7 @@ bool IsSignedData(ByteSpan file) {
   }
   const std::uint8_t first = file.U8(1);
   const unsigned lengthBytes = first > 0x80 ? first - 0x80U : 0;
-  std::uint64_t length = first < 0x80 ? first : 0;  // 0x80: ended by a mark instead
+  std::uint64_t length = first < 0x80 ? first : 0;  // 0x80: the length is indefinite
   if (lengthBytes > 4) {
     return false;
   }
@@ -99,26 +123,66 @@ bool IsSignedData(ByteSpan file) {
 
 }  // namespace
 
-std::string FileKind(ByteSpan file) {
+bool operator==(const FileKind& one, const FileKind& other) {
+  const auto fields = [](const FileKind& kind) {
+    const ProgramKind program = kind.program.value_or(ProgramKind{});
+    const BitmapKind bitmap = kind.bitmap.value_or(BitmapKind{});
+    const TextKind text = kind.text.value_or(TextKind{});
+    return std::make_tuple(kind.format, program.isPlus, program.machine, program.subsystem, program.isDll,
+                           program.isSigned, bitmap.width, bitmap.height, bitmap.bitsPerPixel, bitmap.compression,
+                           bitmap.isTopDown, text.encoding, text.hasByteOrderMark, text.lineEnds);
+  };
+  return fields(one) == fields(other);
+}
+
+FileKind ReadFileKind(ByteSpan file) {
   if (file.Empty()) {
-    return "empty";
+    return {FileFormat::Empty};
   }
   if (file.StartsWith("MZ")) {
-    return ExecutableKind(file);
+    const Result<PeImage> image = ReadPeImage(file);
+    if (!image) {
+      return {FileFormat::DosProgram};
+    }
+    const bool isDll = (image->characteristics & kImageFileDll) != 0;
+    const bool isSigned = !image->CertificateTable().Empty();
+    return {FileFormat::Program, ProgramKind{image->isPlus, image->machine, image->subsystem, isDll, isSigned}};
   }
   if (file.StartsWith("ITSF")) {
-    return "compiled HTML help";
+    return {FileFormat::CompiledHtmlHelp};
   }
   if (file.StartsWith("BM")) {
-    if (const std::string kind = BitmapKind(file); !kind.empty()) {
-      return kind;
+    if (const std::optional<BitmapKind> bitmap = ReadBitmapKind(file)) {
+      return {FileFormat::Bitmap, {}, bitmap};
     }
   }
   if (IsSignedData(file)) {
-    return "PKCS #7 signed data";
+    return {FileFormat::SignedData};
   }
-  const std::string text = TextKind(file);
-  return text.empty() ? "unknown data" : text;
+  const std::optional<TextKind> text = ReadTextKind(file);
+  return {text ? FileFormat::Text : FileFormat::Unknown, {}, {}, text};
+}
+
+std::string KindText(const FileKind& kind) {
+  switch (kind.format) {
+    case FileFormat::Empty:
+      return "empty";
+    case FileFormat::Program:
+      return ProgramText(*kind.program);
+    case FileFormat::DosProgram:
+      return "DOS program";
+    case FileFormat::CompiledHtmlHelp:
+      return "compiled HTML help";
+    case FileFormat::Bitmap:
+      return BitmapText(*kind.bitmap);
+    case FileFormat::SignedData:
+      return "PKCS #7 signed data";
+    case FileFormat::Text:
+      return TextKindText(*kind.text);
+    case FileFormat::Unknown:
+      break;
+  }
+  return "unknown data";
 }
 
 }  // namespace kwa

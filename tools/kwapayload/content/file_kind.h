@@ -1,13 +1,48 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "base/byte_span.h"
+#include "content/text_kind.h"
 
 namespace kwa {
 
-// What a file is by its own bytes, worded as lists of contents word it: "PE32, x86, native", "PKCS #7 signed data",
-// "7-bit ASCII text, CR LF line ends", … "unknown data" for all else.
-std::string FileKind(ByteSpan file);
+enum class FileFormat { Empty, Program, DosProgram, CompiledHtmlHelp, Bitmap, SignedData, Text, Unknown };
+
+// A Windows program, library or driver. The numbers are those of its headers.
+struct ProgramKind {
+  bool isPlus;  // PE32+
+  std::uint16_t machine;
+  std::uint16_t subsystem;
+  bool isDll;
+  bool isSigned;  // it has a certificate table; nothing is checked
+};
+
+// A Windows bitmap, as its headers describe it.
+struct BitmapKind {
+  std::uint32_t width;   // pixels
+  std::uint32_t height;  // pixels
+  std::uint32_t bitsPerPixel;
+  std::uint32_t compression;  // 0: none
+  bool isTopDown;             // the first row is the top one
+};
+
+// What a file is by its own bytes.
+struct FileKind {
+  FileFormat format;
+  std::optional<ProgramKind> program = std::nullopt;  // for FileFormat::Program alone, and so on
+  std::optional<BitmapKind> bitmap = std::nullopt;
+  std::optional<TextKind> text = std::nullopt;
+};
+
+bool operator==(const FileKind& one, const FileKind& other);
+
+FileKind ReadFileKind(ByteSpan file);
+
+// The words for a kind in lists of contents: "PE32, x86, native", "PKCS #7 signed data", "7-bit ASCII text, CR LF line
+// ends", … A list that a user keeps holds them, so they never change.
+std::string KindText(const FileKind& kind);
 
 }  // namespace kwa

@@ -7,36 +7,32 @@
 namespace kwa {
 namespace {
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
 
-// Counts line ends of each sort, character by character.
-class LineEnds {
+// Notes which line ends occur, character by character.
+class LineEndNotes {
  public:
   void Add(std::uint32_t character) {
     if (character == '\n') {
-      ++(isAfterReturn ? crLf : lf);
+      (isAfterReturn ? hasCrLf : hasLf) = true;
     } else if (isAfterReturn) {
-      ++cr;
+      hasCr = true;
     }
     isAfterReturn = character == '\r';
   }
 
-  std::string Text() const {
-    const std::uint64_t lastReturn = isAfterReturn ? 1 : 0;
-    const int sorts = (crLf != 0 ? 1 : 0) + (lf != 0 ? 1 : 0) + (cr + lastReturn != 0 ? 1 : 0);
-    if (sorts == 0) {
-      return "no line ends";
+  LineEnds Found() const {
+    const bool hasAnyCr = hasCr || isAfterReturn;
+    if (int{hasCrLf} + int{hasLf} + int{hasAnyCr} > 1) {
+      return LineEnds::Mixed;
     }
-    if (sorts > 1) {
-      return "mixed line ends";
-    }
-    return crLf != 0 ? "CR LF line ends" : lf != 0 ? "LF line ends" : "CR line ends";
+    return hasCrLf ? LineEnds::CrLf : hasLf ? LineEnds::Lf : hasAnyCr ? LineEnds::Cr : LineEnds::None;
   }
 
  private:
-  std::uint64_t crLf = 0;
-  std::uint64_t lf = 0;
-  std::uint64_t cr = 0;
+  bool hasCrLf = false;
+  bool hasLf = false;
+  bool hasCr = false;
   bool isAfterReturn = false;
 };
 
@@ -45,19 +41,19 @@ bool IsControl(std::uint32_t character) {
   return (character < 0x20 && !isLayout) || character == 0x7F;
 }
 
-std::string Utf16Kind(ByteSpan text, bool isBigEndian) {
-  LineEnds lineEnds;
+std::optional<TextKind> ReadUtf16Kind(ByteSpan text, TextEncoding encoding) {
+  const bool isBigEndian = encoding == TextEncoding::Utf16BigEndian;
+  LineEndNotes lineEnds;
   for (std::uint64_t at = 0; at + 1 < text.Size(); at += 2) {
     const std::uint32_t low = text.U8(at + (isBigEndian ? 1 : 0));
     const std::uint32_t high = text.U8(at + (isBigEndian ? 0 : 1));
     const std::uint32_t unit = high << 8 | low;
     if (IsControl(unit)) {
-      return "";
+      return std::nullopt;
     }
     lineEnds.Add(unit);
   }
-  return std::string("UTF-16 text, ") + (isBigEndian ? "big-endian" : "little-endian") + ", with byte-order mark, " +
-         lineEnds.Text();
+  return TextKind{encoding, true, lineEnds.Found()};
 }
 
 }  // namespace
@@ -66,33 +62,31 @@ bool IsUtf8(ByteSpan bytes) {
   return utf8::is_valid(bytes.begin(), bytes.end());
 }
 
-std::string TextKind(ByteSpan file) {
+std::optional<TextKind> ReadTextKind(ByteSpan file) {
   if (file.StartsWith("\xFF\xFE")) {
-    return Utf16Kind(file.From(2), false);
+    return ReadUtf16Kind(file.From(2), TextEncoding::Utf16LittleEndian);
   }
   if (file.StartsWith("\xFE\xFF")) {
-    return Utf16Kind(file.From(2), true);
+    return ReadUtf16Kind(file.From(2), TextEncoding::Utf16BigEndian);
   }
-  const bool hasMark = file.StartsWith(kUtf8Mark);
-  const ByteSpan text = hasMark ? file.From(kUtf8Mark.size()) : file;
-  LineEnds lineEnds;
+  const bool hasByteOrderMark = file.StartsWith(kUtf8ByteOrderMark);
+  const ByteSpan text = hasByteOrderMark ? file.From(kUtf8ByteOrderMark.size()) : file;
+  LineEndNotes lineEnds;
   bool is7Bit = true;
   for (const std::uint8_t byte : text) {
     if (IsControl(byte)) {
-      return "";
+      return std::nullopt;
     }
     is7Bit = is7Bit && byte < 0x80;
     lineEnds.Add(byte);
   }
-  std::string kind;
+  TextEncoding encoding = TextEncoding::Ascii;
   if (!IsUtf8(text)) {
-    kind = "8-bit text";
-  } else if (hasMark || !is7Bit) {
-    kind = "UTF-8 text";
-  } else {
-    kind = "7-bit ASCII text";
+    encoding = TextEncoding::EightBit;
+  } else if (hasByteOrderMark || !is7Bit) {
+    encoding = TextEncoding::Utf8;
   }
-  return kind + (hasMark ? " with byte-order mark, " : ", ") + lineEnds.Text();
+  return TextKind{encoding, hasByteOrderMark, lineEnds.Found()};
 }
 
 }  // namespace kwa

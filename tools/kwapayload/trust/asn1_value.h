@@ -14,9 +14,9 @@
 
 namespace kwa {
 
-// A structure of libcrypto's templates, decoded from the front of some bytes; for the sources of this room alone. Lists
-// that a hostile file could make long stay encoded in it, as ASN1_SEQUENCE or ASN1_ANY: decoded, a byte of theirs would
-// take fifty of memory.
+// A structure of libcrypto's templates, decoded from the first bytes of a span; for the sources of this folder alone.
+// Lists that a hostile file could make long stay encoded in it, as ASN1_SEQUENCE or ASN1_ANY: decoded, each of their
+// bytes would take fifty bytes of memory.
 template <typename T>
 class Asn1Value {
  public:
@@ -41,7 +41,7 @@ class Asn1Value {
   T* value;
 };
 
-// The bytes of a text or number; of one that stays encoded, all of it. Empty for null.
+// The bytes of a text or number; for a value that stays encoded, tag and length included. Empty for null.
 inline ByteSpan BytesOf(const ASN1_STRING* text) {
   return text == nullptr ? ByteSpan()
                          : ByteSpan(ASN1_STRING_get0_data(text), static_cast<std::size_t>(ASN1_STRING_length(text)));
@@ -51,7 +51,7 @@ inline std::string TextOf(const ASN1_STRING* text) {
   return std::string(BytesOf(text).Text());
 }
 
-// A constructed value, tag and length included; empty for any other.
+// A sequence or set, tag and length included; empty for any other value.
 inline ByteSpan EncodedOf(const ASN1_TYPE* value) {
   const int type = value == nullptr ? V_ASN1_UNDEF : ASN1_TYPE_get(value);
   return type == V_ASN1_SEQUENCE || type == V_ASN1_SET ? BytesOf(value->value.asn1_string) : ByteSpan();
@@ -63,7 +63,7 @@ inline std::string DottedNumbers(const ASN1_OBJECT* object) {
   return text.data();
 }
 
-// An algorithm as Digest takes it; in dotted numbers where libcrypto lacks it.
+// The name of an algorithm for Digest; its dotted numbers where libcrypto lacks it.
 inline std::string DigestName(const X509_ALGOR* algorithm) {
   const ASN1_OBJECT* object = nullptr;
   X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);

@@ -1,29 +1,35 @@
 #include "trust/authenticode.h"
 
-#include <string>
+#include "trust/digest.h"
+#include "trust/signer_check.h"
 
 namespace kwa {
 namespace {
 
 constexpr char kIndirectData[] = "1.3.6.1.4.1.311.2.1.4";
 
-std::string ImageFault(const SignedData& data, FileDigests* file) {
-  std::string algorithm;
-  std::string digest;
-  if (data.contentType != kIndirectData || !ReadIndirectData(ByteSpan(data.content), &algorithm, &digest)) {
-    return "is not one of a program";
+Check CheckImage(const SignedData& data, FileDigests& file) {
+  const Result<IndirectData> stated = ReadIndirectData(ByteSpan(data.content));
+  if (data.contentType != kIndirectData || !stated) {
+    return Failure("is not one of a program");
   }
-  return digest.empty() || digest != file->OfImage(algorithm) ? "does not fit the file, which was changed" : "";
+  if (DigestOf({}, stated->algorithm).empty()) {
+    return Failure(UnknownAlgorithmText(stated->algorithm));
+  }
+  if (stated->digest != file.OfImage(stated->algorithm)) {
+    return Failure("does not fit the file, which was changed");
+  }
+  return {};
 }
 
 }  // namespace
 
-std::vector<Signature> ReadEmbeddedSignatures(FileDigests* file) {
+std::vector<Signature> ReadEmbeddedSignatures(FileDigests& file) {
   constexpr std::uint32_t kHeaderSize = 8;
   constexpr std::uint16_t kPkcsSignedData = 2;
   constexpr std::uint64_t kAlignment = 8;
   std::vector<Signature> signatures;
-  const PeImage* const image = file->Image();
+  const PeImage* const image = file.Image();
   if (image == nullptr) {
     return signatures;
   }
@@ -35,15 +41,15 @@ std::vector<Signature> ReadEmbeddedSignatures(FileDigests* file) {
     if (isWhole && table.U16(6) == kPkcsSignedData) {
       AppendSignatures(
           table.Part(kHeaderSize, size - kHeaderSize),
-          [file](const SignedData& data) { return ImageFault(data, file); }, &signatures);
+          [&file](const SignedData& data) { return CheckImage(data, file); }, signatures);
     }
     table = table.From((size + kAlignment - 1) / kAlignment * kAlignment);
   }
-  // What is stuffed behind a signature changes nothing for Windows.
+  // Windows ignores bytes that were added to the table after a signature.
   if (signatures.empty() && !isWhole) {
-    signatures.push_back({"", "is not all there: the certificate table is damaged", false, {}});
+    signatures.push_back({"", Failure("is not all there: the certificate table is damaged"), false, {}});
   } else if (signatures.empty() && !image->CertificateTable().Empty()) {
-    signatures.push_back({"", "is missing: the certificate table holds nothing that is signed", false, {}});
+    signatures.push_back({"", Failure("is missing: the certificate table holds nothing that is signed"), false, {}});
   }
   return signatures;
 }

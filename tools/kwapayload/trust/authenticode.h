@@ -7,8 +7,9 @@
 
 namespace kwa {
 
-// The signatures that a Windows program carries in its certificate table, none for any other file. One whose digest is
-// not that of the program's image has a fault, and so has a table that breaks off or holds none.
-std::vector<Signature> ReadEmbeddedSignatures(FileDigests* file);
+// The signatures in the certificate table of a Windows program; none for any other file. A signature over another
+// digest than that of the program's image does not hold. A table that is cut off or holds no signature is a signature
+// that does not hold.
+std::vector<Signature> ReadEmbeddedSignatures(FileDigests& file);
 
 }  // namespace kwa

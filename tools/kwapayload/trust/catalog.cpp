@@ -6,6 +6,7 @@
 #include <array>
 
 #include "base/ascii_text.h"
+#include "trust/asn1_list.h"
 #include "trust/asn1_value.h"
 #include "trust/signed_data.h"
 
@@ -15,8 +16,8 @@ namespace {
 constexpr std::size_t kMaxMembers = 100000;
 
 constexpr char kTrustList[] = "1.3.6.1.4.1.311.10.1";
-constexpr char kMemberGeneration1[] = "1.3.6.1.4.1.311.12.1.2";
-constexpr char kMemberGeneration2[] = "1.3.6.1.4.1.311.12.1.3";
+constexpr char kMemberVersion1[] = "1.3.6.1.4.1.311.12.1.2";
+constexpr char kMemberVersion2[] = "1.3.6.1.4.1.311.12.1.3";
 constexpr char kIndirectData[] = "1.3.6.1.4.1.311.2.1.4";
 constexpr char kNameValue[] = "1.3.6.1.4.1.311.12.2.1";
 
@@ -90,7 +91,7 @@ const char* AlgorithmOfSize(std::size_t digestSize) {
 }
 
 // The digest that a tag tells, in hexadecimal UTF-16 text or as it is, if it tells any.
-void AddTag(ByteSpan tag, Catalog* catalog) {
+void AddTag(ByteSpan tag, Catalog& catalog) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> bytes = {};
   std::size_t size = 0;
   const std::string text = NarrowText(tag);
@@ -99,19 +100,19 @@ void AddTag(ByteSpan tag, Catalog* catalog) {
     tag = ByteSpan(bytes.data(), size);
   }
   if (const char* const algorithm = AlgorithmOfSize(tag.Size())) {
-    catalog->digests[algorithm].emplace(tag.Text());
+    catalog.digests[algorithm].emplace(tag.Text());
   }
 }
 
-void AddFileName(ByteSpan element, Catalog* catalog) {
+void AddFileName(ByteSpan element, Catalog& catalog) {
   const Asn1Value<NameValueFields> fields(element, ASN1_ITEM_rptr(NameValueFields));
   constexpr std::string_view kFile("\0F\0i\0l\0e", 8);
   if (fields && BytesOf(fields->name).Text() == kFile) {
-    catalog->fileNames.insert(UpperCase(NarrowText(BytesOf(fields->value))));
+    catalog.fileNames.insert(UpperCase(NarrowText(BytesOf(fields->value))));
   }
 }
 
-bool AddMember(ByteSpan element, Catalog* catalog) {
+bool AddMember(ByteSpan element, Catalog& catalog) {
   const Asn1Value<MemberFields> fields(element, ASN1_ITEM_rptr(MemberFields));
   if (!fields) {
     return false;
@@ -121,15 +122,14 @@ bool AddMember(ByteSpan element, Catalog* catalog) {
   if (indirectData.Empty()) {
     AddTag(BytesOf(fields->tag), catalog);
   } else {
-    std::string algorithm;
-    std::string digest;
-    if (!ReadIndirectData(indirectData, &algorithm, &digest) || digest.empty()) {
+    const Result<IndirectData> data = ReadIndirectData(indirectData);
+    if (!data) {
       return false;
     }
     // What names another algorithm covers nothing. Each that is kept costs a digest of every file.
-    const char* const known = AlgorithmOfSize(digest.size());
-    if (known != nullptr && algorithm == known) {
-      catalog->digests[algorithm].insert(digest);
+    const char* const known = AlgorithmOfSize(data->digest.size());
+    if (known != nullptr && data->algorithm == known) {
+      catalog.digests[data->algorithm].insert(data->digest);
     }
   }
   ForEachAttributeValue(attributes, kNameValue, [&](ByteSpan value) {
@@ -139,59 +139,59 @@ bool AddMember(ByteSpan element, Catalog* catalog) {
   return true;
 }
 
-bool ReadTrustList(ByteSpan content, Catalog* catalog, std::string* fault) {
+Result<Catalog> ReadTrustList(ByteSpan content) {
   const Asn1Value<TrustListFields> fields(content, ASN1_ITEM_rptr(TrustListFields));
   if (!fields) {
-    *fault = "is a catalog whose list of members is damaged";
-    return false;
+    return Failure("is a catalog whose list of members is damaged");
   }
+  Catalog catalog = {};
   const ASN1_OBJECT* memberAlgorithm = nullptr;
   X509_ALGOR_get0(&memberAlgorithm, nullptr, nullptr, fields->memberAlgorithm);
   const std::string algorithm = DottedNumbers(memberAlgorithm);
-  catalog->generation = algorithm == kMemberGeneration1 ? 1 : algorithm == kMemberGeneration2 ? 2 : 0;
+  catalog.version = algorithm == kMemberVersion1 ? 1 : algorithm == kMemberVersion2 ? 2 : 0;
   bool isSound = true;
   const bool isList = fields->members == nullptr || ForEachElement(BytesOf(fields->members), [&](ByteSpan element) {
-                        isSound = ++catalog->memberCount <= kMaxMembers && AddMember(element, catalog);
+                        isSound = ++catalog.memberCount <= kMaxMembers && AddMember(element, catalog);
                         return isSound;
                       });
-  if (catalog->memberCount > kMaxMembers) {
-    *fault = "is a catalog of more than 100000 members";
-  } else if (!isList || !isSound) {
-    *fault = "is a catalog whose member " + std::to_string(catalog->memberCount + (isSound ? 1 : 0)) + " is damaged";
+  if (catalog.memberCount > kMaxMembers) {
+    return Failure("is a catalog of more than 100000 members");
   }
-  return isList && isSound;
+  if (!isList || !isSound) {
+    return Failure("is a catalog whose member " + std::to_string(catalog.memberCount + (isSound ? 1 : 0)) +
+                   " is damaged");
+  }
+  return catalog;
 }
 
 }  // namespace
 
-bool ReadCatalog(ByteSpan file, Catalog* catalog, std::string* fault) {
-  *catalog = {};
-  SignedData data;
-  if (!ReadSignedData(file, &data, fault)) {
-    return false;
+Result<Catalog> ReadCatalog(ByteSpan file) {
+  const Result<SignedData> data = ReadSignedData(file);
+  if (!data) {
+    return tl::unexpected(data.error());
   }
-  if (data.contentType != kTrustList) {
-    *fault = "is signed data, but no catalog";
-    return false;
+  if (data->contentType != kTrustList) {
+    return Failure("is signed data, but no catalog");
   }
-  if (!ReadTrustList(ByteSpan(data.content), catalog, fault)) {
-    return false;
+  Result<Catalog> catalog = ReadTrustList(ByteSpan(data->content));
+  if (catalog) {
+    AppendSignatures(
+        file, [](const SignedData&) { return Check(); }, catalog->signatures);
   }
-  AppendSignatures(
-      file, [](const SignedData&) { return ""; }, &catalog->signatures);
-  return true;
+  return catalog;
 }
 
-bool Covers(const Catalog& catalog, FileDigests* file) {
+bool Covers(const Catalog& catalog, FileDigests& file) {
   for (const auto& [algorithm, digests] : catalog.digests) {
-    if (digests.count(file->OfImage(algorithm)) != 0 || digests.count(file->OfFile(algorithm)) != 0) {
+    if (digests.count(file.OfImage(algorithm)) != 0 || digests.count(file.OfFile(algorithm)) != 0) {
       return true;
     }
   }
   return false;
 }
 
-std::string CoveringLineEnds(const Catalog& catalog, ByteSpan text) {
+std::optional<std::string> CoveringLineEnds(const Catalog& catalog, ByteSpan text) {
   constexpr struct {
     const char* name;
     const char* bytes;
@@ -203,7 +203,7 @@ std::string CoveringLineEnds(const Catalog& catalog, ByteSpan text) {
       }
     }
   }
-  return "";
+  return std::nullopt;
 }
 
 }  // namespace kwa

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "base/byte_span.h"
+#include "base/fault.h"
 #include "trust/file_digests.h"
 #include "trust/signature.h"
 
@@ -15,22 +17,23 @@ namespace kwa {
 struct Catalog {
   // 1: members are tagged by their digests in hexadecimal UTF-16 text, mostly SHA-1. 2: by the digests' bytes, mostly
   // SHA-256. 0: the catalog says neither.
-  unsigned generation;
+  unsigned version;
   std::size_t memberCount;
-  // The members' digests by algorithm, as FileDigests has them: MD5, SHA-1 and SHA-2, of which each has its own size. A
-  // member that is a tag alone has its tag's.
+  // The members' digests by algorithm, as FileDigests has them: MD5, SHA-1 and SHA-2, of which each has its own size.
+  // For a member without indirect data, the tag is the digest.
   std::map<std::string, std::set<std::string>> digests;
   std::set<std::string> fileNames;    // upper-case, of the members that name one; only a remark, Windows ignores it
   std::vector<Signature> signatures;  // none in an unsigned catalog
 };
 
-// Returns false, and why in *fault, when the bytes are no catalog, are damaged, or hold more than 100000 members.
-bool ReadCatalog(ByteSpan file, Catalog* catalog, std::string* fault);
+// Fails when the bytes are no catalog, are damaged, or hold more than 100000 members.
+Result<Catalog> ReadCatalog(ByteSpan file);
 
-// Whether a member has the digest of the file or, of a Windows program, of its image.
-bool Covers(const Catalog& catalog, FileDigests* file);
+// Whether a member has the digest of the file or, for a Windows program, of its image.
+bool Covers(const Catalog& catalog, FileDigests& file);
 
-// "CR LF" or "LF" where a text is not covered as it is, but would be with these line ends; else "".
-std::string CoveringLineEnds(const Catalog& catalog, ByteSpan text);
+// "CR LF" or "LF": the line ends with which a text would be covered that is not covered as it is. Nothing where neither
+// helps.
+std::optional<std::string> CoveringLineEnds(const Catalog& catalog, ByteSpan text);
 
 }  // namespace kwa

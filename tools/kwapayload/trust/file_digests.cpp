@@ -1,6 +1,7 @@
 #include "trust/file_digests.h"
 
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "trust/digest.h"
@@ -48,9 +49,8 @@ std::string ImageDigest(const PeImage& image, const std::string& algorithm) {
 }  // namespace
 
 FileDigests::FileDigests(ByteSpan fileBytes) : file(fileBytes) {
-  std::string ignored;
-  if (!ReadPeImage(file, &image.emplace(), &ignored)) {
-    image.reset();
+  if (Result<PeImage> read = ReadPeImage(file)) {
+    image = std::move(*read);
   }
 }
 

@@ -6,7 +6,9 @@
 #include <ctime>
 #include <deque>
 #include <memory>
+#include <utility>
 
+#include "trust/asn1_list.h"
 #include "trust/asn1_value.h"
 #include "trust/digest.h"
 #include "trust/signer_check.h"
@@ -15,6 +17,7 @@ namespace kwa {
 namespace {
 
 constexpr std::size_t kMaxSignatures = 16;
+constexpr std::size_t kMaxTimestamps = 4;  // of one signature
 constexpr std::size_t kMaxTimestampSize = 64 * 1024;
 
 constexpr char kSigningTime[] = "1.2.840.113549.1.9.5";
@@ -32,93 +35,115 @@ std::string TimeText(const ASN1_TIME* time) {
   return std::string(text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S UTC", &parts));
 }
 
-Timestamp ReadCounterSignature(ByteSpan element, const SignerInfo& signer, Certificates* certificates) {
-  SignerInfo counterSigner;
-  if (!ReadSignerInfo(element, &counterSigner)) {
-    return {false, "", "is unreadable"};
+Timestamp ReadCounterSignature(ByteSpan element, const SignerInfo& signer, Certificates& certificates) {
+  const Result<SignerInfo> counterSigner = ReadSignerInfo(element);
+  if (!counterSigner) {
+    return {false, "", tl::unexpected(counterSigner.error())};
   }
-  const ByteSpan signingTime = AttributeValue(ByteSpan(counterSigner.signedAttributes), kSigningTime);
+  const ByteSpan signingTime = AttributeValue(ByteSpan(counterSigner->signedAttributes), kSigningTime);
   const Asn1Value<ASN1_TIME> time(signingTime, ASN1_ITEM_rptr(ASN1_TIME));
-  return {false, TimeText(time.Get()),
-          CheckSigner(counterSigner, ByteSpan(signer.signature), certificates, SignerKind::CounterSigner).fault};
-}
-
-Timestamp ReadTimestampToken(ByteSpan element, const SignerInfo& signer) {
-  SignedData token;
-  std::string fault;
-  if (element.Size() > kMaxTimestampSize || !ReadSignedData(element, &token, &fault) || token.signers.empty() ||
-      token.contentType != kTimestampContent) {
-    return {true, "", "is unreadable"};
-  }
-  const unsigned char* at = reinterpret_cast<const unsigned char*>(token.content.data());
-  const std::unique_ptr<TS_TST_INFO, decltype(&TS_TST_INFO_free)> info(
-      d2i_TS_TST_INFO(nullptr, &at, static_cast<long>(token.content.size())), &TS_TST_INFO_free);
-  ERR_clear_error();
-  if (!info) {
-    return {true, "", "is unreadable"};
-  }
-  Timestamp timestamp = {true, TimeText(TS_TST_INFO_get_time(info.get())), ""};
-  TS_MSG_IMPRINT* const imprint = TS_TST_INFO_get_msg_imprint(info.get());
-  const std::string digest = TextOf(TS_MSG_IMPRINT_get_msg(imprint));
-  if (digest != DigestOf(ByteSpan(signer.signature), DigestName(TS_MSG_IMPRINT_get_algo(imprint)))) {
-    timestamp.fault = "is one of another signature";
-  } else {
-    Certificates certificates(token.certificates);
-    timestamp.fault = CheckSigner(token.signers.front(), token.SignedOctets(), &certificates, SignerKind::Signer).fault;
+  Timestamp timestamp = {false, TimeText(time.Get()), {}};
+  timestamp.check =
+      CheckSigner(*counterSigner, ByteSpan(signer.signature), certificates, SignerKind::CounterSigner).check;
+  if (timestamp.check && timestamp.time.empty()) {
+    timestamp.check = Failure("states no time");
   }
   return timestamp;
 }
 
-std::optional<Timestamp> ReadTimestamp(const SignerInfo& signer, Certificates* certificates) {
-  const ByteSpan attributes(signer.unsignedAttributes);
-  if (const ByteSpan token = AttributeValue(attributes, kTimestampToken); !token.Empty()) {
-    return ReadTimestampToken(token, signer);
+Timestamp ReadTimestampToken(ByteSpan element, const SignerInfo& signer) {
+  const Timestamp unreadable = {true, "", Failure("is unreadable")};
+  if (element.Size() > kMaxTimestampSize) {
+    return unreadable;
   }
-  if (const ByteSpan counterSignature = AttributeValue(attributes, kCounterSignature); !counterSignature.Empty()) {
-    return ReadCounterSignature(counterSignature, signer, certificates);
+  const Result<SignedData> token = ReadSignedData(element);
+  if (!token || token->signers.empty() || token->contentType != kTimestampContent) {
+    return unreadable;
   }
-  return std::nullopt;
+  const unsigned char* at = reinterpret_cast<const unsigned char*>(token->content.data());
+  const std::unique_ptr<TS_TST_INFO, decltype(&TS_TST_INFO_free)> info(
+      d2i_TS_TST_INFO(nullptr, &at, static_cast<long>(token->content.size())), &TS_TST_INFO_free);
+  ERR_clear_error();
+  if (!info) {
+    return unreadable;
+  }
+  Timestamp timestamp = {true, TimeText(TS_TST_INFO_get_time(info.get())), {}};
+  TS_MSG_IMPRINT* const imprint = TS_TST_INFO_get_msg_imprint(info.get());
+  const std::string algorithm = DigestName(TS_MSG_IMPRINT_get_algo(imprint));
+  const std::string digest = DigestOf(ByteSpan(signer.signature), algorithm);
+  if (digest.empty()) {
+    timestamp.check = Failure(UnknownAlgorithmText(algorithm));
+  } else if (TextOf(TS_MSG_IMPRINT_get_msg(imprint)) != digest) {
+    timestamp.check = Failure("is one of another signature");
+  } else {
+    Certificates certificates(token->certificates);
+    timestamp.check =
+        CheckSigner(token->signers.front(), token->SignedOctets(), certificates, SignerKind::Signer).check;
+  }
+  return timestamp;
 }
 
-bool HasRoom(std::vector<Signature>* signatures) {
-  if (signatures->size() == kMaxSignatures) {
-    signatures->push_back({"", "is one of more than 16, and not read", false, {}});
+std::vector<Timestamp> ReadTimestamps(const SignerInfo& signer, Certificates& certificates) {
+  std::vector<Timestamp> timestamps;
+  for (const char* const type : {kTimestampToken, kCounterSignature}) {
+    const bool isRfc3161 = type == kTimestampToken;
+    ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), type, [&](ByteSpan value) {
+      if (timestamps.size() == kMaxTimestamps) {
+        timestamps.push_back({isRfc3161, "", Failure("is one of more than 4, and not read")});
+      }
+      if (timestamps.size() > kMaxTimestamps) {
+        return false;
+      }
+      timestamps.push_back(isRfc3161 ? ReadTimestampToken(value, signer)
+                                     : ReadCounterSignature(value, signer, certificates));
+      return true;
+    });
   }
-  return signatures->size() < kMaxSignatures;
+  return timestamps;
 }
 
-// Appends the signatures of signed data itself, and to *nested the signed data within them.
-void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentFault& contentFault,
-                         std::vector<Signature>* signatures, std::deque<std::string>* nested) {
-  SignedData data;
-  if (std::string fault; !ReadSignedData(bytes, &data, &fault) && HasRoom(signatures)) {
-    signatures->push_back({"", fault, isNested, {}});
+bool HasRoom(std::vector<Signature>& signatures) {
+  if (signatures.size() == kMaxSignatures) {
+    signatures.push_back({"", Failure("is one of more than 16, and not read"), false, {}});
+  }
+  return signatures.size() < kMaxSignatures;
+}
+
+// Appends the signatures of signed data itself, and to `nested` the signed data within them.
+void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentCheck& checkContent,
+                         std::vector<Signature>& signatures, std::deque<std::string>& nested) {
+  const Result<SignedData> data = ReadSignedData(bytes);
+  if (!data) {
+    if (HasRoom(signatures)) {
+      signatures.push_back({"", tl::unexpected(data.error()), isNested, {}});
+    }
     return;
   }
-  Certificates certificates(data.certificates);
-  for (const SignerInfo& signer : data.signers) {
+  Certificates certificates(data->certificates);
+  for (const SignerInfo& signer : data->signers) {
     if (!HasRoom(signatures)) {
       return;
     }
-    SignerCheck check = CheckSigner(signer, data.SignedOctets(), &certificates, SignerKind::Signer);
-    if (check.fault.empty()) {
-      check.fault = contentFault(data);
+    SignerCheck result = CheckSigner(signer, data->SignedOctets(), certificates, SignerKind::Signer);
+    if (result.check) {
+      result.check = checkContent(*data);
     }
-    signatures->push_back({check.name, check.fault, isNested, ReadTimestamp(signer, &certificates)});
+    signatures.push_back(
+        {std::move(result.name), std::move(result.check), isNested, ReadTimestamps(signer, certificates)});
     ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), kNestedSignature, [&](ByteSpan value) {
-      nested->emplace_back(value.Text());
-      return nested->size() <= kMaxSignatures;
+      nested.emplace_back(value.Text());
+      return nested.size() <= kMaxSignatures;
     });
   }
 }
 
 }  // namespace
 
-void AppendSignatures(ByteSpan bytes, const ContentFault& contentFault, std::vector<Signature>* signatures) {
+void AppendSignatures(ByteSpan bytes, const ContentCheck& checkContent, std::vector<Signature>& signatures) {
   std::deque<std::string> nested;
-  AppendOwnSignatures(bytes, false, contentFault, signatures, &nested);
+  AppendOwnSignatures(bytes, false, checkContent, signatures, nested);
   for (; !nested.empty(); nested.pop_front()) {
-    AppendOwnSignatures(ByteSpan(nested.front()), true, contentFault, signatures, &nested);
+    AppendOwnSignatures(ByteSpan(nested.front()), true, checkContent, signatures, nested);
   }
 }
 

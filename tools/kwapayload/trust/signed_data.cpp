@@ -1,7 +1,10 @@
 #include "trust/signed_data.h"
 
-#include <memory>
+#include <openssl/rsa.h>
 
+#include <utility>
+
+#include "trust/asn1_list.h"
 #include "trust/asn1_value.h"
 
 namespace kwa {
@@ -75,166 +78,118 @@ ASN1_SEQUENCE(IndirectDataFields) = {
     ASN1_SIMPLE(IndirectDataFields, digest, X509_SIG),
 } static_ASN1_SEQUENCE_END(IndirectDataFields);
 
-// Returns false where the bytes do not begin with a whole element of a known length.
-bool SplitElement(ByteSpan bytes, ByteSpan* element, ByteSpan* content) {
-  const unsigned char* at = bytes.Data();
-  long length = 0;
-  int tag = 0;
-  int tagClass = 0;
-  constexpr int kFault = 0x80;
-  constexpr int kUnknownLength = 1;
-  const auto size = static_cast<long>(std::min<std::size_t>(bytes.Size(), INT_MAX));
-  if (size == 0) {
-    return false;
+PssParameters ReadPssParameters(const X509_ALGOR* algorithm) {
+  const ASN1_OBJECT* object = nullptr;
+  const void* value = nullptr;
+  int type = V_ASN1_UNDEF;
+  X509_ALGOR_get0(&object, &type, &value, algorithm);
+  const std::string unread = DottedNumbers(object);
+  const ByteSpan encoded = type == V_ASN1_SEQUENCE ? BytesOf(static_cast<const ASN1_STRING*>(value)) : ByteSpan();
+  const Asn1Value<RSA_PSS_PARAMS> fields(encoded, ASN1_ITEM_rptr(RSA_PSS_PARAMS));
+  if (!fields) {
+    return {unread, unread};
   }
-  const int result = ASN1_get_object(&at, &length, &tag, &tagClass, size);
-  if ((result & (kFault | kUnknownLength)) != 0) {
-    ERR_clear_error();
-    return false;
+  // Both are SHA-1 where nothing else is said (RFC 4055, 3.1).
+  PssParameters pss = {"SHA1", "SHA1"};
+  if (fields->hashAlgorithm != nullptr) {
+    pss.digestAlgorithm = DigestName(fields->hashAlgorithm);
   }
-  const auto headerSize = static_cast<std::size_t>(at - bytes.Data());
-  *element = bytes.Part(0, headerSize + static_cast<std::size_t>(length));
-  *content = element->From(headerSize);
-  return true;
+  if (fields->maskGenAlgorithm != nullptr) {
+    X509_ALGOR_get0(&object, &type, &value, fields->maskGenAlgorithm);
+    const ByteSpan parameter = type == V_ASN1_SEQUENCE ? BytesOf(static_cast<const ASN1_STRING*>(value)) : ByteSpan();
+    const Asn1Value<X509_ALGOR> digest(parameter, ASN1_ITEM_rptr(X509_ALGOR));
+    pss.maskDigestAlgorithm =
+        OBJ_obj2nid(object) == NID_mgf1 && digest ? DigestName(digest.Get()) : DottedNumbers(object);
+  }
+  return pss;
 }
 
 }  // namespace
 
-bool ReadSignedData(ByteSpan bytes, SignedData* data, std::string* fault) {
-  *data = {};
+ByteSpan SignedData::SignedOctets() const {
+  const std::optional<Asn1Element> element = isOctetString ? std::nullopt : FrontElement(ByteSpan(content));
+  return element ? element->content : ByteSpan(content);
+}
+
+Result<SignedData> ReadSignedData(ByteSpan bytes) {
   if (bytes.Size() > kMaxSize) {
-    *fault = "is larger than 64 MiB";
-    return false;
+    return Failure("is larger than 64 MiB");
   }
-  *fault = "is no signed data";
   const Asn1Value<ContentInfoFields> outer(bytes, ASN1_ITEM_rptr(ContentInfoFields));
   if (!outer || OBJ_obj2nid(outer->type) != NID_pkcs7_signed) {
-    return false;
+    return Failure("is no signed data");
   }
   const Asn1Value<SignedDataFields> fields(EncodedOf(outer->content), ASN1_ITEM_rptr(SignedDataFields));
   if (!fields) {
-    return false;
+    return Failure("is no signed data");
   }
-  data->contentType = DottedNumbers(fields->contentInfo->type);
-  data->certificates = TextOf(fields->certificates);
+  SignedData data = {};
+  data.contentType = DottedNumbers(fields->contentInfo->type);
+  data.certificates = TextOf(fields->certificates);
   if (const ASN1_TYPE* const content = fields->contentInfo->content) {
-    ByteSpan element;
-    ByteSpan octets;
-    if (ASN1_TYPE_get(content) == V_ASN1_OCTET_STRING) {
-      data->content = TextOf(content->value.octet_string);
-    } else if (SplitElement(EncodedOf(content), &element, &octets)) {
-      data->content = element.Text();
-      data->signedFrom = element.Size() - octets.Size();
-    } else {
-      return false;
+    data.isOctetString = ASN1_TYPE_get(content) == V_ASN1_OCTET_STRING;
+    data.content = data.isOctetString ? TextOf(content->value.octet_string) : EncodedOf(content).Text();
+    if (!data.isOctetString && data.content.empty()) {
+      return Failure("is no signed data");
     }
   }
+  bool isSound = true;
   const bool isList = ForEachElement(EncodedOf(fields->signers), [&](ByteSpan element) {
-    return data->signers.size() <= kMaxSigners && ReadSignerInfo(element, &data->signers.emplace_back());
+    Result<SignerInfo> signer = ReadSignerInfo(element);
+    isSound = signer.has_value();
+    if (isSound) {
+      data.signers.push_back(std::move(*signer));
+    }
+    return isSound && data.signers.size() <= kMaxSigners;
   });
-  if (data->signers.size() > kMaxSigners) {
-    *fault = "has more than 16 signers";
-    return false;
+  if (data.signers.size() > kMaxSigners) {
+    return Failure("has more than 16 signers");
   }
-  if (!isList || (!data->signers.empty() && data->signers.back().digestAlgorithm.empty())) {
-    return false;
+  if (!isList || !isSound) {
+    return Failure("has a damaged list of signers");
   }
-  fault->clear();
-  return true;
+  return data;
 }
 
-bool ReadSignerInfo(ByteSpan bytes, SignerInfo* signer) {
-  *signer = {};
+Result<SignerInfo> ReadSignerInfo(ByteSpan bytes) {
   const Asn1Value<SignerInfoFields> fields(bytes, ASN1_ITEM_rptr(SignerInfoFields));
   if (!fields) {
-    return false;
+    return Failure("is unreadable");
   }
+  SignerInfo signer;
   if (fields->issuerAndNumber != nullptr) {
-    signer->issuer = TextOf(fields->issuerAndNumber->issuer);
-    signer->serialNumber = TextOf(fields->issuerAndNumber->serialNumber);
+    signer.issuer = TextOf(fields->issuerAndNumber->issuer);
+    signer.serialNumber = TextOf(fields->issuerAndNumber->serialNumber);
   }
-  signer->keyIdentifier = TextOf(fields->keyIdentifier);
-  signer->digestAlgorithm = DigestName(fields->digestAlgorithm);
-  signer->signedAttributes = TextOf(fields->signedAttributes);
-  if (!signer->signedAttributes.empty()) {
+  signer.keyIdentifier = TextOf(fields->keyIdentifier);
+  signer.digestAlgorithm = DigestName(fields->digestAlgorithm);
+  signer.signedAttributes = TextOf(fields->signedAttributes);
+  if (!signer.signedAttributes.empty()) {
     constexpr char kSetTag = 0x31;
-    signer->signedAttributes.front() = kSetTag;
+    signer.signedAttributes.front() = kSetTag;
   }
   const ASN1_OBJECT* signatureAlgorithm = nullptr;
   X509_ALGOR_get0(&signatureAlgorithm, nullptr, nullptr, fields->signatureAlgorithm);
-  signer->isPss = OBJ_obj2nid(signatureAlgorithm) == NID_rsassaPss;
-  signer->signature = TextOf(fields->signature);
-  signer->unsignedAttributes = TextOf(fields->unsignedAttributes);
-  return true;
+  if (OBJ_obj2nid(signatureAlgorithm) == NID_rsassaPss) {
+    signer.pss = ReadPssParameters(fields->signatureAlgorithm);
+  }
+  signer.signature = TextOf(fields->signature);
+  signer.unsignedAttributes = TextOf(fields->unsignedAttributes);
+  return signer;
 }
 
-bool ReadIndirectData(ByteSpan element, std::string* algorithm, std::string* digest) {
+Result<IndirectData> ReadIndirectData(ByteSpan element) {
   const Asn1Value<IndirectDataFields> fields(element, ASN1_ITEM_rptr(IndirectDataFields));
   if (!fields) {
-    return false;
+    return Failure("is unreadable");
   }
-  const X509_ALGOR* digestAlgorithm = nullptr;
-  const ASN1_OCTET_STRING* octets = nullptr;
-  X509_SIG_get0(fields->digest, &digestAlgorithm, &octets);
-  *algorithm = DigestName(digestAlgorithm);
-  *digest = TextOf(octets);
-  return true;
-}
-
-bool ForEachElement(ByteSpan list, const VisitElement& visit) {
-  ByteSpan element;
-  ByteSpan rest;
-  if (!SplitElement(list, &element, &rest)) {
-    return false;
+  const X509_ALGOR* algorithm = nullptr;
+  const ASN1_OCTET_STRING* digest = nullptr;
+  X509_SIG_get0(fields->digest, &algorithm, &digest);
+  if (BytesOf(digest).Empty()) {
+    return Failure("has no digest");
   }
-  while (!rest.Empty()) {
-    ByteSpan content;
-    if (!SplitElement(rest, &element, &content)) {
-      return false;
-    }
-    if (!visit(element)) {
-      break;
-    }
-    rest = rest.From(element.Size());
-  }
-  return true;
-}
-
-ByteSpan FirstElement(ByteSpan list) {
-  ByteSpan first;
-  ForEachElement(list, [&first](ByteSpan element) {
-    first = element;
-    return false;
-  });
-  return first;
-}
-
-void ForEachAttributeValue(ByteSpan attributes, const char* type, const VisitElement& visit) {
-  const std::unique_ptr<ASN1_OBJECT, decltype(&ASN1_OBJECT_free)> wanted(OBJ_txt2obj(type, 1), &ASN1_OBJECT_free);
-  const ByteSpan wantedNumbers(OBJ_get0_data(wanted.get()), OBJ_length(wanted.get()));
-  bool goesOn = true;
-  ForEachElement(attributes, [&](ByteSpan attribute) {
-    // A sequence of two: the type, and the set of values.
-    const ByteSpan typeElement = FirstElement(attribute);
-    ByteSpan element;
-    ByteSpan content;
-    if (!SplitElement(typeElement, &element, &content)) {
-      return false;
-    }
-    if (content.Text() == wantedNumbers.Text() && SplitElement(attribute, &element, &content)) {
-      ForEachElement(content.From(typeElement.Size()), [&](ByteSpan value) { return goesOn = visit(value); });
-    }
-    return goesOn;
-  });
-}
-
-ByteSpan AttributeValue(ByteSpan attributes, const char* type) {
-  ByteSpan first;
-  ForEachAttributeValue(attributes, type, [&first](ByteSpan value) {
-    first = value;
-    return false;
-  });
-  return first;
+  return IndirectData{DigestName(algorithm), TextOf(digest)};
 }
 
 }  // namespace kwa

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "report/escaped_text.h"
+#include "trust/asn1_list.h"
 #include "trust/asn1_value.h"
 #include "trust/digest.h"
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kMaxCertificates = 64;
 constexpr std::size_t kMaxCertificateSize = 16 * 1024;
-constexpr std::size_t kMaxNameSize = 128;  // twice what the standard allows
+constexpr std::size_t kMaxNameSize = 256;  // bytes; the 64 characters of X.520 take no more
 
 constexpr char kMessageDigest[] = "1.2.840.113549.1.9.4";
 
@@ -30,7 +30,7 @@ struct Free {
 template <typename T>
 using Owned = std::unique_ptr<T, Free>;
 
-bool IsOf(const X509* certificate, const SignerInfo& signer) {
+bool BelongsTo(const X509* certificate, const SignerInfo& signer) {
   if (!signer.keyIdentifier.empty()) {
     return TextOf(X509_get0_subject_key_id(const_cast<X509*>(certificate))) == signer.keyIdentifier;
   }
@@ -49,67 +49,95 @@ std::string CommonName(const X509* certificate) {
   }
   unsigned char* utf8 = nullptr;
   const int size = ASN1_STRING_to_UTF8(&utf8, X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, index)));
+  if (size < 0) {
+    return "";
+  }
   const Owned<unsigned char> owner(utf8);
-  return size < 0 ? "" : EscapedText(ByteSpan(utf8, std::min(static_cast<std::size_t>(size), kMaxNameSize)).Text());
+  const ByteSpan name(utf8, static_cast<std::size_t>(size));
+  std::size_t end = std::min(name.Size(), kMaxNameSize);
+  // A character is not cut in two.
+  while ((name.U8(end) & 0xC0) == 0x80) {
+    --end;
+  }
+  return std::string(name.Part(0, end).Text());
 }
 
 // isBare  whether the digest alone was signed, without its algorithm
-bool FitsKey(EVP_PKEY* key, const SignerInfo& signer, ByteSpan digest, bool isBare) {
+Check CheckWithKey(EVP_PKEY* key, const SignerInfo& signer, ByteSpan digest, bool isBare) {
   const Owned<EVP_PKEY_CTX> context(EVP_PKEY_CTX_new(key, nullptr));
-  if (!context || EVP_PKEY_verify_init(context.get()) != 1) {
-    return false;
-  }
   const EVP_MD* const algorithm = EVP_get_digestbyname(signer.digestAlgorithm.c_str());
-  if (signer.isPss && (EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PSS_PADDING) != 1 ||
-                       EVP_PKEY_CTX_set_rsa_pss_saltlen(context.get(), RSA_PSS_SALTLEN_AUTO) != 1)) {
-    return false;
+  bool isReady = context && EVP_PKEY_verify_init(context.get()) == 1;
+  if (signer.pss) {
+    const EVP_MD* const maskAlgorithm = EVP_get_digestbyname(signer.pss->maskDigestAlgorithm.c_str());
+    isReady = isReady && EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PSS_PADDING) == 1 &&
+              EVP_PKEY_CTX_set_rsa_pss_saltlen(context.get(), RSA_PSS_SALTLEN_AUTO) == 1 &&
+              EVP_PKEY_CTX_set_rsa_mgf1_md(context.get(), maskAlgorithm) == 1;
   }
-  if (!isBare && EVP_PKEY_CTX_set_signature_md(context.get(), algorithm) != 1) {
-    return false;
+  isReady = isReady && (isBare || EVP_PKEY_CTX_set_signature_md(context.get(), algorithm) == 1);
+  if (!isReady) {
+    return Failure("is made with a kind of key that is not known here");
   }
   const ByteSpan signature(signer.signature);
-  return EVP_PKEY_verify(context.get(), signature.Data(), signature.Size(), digest.Data(), digest.Size()) == 1;
+  if (EVP_PKEY_verify(context.get(), signature.Data(), signature.Size(), digest.Data(), digest.Size()) != 1) {
+    return Failure("does not fit the signer's certificate");
+  }
+  return {};
 }
 
-std::string SignerFault(const SignerInfo& signer, ByteSpan content, const X509* certificate, SignerKind kind) {
-  std::string digest = DigestOf(content, signer.digestAlgorithm);
-  if (digest.empty()) {
-    return "is made with the algorithm " + signer.digestAlgorithm + ", which is not known here";
+Check CheckAlgorithms(const SignerInfo& signer) {
+  const PssParameters pss = signer.pss.value_or(PssParameters{signer.digestAlgorithm, signer.digestAlgorithm});
+  for (const std::string& algorithm : {signer.digestAlgorithm, pss.digestAlgorithm, pss.maskDigestAlgorithm}) {
+    if (EVP_get_digestbyname(algorithm.c_str()) == nullptr) {
+      return Failure(UnknownAlgorithmText(algorithm));
+    }
   }
+  if (pss.digestAlgorithm != signer.digestAlgorithm) {
+    return Failure("names two algorithms for one digest: " + signer.digestAlgorithm + " and " + pss.digestAlgorithm);
+  }
+  return {};
+}
+
+Check CheckSignature(const SignerInfo& signer, ByteSpan content, const X509* certificate, SignerKind kind) {
+  if (Check check = CheckAlgorithms(signer); !check) {
+    return check;
+  }
+  std::string digest = DigestOf(content, signer.digestAlgorithm);
   const ByteSpan attributes(signer.signedAttributes);
   if (!attributes.Empty()) {
     const Asn1Value<ASN1_OCTET_STRING> stated(AttributeValue(attributes, kMessageDigest),
                                               ASN1_ITEM_rptr(ASN1_OCTET_STRING));
-    if (BytesOf(stated.Get()).Text() != digest) {
-      return "does not fit what it signs";
+    if (digest.empty() || BytesOf(stated.Get()).Text() != digest) {
+      return Failure("does not fit what it signs");
     }
     digest = DigestOf(attributes, signer.digestAlgorithm);
   }
   if (certificate == nullptr) {
-    return "comes without the signer's certificate";
+    return Failure("comes without the signer's certificate");
   }
   EVP_PKEY* const key = X509_get0_pubkey(certificate);
-  const bool mayBeBare = kind == SignerKind::CounterSigner && !signer.isPss;
-  if (key == nullptr || (!FitsKey(key, signer, ByteSpan(digest), false) &&
-                         !(mayBeBare && FitsKey(key, signer, ByteSpan(digest), true)))) {
-    return "does not fit the signer's certificate";
+  if (key == nullptr) {
+    return Failure("is made with a kind of key that is not known here");
   }
-  return "";
+  Check check = CheckWithKey(key, signer, ByteSpan(digest), false);
+  if (!check && kind == SignerKind::CounterSigner && !signer.pss && CheckWithKey(key, signer, ByteSpan(digest), true)) {
+    return {};
+  }
+  return check;
 }
 
 }  // namespace
 
-struct Certificates::One {
+struct Certificates::Entry {
   ByteSpan encoded;
   bool isRead = false;
-  Owned<X509> decoded;  // null where it is not read, or no certificate
+  Owned<X509> decoded;  // null until it is read, and where it is no certificate
 };
 
 Certificates::Certificates(const std::string& encodedList) {
   std::size_t count = 0;
   ForEachElement(ByteSpan(encodedList), [&](ByteSpan element) {
     if (element.Size() <= kMaxCertificateSize) {
-      list.push_back({element, false, nullptr});
+      entries.push_back({element, false, nullptr});
     }
     return ++count < kMaxCertificates;
   });
@@ -118,31 +146,34 @@ Certificates::Certificates(const std::string& encodedList) {
 Certificates::~Certificates() = default;
 
 const X509* Certificates::Find(const SignerInfo& signer) {
-  // Decoding takes a thousand times as long as a look whether it could be the one.
+  // Decoding takes a thousand times as long as a search for the bytes that the certificate must hold.
   const std::string& part = signer.keyIdentifier.empty() ? signer.issuer : signer.keyIdentifier;
-  for (One& one : list) {
-    if (one.encoded.Text().find(part) == std::string_view::npos) {
+  for (Entry& entry : entries) {
+    if (entry.encoded.Text().find(part) == std::string_view::npos) {
       continue;
     }
-    if (!one.isRead) {
-      const unsigned char* at = one.encoded.Data();
-      one.decoded.reset(d2i_X509(nullptr, &at, static_cast<long>(one.encoded.Size())));
-      one.isRead = true;
+    if (!entry.isRead) {
+      const unsigned char* at = entry.encoded.Data();
+      entry.decoded.reset(d2i_X509(nullptr, &at, static_cast<long>(entry.encoded.Size())));
+      entry.isRead = true;
     }
-    if (one.decoded && IsOf(one.decoded.get(), signer)) {
-      return one.decoded.get();
+    if (entry.decoded && BelongsTo(entry.decoded.get(), signer)) {
+      return entry.decoded.get();
     }
   }
   return nullptr;
 }
 
-SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, Certificates* certificates, SignerKind kind) {
-  const X509* const certificate = certificates->Find(signer);
-  SignerCheck check;
-  check.name = certificate != nullptr ? CommonName(certificate) : "";
-  check.fault = SignerFault(signer, content, certificate, kind);
+SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, Certificates& certificates, SignerKind kind) {
+  const X509* const certificate = certificates.Find(signer);
+  SignerCheck result = {certificate != nullptr ? CommonName(certificate) : "",
+                        CheckSignature(signer, content, certificate, kind)};
   ERR_clear_error();
-  return check;
+  return result;
+}
+
+std::string UnknownAlgorithmText(const std::string& algorithm) {
+  return "is made with the algorithm " + algorithm + ", which is not known here";
 }
 
 }  // namespace kwa

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/byte_span.h"
+#include "base/fault.h"
 #include "trust/signed_data.h"
 
 struct x509_st;  // libcrypto's certificate
@@ -13,21 +14,21 @@ namespace kwa {
 // The certificates that come with signed data. Each is decoded once, however many signers ask for it.
 class Certificates {
  public:
-  // encodedList  must outlive this; what is behind the 64th, or larger than 16 KiB, is left out
+  // encodedList  must outlive this object; certificates after the 64th, or larger than 16 KiB, are left out
   explicit Certificates(const std::string& encodedList);
   ~Certificates();
 
-  // The signer's, which belongs to this object, or null.
+  // The signer's certificate, which belongs to this object, or null.
   const x509_st* Find(const SignerInfo& signer);
 
  private:
-  struct One;
-  std::vector<One> list;
+  struct Entry;
+  std::vector<Entry> entries;
 };
 
 struct SignerCheck {
-  std::string name;   // the certificate's common name, escaped; "" where there is none
-  std::string fault;  // why the signature does not hold, such as "does not fit the signer's certificate"; "" if it does
+  std::string name;  // the common name in the certificate, UTF-8 as it is; "" where there is none
+  Check check;       // whether the signature holds
 };
 
 enum class SignerKind { Signer, CounterSigner };
@@ -35,7 +36,10 @@ enum class SignerKind { Signer, CounterSigner };
 // Checks one signer: the digest of what is signed, and the signature with the certificate's key.
 //
 // content  what is signed
-// kind     some old counter-signatures sign a digest as it stands, without its algorithm
-SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, Certificates* certificates, SignerKind kind);
+// kind     some old counter-signatures sign a digest alone, without its algorithm
+SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, Certificates& certificates, SignerKind kind);
+
+// Why something that is made with an algorithm that libcrypto lacks cannot be checked.
+std::string UnknownAlgorithmText(const std::string& algorithm);
 
 }  // namespace kwa

@@ -1,4 +1,4 @@
-#include "built_signature.h"
+#include "trust/built_signature.h"
 
 #include <openssl/evp.h>
 #include <openssl/rsa.h>
@@ -111,10 +111,10 @@ std::string IndirectData(const char* algorithm, const std::string& digest) {
                                Der(kDerSequence, Algorithm(algorithm) + Der(kDerOctets, digest)));
 }
 
-std::string TrustList(unsigned generation, const std::string& members) {
+std::string TrustList(unsigned version, const std::string& members) {
   return Der(kDerSequence, Der(kDerSequence, ObjectId("1.3.6.1.4.1.311.12.1.1")) +
                                Der(kDerOctets, std::string(16, 'i')) + Der(0x17, "140213120000Z") +
-                               Algorithm(generation == 1 ? "1.3.6.1.4.1.311.12.1.2" : "1.3.6.1.4.1.311.12.1.3") +
+                               Algorithm(version == 1 ? "1.3.6.1.4.1.311.12.1.2" : "1.3.6.1.4.1.311.12.1.3") +
                                Der(kDerSequence, members));
 }
 

@@ -1,4 +1,4 @@
-// Kinds of files, worded as the list of contents words them: those that no file of the sample payload has.
+// Kinds of files in the words of the list of contents: the kinds that no file of the sample payload has.
 
 #include "content/file_kind.h"
 
@@ -24,7 +24,7 @@ TEST(FileKind, ByTheFilesOwnBytes) {
   const std::string signedData("\x30\x82\x00\x0D\x06\x09\x2A\x86\x48\x86\xF7\x0D\x01\x07\x02\xA0\x00", 17);
   const std::string oldBitmap =
       "BM" + std::string(12, '\0') + WordBytes(12) + WordBytes(51 | 305 << 16) + WordBytes(1 | 24 << 16);
-  const std::string mark = "\xEF\xBB\xBF";
+  const std::string byteOrderMark = "\xEF\xBB\xBF";
   const std::pair<std::string, const char*> kCases[] = {
       {Image(true, 0xAA64, 3, 0x22), "PE32+, ARM64, Windows console program"},
       {Image(true, 0x200, 1, 0x2022), "PE32+, Itanium, native DLL"},
@@ -43,8 +43,8 @@ TEST(FileKind, ByTheFilesOwnBytes) {
       {"a\tb\f~", "7-bit ASCII text, no line ends"},
       {"a\r\nb\r", "7-bit ASCII text, mixed line ends"},
       {"a\rb\r", "7-bit ASCII text, CR line ends"},
-      {mark + "plain\r\n", "UTF-8 text with byte-order mark, CR LF line ends"},
-      {mark + "\xFC\r\n", "8-bit text with byte-order mark, CR LF line ends"},
+      {byteOrderMark + "plain\r\n", "UTF-8 text with byte-order mark, CR LF line ends"},
+      {byteOrderMark + "\xFC\r\n", "8-bit text with byte-order mark, CR LF line ends"},
       {"\xC3\xBC \xE2\x82\xAC \xF4\x80\x80\x80\n", "UTF-8 text, LF line ends"},
       {"\xED\xA0\x80", "8-bit text, no line ends"},
       {"\xF4\x90\x80\x80", "8-bit text, no line ends"},
@@ -54,7 +54,7 @@ TEST(FileKind, ByTheFilesOwnBytes) {
       {"a\x7F", "unknown data"},
   };
   for (const auto& [bytes, kind] : kCases) {
-    EXPECT_EQ(kind, kwa::FileKind(kwa::ByteSpan(bytes))) << testing::PrintToString(bytes);
+    EXPECT_EQ(kind, KindText(kwa::ReadFileKind(kwa::ByteSpan(bytes)))) << testing::PrintToString(bytes);
   }
 }
 

@@ -26,7 +26,7 @@ std::string DigestBytes(const std::string& bytes, const char* algorithm);
 std::string IndirectData(const char* algorithm, const std::string& digest);
 
 // A catalog's content.
-std::string TrustList(unsigned generation, const std::string& members);
+std::string TrustList(unsigned version, const std::string& members);
 
 struct SignedParts {
   const char* contentType;

@@ -6,9 +6,8 @@
 
 #include "built_archive.h"
 #include "built_image.h"
-#include "built_signature.h"
-#include "inf_cases.h"
 #include "trust/authenticode.h"
+#include "trust/built_signature.h"
 #include "trust/catalog.h"
 
 namespace {
@@ -25,8 +24,8 @@ std::string IndirectMember(const char* algorithm, const std::string& digest) {
   return Member("any tag", DerAttribute(kIndirectDataType, IndirectData(algorithm, digest)));
 }
 
-std::string BuildCatalog(unsigned generation, const std::string& members) {
-  return BuildSignedData({kTrustListType, TrustList(generation, members)});
+std::string BuildCatalog(unsigned version, const std::string& members) {
+  return BuildSignedData({kTrustListType, TrustList(version, members)});
 }
 
 // A program without a certificate table, of a size that is a multiple of 8 or not.
@@ -65,13 +64,17 @@ std::string Signed(const std::string& program) {
   return WithTable(program, BuildSignedData(PartsFor(program)));
 }
 
+std::string Shown(const kwa::Check& check) {
+  return check ? "" : check.error().what;
+}
+
 std::string Shown(const std::vector<kwa::Signature>& signatures) {
   std::string text;
   for (const kwa::Signature& signature : signatures) {
-    text += (signature.isNested ? "nested: " : "") + signature.signer + ": " + signature.fault;
-    if (signature.timestamp) {
-      text += std::string(signature.timestamp->isRfc3161 ? " [RFC 3161 " : " [old ") + signature.timestamp->time +
-              ": " + signature.timestamp->fault + "]";
+    text += (signature.isNested ? "nested: " : "") + signature.signer + ": " + Shown(signature.check);
+    for (const kwa::Timestamp& timestamp : signature.timestamps) {
+      text += std::string(timestamp.isRfc3161 ? " [RFC 3161 " : " [old ") + timestamp.time + ": " +
+              Shown(timestamp.check) + "]";
     }
     text += "\n";
   }
@@ -80,25 +83,31 @@ std::string Shown(const std::vector<kwa::Signature>& signatures) {
 
 std::string EmbeddedIn(const std::string& program) {
   kwa::FileDigests digests{kwa::ByteSpan(program)};
-  return Shown(ReadEmbeddedSignatures(&digests));
+  return Shown(ReadEmbeddedSignatures(digests));
 }
 
-kwa::Catalog Read(const std::string& file) {
-  kwa::Catalog catalog;
-  std::string fault;
-  EXPECT_TRUE(ReadCatalog(kwa::ByteSpan(file), &catalog, &fault)) << fault;
-  return catalog;
+std::string ShownCatalog(const std::string& file) {
+  const kwa::Result<kwa::Catalog> catalog = kwa::ReadCatalog(kwa::ByteSpan(file));
+  return catalog ? Shown(catalog->signatures) : catalog.error().what;
+}
+
+std::string Utf16(const std::string& text) {
+  std::string wide;
+  for (const char character : text) {
+    wide += {character, '\0'};
+  }
+  return wide;
 }
 
 TEST(Trust, CatalogCovers) {
   const std::string text = "[Version]\r\n";
-  const std::string hexTag = Utf16Inf("39488A95FF3BD1C8E34DC7B728BB935F5032E1EE").substr(2) + std::string(2, '\0');
+  const std::string hexTag = Utf16("39488A95FF3BD1C8E34DC7B728BB935F5032E1EE") + std::string(2, '\0');
   const std::string program = Program(21);
   const auto sha1 = [](const std::string& bytes) { return DigestBytes(bytes, "SHA1"); };
   const auto sha256 = [](const std::string& bytes) { return DigestBytes(bytes, "SHA256"); };
   const struct {
     const char* what;
-    unsigned generation;
+    unsigned version;
     std::string members;
     std::string file;
     bool isCovered;
@@ -118,12 +127,13 @@ TEST(Trust, CatalogCovers) {
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.what);
-    const std::string file = BuildCatalog(test.generation, test.members);
-    const kwa::Catalog catalog = Read(file);
+    const std::string file = BuildCatalog(test.version, test.members);
+    const kwa::Result<kwa::Catalog> catalog = kwa::ReadCatalog(kwa::ByteSpan(file));
+    ASSERT_TRUE(catalog) << catalog.error().what;
     kwa::FileDigests digests{kwa::ByteSpan(test.file)};
-    EXPECT_EQ(test.isCovered, Covers(catalog, &digests));
-    EXPECT_EQ(test.generation, catalog.generation);
-    EXPECT_EQ("Tester: \n", Shown(catalog.signatures));
+    EXPECT_EQ(test.isCovered, Covers(*catalog, digests));
+    EXPECT_EQ(test.version, catalog->version);
+    EXPECT_EQ("Tester: \n", Shown(catalog->signatures));
   }
 }
 
@@ -132,10 +142,8 @@ TEST(Trust, CatalogsAndTheirSignatures) {
   const std::string list = TrustList(2, tag);
   const std::string good = BuildSignedData({kTrustListType, list});
   for (std::size_t size = 0; size < good.size(); ++size) {
-    kwa::Catalog catalog;
-    std::string fault;
     const std::string beginning = good.substr(0, size);
-    EXPECT_FALSE(ReadCatalog(kwa::ByteSpan(beginning), &catalog, &fault)) << size;
+    EXPECT_FALSE(kwa::ReadCatalog(kwa::ByteSpan(beginning))) << size;
   }
   std::string changed = good;
   changed.replace(changed.find("some tag"), 8, "same tag");
@@ -166,9 +174,7 @@ TEST(Trust, CatalogsAndTheirSignatures) {
       {BuildSignedData({kTrustListType, list, 0}), ""},
   };
   for (const auto& [file, shown] : cases) {
-    kwa::Catalog catalog;
-    std::string fault;
-    EXPECT_EQ(shown, ReadCatalog(kwa::ByteSpan(file), &catalog, &fault) ? Shown(catalog.signatures) : fault);
+    EXPECT_EQ(shown, ShownCatalog(file));
   }
 }
 

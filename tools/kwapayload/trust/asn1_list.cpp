@@ -1,0 +1,103 @@
+#include "trust/asn1_list.h"
+
+#include <openssl/asn1.h>
+#include <openssl/err.h>
+#include <openssl/objects.h>
+
+#include <algorithm>
+#include <climits>
+#include <memory>
+
+namespace kwa {
+namespace {
+
+struct ElementHeader {
+  std::size_t size;         // of tag and length
+  std::size_t contentSize;  // 0 where the length is indefinite
+  bool isIndefinite;
+  bool isEnd;  // of an element of indefinite length
+};
+
+std::optional<ElementHeader> ReadHeader(ByteSpan bytes) {
+  constexpr int kFault = 0x80;
+  constexpr int kIndefiniteLength = 1;
+  const unsigned char* at = bytes.Data();
+  long length = 0;
+  int tag = 0;
+  int tagClass = 0;
+  const auto size = static_cast<long>(std::min<std::size_t>(bytes.Size(), INT_MAX));
+  const int result = size == 0 ? kFault : ASN1_get_object(&at, &length, &tag, &tagClass, size);
+  if ((result & kFault) != 0) {
+    ERR_clear_error();
+    return std::nullopt;
+  }
+  const bool isEnd = tag == V_ASN1_EOC && tagClass == V_ASN1_UNIVERSAL && length == 0;
+  return ElementHeader{static_cast<std::size_t>(at - bytes.Data()), static_cast<std::size_t>(length),
+                       (result & kIndefiniteLength) != 0, isEnd};
+}
+
+}  // namespace
+
+std::optional<Asn1Element> FrontElement(ByteSpan bytes) {
+  const std::optional<ElementHeader> front = ReadHeader(bytes);
+  if (!front) {
+    return std::nullopt;
+  }
+  std::size_t end = front->size + front->contentSize;
+  std::size_t contentEnd = end;
+  for (std::size_t openCount = front->isIndefinite ? 1 : 0; openCount != 0;) {
+    const std::optional<ElementHeader> header = ReadHeader(bytes.From(end));
+    if (!header) {
+      return std::nullopt;
+    }
+    openCount = header->isIndefinite ? openCount + 1 : header->isEnd ? openCount - 1 : openCount;
+    contentEnd = end;
+    end += header->size + header->contentSize;
+  }
+  return Asn1Element{bytes.Part(0, end), bytes.Part(front->size, contentEnd - front->size)};
+}
+
+bool ForEachElement(ByteSpan list, const VisitElement& visit) {
+  const std::optional<Asn1Element> outer = FrontElement(list);
+  if (!outer) {
+    return false;
+  }
+  for (ByteSpan rest = outer->content; !rest.Empty();) {
+    const std::optional<Asn1Element> element = FrontElement(rest);
+    if (!element) {
+      return false;
+    }
+    if (!visit(element->whole)) {
+      break;
+    }
+    rest = rest.From(element->whole.Size());
+  }
+  return true;
+}
+
+void ForEachAttributeValue(ByteSpan attributes, const char* type, const VisitElement& visit) {
+  const std::unique_ptr<ASN1_OBJECT, decltype(&ASN1_OBJECT_free)> wanted(OBJ_txt2obj(type, 1), &ASN1_OBJECT_free);
+  const ByteSpan wantedNumbers(OBJ_get0_data(wanted.get()), OBJ_length(wanted.get()));
+  bool goesOn = true;
+  ForEachElement(attributes, [&](ByteSpan element) {
+    // An attribute is a sequence of two: the type, and the set of values.
+    const std::optional<Asn1Element> attribute = FrontElement(element);
+    const std::optional<Asn1Element> itsType = FrontElement(attribute->content);
+    if (itsType && itsType->content.Text() == wantedNumbers.Text()) {
+      ForEachElement(attribute->content.From(itsType->whole.Size()),
+                     [&](ByteSpan value) { return goesOn = visit(value); });
+    }
+    return itsType && goesOn;
+  });
+}
+
+ByteSpan AttributeValue(ByteSpan attributes, const char* type) {
+  ByteSpan first;
+  ForEachAttributeValue(attributes, type, [&first](ByteSpan value) {
+    first = value;
+    return false;
+  });
+  return first;
+}
+
+}  // namespace kwa
