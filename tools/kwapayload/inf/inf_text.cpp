@@ -4,17 +4,31 @@ namespace kwa {
 
 InfText::InfText(ByteSpan file) : bytes(file) {
   if (file.StartsWith("\xEF\xBB\xBF")) {
+    encoding = InfEncoding::Utf8;
     bytes = file.From(3);
-    fault = "begins with the mark of UTF-8, which not every Windows knows";
   } else if (file.StartsWith("\xFE\xFF")) {
-    fault = "is UTF-16 text in big-endian order, which not every Windows knows";
+    encoding = InfEncoding::Utf16BigEndian;
+    bytes = {};
   } else if (file.StartsWith("\xFF\xFE")) {
-    isUtf16 = true;
-    // The last of an odd number of bytes is left out; the platform completes it with whatever follows in memory.
+    encoding = InfEncoding::Utf16LittleEndian;
+    isNarrowed = true;
+    narrowed.reserve(file.Size() / 2);
+    // The last byte of an odd number of bytes is left out; Windows completes it with a byte that is not in the file.
     for (std::uint64_t at = 2; file.Contains(at, 2); at += 2) {
       const std::uint16_t unit = file.U16(at);
       narrowed += unit < 0x80 ? static_cast<char>(unit) : kOtherUnit;
     }
+  }
+}
+
+Check CheckEncoding(const InfText& inf) {
+  switch (inf.Encoding()) {
+    case InfEncoding::Utf8:
+      return Failure("begins with the byte-order mark of UTF-8, which not every Windows knows", "inf-encoding");
+    case InfEncoding::Utf16BigEndian:
+      return Failure("is UTF-16 text in big-endian order, which not every Windows knows", "inf-encoding");
+    default:
+      return {};
   }
 }
 

@@ -4,30 +4,39 @@
 #include <string_view>
 
 #include "base/byte_span.h"
+#include "base/fault.h"
 
 namespace kwa {
 
-// The text of an INF as every Windows sees it: the bytes of an 8-bit file as they are, or the ASCII of a UTF-16 file
-// that begins with the little-endian mark. Which bytes any other character becomes is decided by each Windows.
+enum class InfEncoding {
+  EightBit,           // no byte-order mark: the code page of each Windows
+  Utf8,               // with a byte-order mark
+  Utf16LittleEndian,  // with a byte-order mark
+  Utf16BigEndian,     // with a byte-order mark
+};
+
+// The text of an INF as every Windows reads it: the bytes of an 8-bit or UTF-8 file without the byte-order mark, or the
+// ASCII characters of a little-endian UTF-16 file. Big-endian text is empty.
 class InfText {
  public:
-  // What stands for a UTF-16 unit that is not ASCII. Nothing else in a UTF-16 file becomes it.
+  // Replaces a UTF-16 unit that is not ASCII, because each Windows converts it in its own way. Nothing else in a UTF-16
+  // file becomes this character.
   static constexpr char kOtherUnit = '\xFF';
 
-  // The file's bytes must outlive this.
+  // The file's bytes must outlive this object.
   explicit InfText(ByteSpan file);
 
-  std::string_view Text() const { return isUtf16 ? std::string_view(narrowed) : bytes.Text(); }
-  bool IsUtf16() const { return isUtf16; }
-
-  // Why it cannot be known what Windows reads of the file, whatever it holds, or "": it begins with another mark.
-  const std::string& Fault() const { return fault; }
+  std::string_view Text() const { return isNarrowed ? std::string_view(narrowed) : bytes.Text(); }
+  InfEncoding Encoding() const { return encoding; }
 
  private:
-  ByteSpan bytes;  // behind the mark
-  bool isUtf16 = false;
+  ByteSpan bytes;  // after the byte-order mark
+  InfEncoding encoding = InfEncoding::EightBit;
+  bool isNarrowed = false;
   std::string narrowed;
-  std::string fault;
 };
+
+// Fails for an encoding that not every Windows reads. The code is "inf-encoding".
+Check CheckEncoding(const InfText& inf);
 
 }  // namespace kwa

@@ -1,18 +1,18 @@
-#include "inf/inf_reader.h"
+#include "inf/profile_value.h"
 
 #include "base/ascii_text.h"
 
 namespace kwa {
 namespace {
 
-// What the platform drops around lines, names and values: blanks, and the old end-of-file mark.
+// The characters that the platform removes around lines, names and values: blanks, and the old end-of-file character.
 constexpr std::string_view kBlanks = " \t\v\f\x1A";
 
 std::string_view UpToNul(std::string_view text) {
   return text.substr(0, text.find('\0'));
 }
 
-// Whether a line is a section's header. Its name reaches from the first bracket to the last closing one.
+// Whether a line is the header of a section. The name ends at the last closing bracket.
 bool ReadSectionHeader(std::string_view line, std::string_view* name) {
   const std::size_t closing = line.rfind(']');
   if (line.empty() || line.front() != '[' || closing == std::string_view::npos) {
@@ -30,7 +30,7 @@ std::string_view WithoutQuotes(std::string_view value) {
 
 }  // namespace
 
-std::string ReadInfValue(const InfText& inf, std::string_view section, std::string_view key, std::size_t limit) {
+std::string ReadProfileValue(const InfText& inf, std::string_view section, std::string_view key, std::size_t limit) {
   bool inSection = false;
   for (std::string_view text = inf.Text(); !text.empty();) {
     const std::string_view line = Trimmed(TakeLine(&text), kBlanks);
