@@ -1,54 +1,50 @@
 // kwapayload: packs payload archives and looks into built installers, on the build machine.
 #include <CLI/CLI.hpp>
 #include <csignal>
-#include <cstddef>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
+#include "commands/commands.h"
 #include "files/output_file.h"
 #include "files/tool_failure.h"
-#include "commands/commands.h"
+#include "report/escaped_text.h"
 
 namespace {
 
-constexpr int kExitFailure = 1;
-constexpr int kExitMisuse = 2;
-
-int Run(int argc, char** argv, int* failure) {
+int Run(int argc, char** argv) {
   CLI::App app("Packs payload archives and looks into built installers.", "kwapayload");
   app.require_subcommand(1);
   app.footer(
-      "Exit status: 0 in order, 1 findings or failure, 2 misuse; compare has its own.\n'kwapayload COMMAND --help' "
-      "shows an example.");
+      "Exit status: 0 in order or alike, 1 findings or different, 2 could not be done or misuse.\n"
+      "'kwapayload COMMAND --help' shows an example.");
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' tells the usage\n";
+    return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' shows the usage\n";
   });
-  kwa::AddCompareCommand(app);
-  kwa::AddContentsCommand(app);
-  kwa::AddPackCommand(app);
-  kwa::AddListCommand(app);
-  kwa::AddExtractCommand(app);
-  kwa::AddVerifyCommand(app);
-  kwa::AddPreviewCommand(app);
-  // An empty value is a script's unset variable: taken for no value, it would silently drop what the option asks for.
+  const std::vector<kwa::Command> commands = {
+      kwa::AddCompareCommand(app), kwa::AddContentsCommand(app), kwa::AddPackCommand(app),    kwa::AddListCommand(app),
+      kwa::AddExtractCommand(app), kwa::AddVerifyCommand(app),   kwa::AddPreviewCommand(app),
+  };
+  // An empty value comes from a script's unset variable. Taken for no value, it would silently drop what the option
+  // asks for.
   const CLI::Validator notEmpty([](std::string& value) { return value.empty() ? "the value is empty" : ""; }, "");
-  for (CLI::App* const command : app.get_subcommands({})) {
-    for (CLI::Option* const option : command->get_options()) {
+  for (const kwa::Command& command : commands) {
+    for (CLI::Option* const option : command.app->get_options()) {
       option->check(notEmpty);
     }
   }
-  // What 1 says there is that the files differ.
-  app.get_subcommand("compare")->preparse_callback([failure](std::size_t) { *failure = kExitMisuse; });
   try {
     app.parse(argc, argv);
-  } catch (const CLI::RuntimeError& error) {
-    return error.get_exit_code();  // a command that ran and has something to say
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? EXIT_SUCCESS : kExitMisuse;
+    return app.exit(error) == 0 ? kwa::kExitInOrder : kwa::kExitFailure;
   }
-  return EXIT_SUCCESS;
+  for (const kwa::Command& command : commands) {
+    if (command.app->parsed()) {
+      return command.run();
+    }
+  }
+  return kwa::kExitFailure;
 }
 
 }  // namespace
@@ -57,22 +53,19 @@ int main(int argc, char** argv) {
   // A file larger than the user's limit is then a failed write, reported and cleaned up like any other.
   std::signal(SIGXFSZ, SIG_IGN);
   kwa::RemoveTemporaryFilesOnSignals();
-  int failure = kExitFailure;
-  int status = 0;
+  int status = kwa::kExitFailure;
   try {
-    status = Run(argc, argv, &failure);
-  } catch (const kwa::ToolFailure& faulty) {
-    for (const kwa::Fault& fault : faulty.Faults()) {
-      std::cerr << "kwapayload: " << fault.file << ": " << fault.what << '\n';
+    status = Run(argc, argv);
+  } catch (const kwa::ToolFailure& failure) {
+    for (const kwa::FileFault& fault : failure.Faults()) {
+      std::cerr << "kwapayload: " << kwa::Escaped(fault.file.string()) << ": " << kwa::Escaped(fault.what) << '\n';
     }
-    status = failure;
   } catch (const std::exception& error) {
     std::cerr << "kwapayload: " << error.what() << '\n';
-    status = failure;
   }
   if (!std::cout.flush()) {
     std::cerr << "kwapayload: standard output: cannot be written\n";
-    status = failure;
+    status = kwa::kExitFailure;
   }
   return status;
 }

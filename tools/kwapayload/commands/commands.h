@@ -1,20 +1,30 @@
 #pragma once
 
+#include <functional>
+
 namespace CLI {
 class App;
 }
 
 namespace kwa {
 
-// Each adds a command to the program. A command throws ToolFailure when it runs and fails, and CLI::RuntimeError with
-// the exit status when it has findings to tell.
+constexpr int kExitInOrder = 0;   // or alike
+constexpr int kExitFindings = 1;  // or different
+constexpr int kExitFailure = 2;   // could not be done, or misuse
 
-void AddCompareCommand(CLI::App& app);
-void AddContentsCommand(CLI::App& app);
-void AddPackCommand(CLI::App& app);
-void AddListCommand(CLI::App& app);
-void AddExtractCommand(CLI::App& app);
-void AddVerifyCommand(CLI::App& app);
-void AddPreviewCommand(CLI::App& app);
+// A command of the program. `run` returns the exit status, and throws ToolFailure when the command could not be done.
+struct Command {
+  CLI::App* app;  // its arguments; owned by the program
+  std::function<int()> run;
+};
+
+// Each adds a command to the program.
+Command AddCompareCommand(CLI::App& program);
+Command AddContentsCommand(CLI::App& program);
+Command AddExtractCommand(CLI::App& program);
+Command AddListCommand(CLI::App& program);
+Command AddPackCommand(CLI::App& program);
+Command AddPreviewCommand(CLI::App& program);
+Command AddVerifyCommand(CLI::App& program);
 
 }  // namespace kwa

@@ -1,7 +1,6 @@
 #include "commands/commands.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdint>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -11,13 +10,11 @@
 #include <vector>
 
 #include "base/ascii_text.h"
-#include "report/escaped_text.h"
-#include "files/mapped_file.h"
-#include "files/output_file.h"
-#include "files/tool_failure.h"
 #include "content/file_kind.h"
-#include "payload/payload_contents.h"
+#include "files/output_file.h"
 #include "files/payload_folder.h"
+#include "files/tool_failure.h"
+#include "payload/payload_contents.h"
 
 namespace kwa {
 namespace {
@@ -27,33 +24,25 @@ struct ContentsOptions {
   std::filesystem::path output;
 };
 
-// All that both folders hold, or ToolFailure with all that is wrong with both.
+// The list of what a payload folder holds, or every fault of both its folders.
 PayloadContents ListContents(const std::filesystem::path& folder) {
   PayloadContents contents;
-  std::vector<Fault> faults;
-  const auto attempt = [&faults](const auto& action) {
+  std::vector<FileFault> faults;
+  std::map<std::string, std::filesystem::path> known;  // by upper-case name
+  for (const char archive : {'A', 'B'}) {
     try {
-      action();
+      const PayloadFolder files(folder / (archive == 'A' ? "a" : "b"), archive);
+      for (const ArchiveItem& item : files.Items()) {
+        const std::filesystem::path path = files.Path() / item.name;
+        if (const auto [other, isNew] = known.emplace(UpperCase(item.name), path); !isNew) {
+          faults.push_back({path, "is the same name for Windows as " + other->second.string()});
+        }
+        contents.push_back({archive, std::string(item.name), static_cast<std::uint32_t>(item.body.Size()),
+                            KindText(ReadFileKind(item.body))});
+      }
     } catch (const ToolFailure& failure) {
       faults.insert(faults.end(), failure.Faults().begin(), failure.Faults().end());
     }
-  };
-  std::map<std::string, std::filesystem::path> known;  // by upper-case name
-  const auto add = [&](char archive, std::uint32_t order, const PayloadFile& file) {
-    if (const auto [other, isNew] = known.emplace(UpperCase(file.name), file.path); !isNew) {
-      throw ToolFailure(file.path, "is to Windows the same name as " + ShownPath(other->second));
-    }
-    const MappedFile body(file.path);
-    contents.push_back({archive, order, file.name, static_cast<std::uint32_t>(file.size), FileKind(body.Bytes())});
-  };
-  for (const char archive : {'A', 'B'}) {
-    attempt([&] {
-      std::uint32_t order = 0;
-      for (const PayloadFile& file : ListPayloadFolder(folder / (archive == 'A' ? "a" : "b"))) {
-        ++order;
-        attempt([&] { add(archive, order, file); });
-      }
-    });
   }
   if (!faults.empty()) {
     throw ToolFailure(std::move(faults));
@@ -61,30 +50,31 @@ PayloadContents ListContents(const std::filesystem::path& folder) {
   return contents;
 }
 
-void RunContents(const ContentsOptions& options) {
+int RunContents(const ContentsOptions& options) {
   const std::string text = ContentsText(ListContents(options.folder));
   if (options.output.empty()) {
     std::cout << text;
-    return;
+  } else {
+    OutputFile output(options.output);
+    output.Write(text);
+    output.Commit();
   }
-  OutputFile output(options.output);
-  output.Write(text);
-  output.Commit();
+  return kExitInOrder;
 }
 
 }  // namespace
 
-void AddContentsCommand(CLI::App& app) {
+Command AddContentsCommand(CLI::App& program) {
   const auto options = std::make_shared<ContentsOptions>();
-  CLI::App* const contents = app.add_subcommand("contents", "Writes the list of what a payload folder holds");
-  contents->add_option("FOLDER", options->folder, "Folder whose a and b hold what the archives shall")->required();
+  CLI::App* const contents = program.add_subcommand("contents", "Writes the list of what a payload folder holds");
+  contents->add_option("FOLDER", options->folder, "Folder whose a and b hold the files of the archives")->required();
   contents->add_option("--output", options->output, "The list; appears complete or not at all (default: printed)");
   contents->footer(
-      "The list is what 'pack' and 'verify' take as --contents, and a build as FOLDER/contents.json.\n"
+      "'pack' and 'verify' take the list as --contents, and a build as FOLDER/contents.json.\n"
       "\n"
       "Example:\n"
       "  kwapayload contents payload --output payload/contents.json");
-  contents->callback([options] { RunContents(*options); });
+  return {contents, [options] { return RunContents(*options); }};
 }
 
 }  // namespace kwa

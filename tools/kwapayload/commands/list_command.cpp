@@ -5,51 +5,49 @@
 #include <iostream>
 #include <memory>
 
-#include "files/mapped_file.h"
+#include "files/installer_input.h"
 #include "report/bill_of_materials.h"
-#include "installer/installer_file.h"
-#include "installer/listing.h"
+#include "report/json_report.h"
+#include "report/list_report.h"
 
 namespace kwa {
 namespace {
 
 struct ListOptions {
   std::filesystem::path file;
-  bool isJson = false;
-  bool isCycloneDx = false;
+  bool asJson = false;
+  bool asCycloneDx = false;
 };
 
-void RunList(const ListOptions& options) {
-  const MappedFile file(options.file);
-  const Listing listing = MakeListing(ReadSoundInstallerFile(file.Bytes(), options.file));
-  if (options.isCycloneDx) {
-    WriteBillOfMaterials(file.Bytes(), options.file.filename().string(), listing, std::cout);
-  } else if (options.isJson) {
-    WriteListingJson(listing, std::cout);
+int RunList(const ListOptions& options) {
+  const InstallerInput input(options.file);
+  const Inspection inspection = Inspect(input.SoundInstaller());
+  if (options.asCycloneDx) {
+    std::cout << BillOfMaterials(options.file.filename().string(), inspection);
   } else {
-    WriteListing(listing, std::cout);
+    std::cout << (options.asJson ? ListJson(inspection) : ListText(inspection));
   }
+  return kExitInOrder;
 }
 
 }  // namespace
 
-void AddListCommand(CLI::App& app) {
+Command AddListCommand(CLI::App& program) {
   const auto options = std::make_shared<ListOptions>();
-  CLI::App* const list = app.add_subcommand("list", "Tells what an installer or a payload archive holds");
+  CLI::App* const list = program.add_subcommand("list", "Shows what an installer or a payload archive holds");
   list->add_option("FILE", options->file, "Installer, signed or not, or payload archive")->required();
-  CLI::Option* const json = list->add_flag("--json", options->isJson, "Writes JSON");
-  list->add_flag("--cyclonedx", options->isCycloneDx, "Writes a bill of materials in CycloneDX 1.6 (JSON)")
+  CLI::Option* const json = list->add_flag("--json", options->asJson, "Writes JSON");
+  list->add_flag("--cyclonedx", options->asCycloneDx, "Writes a bill of materials in CycloneDX 1.6 (JSON)")
       ->excludes(json);
   list->footer(
-      "CATALOG says whether the package's catalog covers a file that it must. A signature is BROKEN where it does not "
-      "fit\n"
-      "what it signs or its certificate; who may be trusted is not judged. Bytes of a name that are not plain text "
-      "show\n"
-      "as \\xHH. --json has more: places and digests.\n"
+      "CATALOG: whether the driver package's catalog covers the file.\n"
+      "A signature is BROKEN where it does not fit what it signs or its certificate; who may\n"
+      "be trusted is not judged. Bytes of a name that are not printable show as \\xHH.\n"
+      "--json has more: places and digests.\n"
       "\n"
       "Example:\n"
       "  kwapayload list kwa_installer.exe");
-  list->callback([options] { RunList(*options); });
+  return {list, [options] { return RunList(*options); }};
 }
 
 }  // namespace kwa

@@ -8,13 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "base/depfile.h"
-#include "report/escaped_text.h"
-#include "files/output_file.h"
-#include "files/tool_failure.h"
+#include "files/contents_input.h"
 #include "files/pack_archive.h"
-#include "payload/payload_contents.h"
 #include "files/payload_folder.h"
+#include "files/tool_failure.h"
+#include "verify/verification.h"
 
 namespace kwa {
 namespace {
@@ -23,58 +21,49 @@ struct PackOptions {
   std::filesystem::path folder;
   std::filesystem::path archive;
   std::filesystem::path contents;
-  std::string archiveLetter;
-  std::filesystem::path depfile;
+  std::string archiveLetter = "-";
 };
 
-void CheckContents(const PackOptions& options, const std::vector<PayloadFile>& files) {
-  const PayloadContents wanted = SelectArchive(ReadPayloadContents(options.contents), options.archiveLetter.front());
-  std::vector<Fault> faults = CompareWithContents(options.folder, files, wanted);
-  if (!faults.empty()) {
+// Throws ToolFailure when the folder does not hold what the list says.
+void CheckContents(const PackOptions& options, const PayloadFolder& files) {
+  Findings findings;
+  VerifyContents(files.Items(), ReadContentsFile(options.contents), options.archiveLetter[0], &findings);
+  std::vector<FileFault> faults;
+  bool isListOld = false;
+  for (const Finding& finding : findings) {
+    faults.push_back({options.folder, finding.where + ": " + finding.what});
+    isListOld = isListOld || finding.code != "missing-file";
+  }
+  if (isListOld) {
     const std::filesystem::path payload = (options.folder / "..").lexically_normal();
-    faults.push_back({ShownPath(options.contents), "does not fit; if the files are right, 'kwapayload contents " +
-                                                       ShownPath(payload) + " --output " +
-                                                       ShownPath(payload / "contents.json") + "' makes a new list"});
+    faults.push_back({options.contents, "does not fit; if the files are right, 'kwapayload contents " +
+                                            payload.string() + " --output " + (payload / "contents.json").string() +
+                                            "' makes a new list"});
+  }
+  if (!faults.empty()) {
     throw ToolFailure(std::move(faults));
   }
 }
 
-void RunPack(const PackOptions& options) {
+int RunPack(const PackOptions& options) {
+  const std::filesystem::path parent = options.archive.has_parent_path() ? options.archive.parent_path() : ".";
   std::error_code ignored;
-  if (std::filesystem::equivalent(
-          options.folder,
-          options.archive.parent_path().empty() ? std::filesystem::path(".") : options.archive.parent_path(),
-          ignored)) {
-    throw ToolFailure(options.archive, "lies in the folder that is to be packed");
+  if (std::filesystem::equivalent(options.folder, parent, ignored)) {
+    throw ToolFailure(options.archive, "is in the folder that is to be packed");
   }
-  const std::vector<PayloadFile> files = ListPayloadFolder(options.folder);
+  const PayloadFolder files(options.folder, options.archiveLetter[0]);
   if (!options.contents.empty()) {
     CheckContents(options, files);
   }
-  OutputFile archive(options.archive);
-  PackArchive(files, options.archive, archive);
-  archive.Close();
-  // The archive last: it stands for a packing that went well in all its parts.
-  if (!options.depfile.empty()) {
-    std::vector<std::filesystem::path> sources;
-    for (const PayloadFile& file : files) {
-      sources.push_back(file.path);
-    }
-    if (!options.contents.empty()) {
-      sources.push_back(options.contents);
-    }
-    OutputFile depfile(options.depfile);
-    depfile.Write(MakeDepfile(options.archive, sources));
-    depfile.Commit();
-  }
-  archive.Commit();
+  PackArchive(files.Items(), options.archive);
+  return kExitInOrder;
 }
 
 }  // namespace
 
-void AddPackCommand(CLI::App& app) {
+Command AddPackCommand(CLI::App& program) {
   const auto options = std::make_shared<PackOptions>();
-  CLI::App* const pack = app.add_subcommand("pack", "Makes a payload archive from the files of a folder");
+  CLI::App* const pack = program.add_subcommand("pack", "Makes a payload archive from the files of a folder");
   pack->add_option("FOLDER", options->folder, "Folder with the files, and nothing else")->required();
   pack->add_option("ARCHIVE", options->archive, "Archive to be written; appears complete or not at all")->required();
   CLI::Option* const contents = pack->add_option("--contents", options->contents,
@@ -83,11 +72,10 @@ void AddPackCommand(CLI::App& app) {
                                   ->check(CLI::IsMember({"A", "B"}));
   contents->needs(letter);
   letter->needs(contents);
-  pack->add_option("--depfile", options->depfile, "Also writes what the archive was made from, in Make's syntax");
   pack->footer(
       "Example:\n"
       "  kwapayload pack payload/a archive_a.kwap --contents payload/contents.json --archive A");
-  pack->callback([options] { RunPack(*options); });
+  return {pack, [options] { return RunPack(*options); }};
 }
 
 }  // namespace kwa

@@ -6,12 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "report/escaped_text.h"
-#include "files/mapped_file.h"
-#include "files/tool_failure.h"
-#include "package/package_identity.h"
-#include "installer/installer_file.h"
+#include "files/installer_input.h"
 #include "installer/preview.h"
+#include "package/driver_package.h"
+#include "report/escaped_text.h"
 
 namespace kwa {
 namespace {
@@ -21,23 +19,25 @@ struct PreviewOptions {
   std::string windows;
 };
 
-void RunPreview(const PreviewOptions& options) {
-  const MappedFile file(options.file);
-  const InstallerFile installer = ReadSoundInstallerFile(file.Bytes(), options.file);
-  const ArchiveItem* const inf = FindInf(installer);
-  // Without an INF the installer writes its configuration all the same, with nothing in it of the package.
-  const PackageIdentity identity = inf != nullptr ? ReadHostPackageIdentity(InfText(inf->body)) : PackageIdentity();
+int RunPreview(const PreviewOptions& options) {
+  const InstallerInput input(options.file);
+  const std::optional<DriverPackage> package = ReadDriverPackage(input.SoundInstaller().items);
+  // Without an INF, the installer writes its configuration with nothing about the package.
+  const PackageIdentity identity = package ? package->identity : PackageIdentity();
   std::cout << PreviewDpinstConfig(identity, options.windows == "xp");
-  if (inf != nullptr && !identity.fault.empty()) {
-    throw ToolFailure(options.file, EscapedText(inf->name) + " " + identity.fault + ": what is printed is a guess");
+  if (!identity.certainty) {
+    std::cerr << "kwapayload: " << Escaped(options.file.string()) << ": " << Escaped(package->inf.name) << ' '
+              << Escaped(identity.certainty.error().what) << ": what is printed is a guess\n";
+    return kExitFindings;
   }
+  return kExitInOrder;
 }
 
 }  // namespace
 
-void AddPreviewCommand(CLI::App& app) {
+Command AddPreviewCommand(CLI::App& program) {
   const auto options = std::make_shared<PreviewOptions>();
-  CLI::App* const preview = app.add_subcommand("preview", "Prints the dpinst.xml that an installer will write");
+  CLI::App* const preview = program.add_subcommand("preview", "Prints the dpinst.xml that an installer will write");
   preview->add_option("FILE", options->file, "Installer, signed or not, or the payload archive with the INF")
       ->required();
   preview
@@ -45,15 +45,13 @@ void AddPreviewCommand(CLI::App& app) {
       ->check(CLI::IsMember({"vista", "xp"}))
       ->default_val("vista");
   preview->footer(
-      "Byte for byte what the installer writes, line ends of Windows included. Where that cannot be known, as the "
-      "INF's\n"
-      "version or display name is not plain text for every Windows, prints what is likely, says so on the error "
-      "stream\n"
-      "and exits with 1.\n"
+      "Byte for byte what the installer writes, line ends of Windows included. Where that\n"
+      "cannot be known, because the INF's version or display name is not plain text for\n"
+      "every Windows, prints what is likely, says so on the error stream and exits with 1.\n"
       "\n"
       "Example:\n"
       "  kwapayload preview kwa_installer.exe --windows xp > dpinst.xml");
-  preview->callback([options] { RunPreview(*options); });
+  return {preview, [options] { return RunPreview(*options); }};
 }
 
 }  // namespace kwa

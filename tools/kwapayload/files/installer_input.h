@@ -7,8 +7,8 @@
 
 namespace kwa {
 
-// The FILE of a command: an installer, signed or not, or a payload archive. Throws ToolFailure when it cannot be read or
-// is neither.
+// The FILE of a command: an installer, signed or not, or a payload archive. Throws ToolFailure when it cannot be read
+// or is neither.
 class InstallerInput {
  public:
   explicit InstallerInput(const std::filesystem::path& filePath);

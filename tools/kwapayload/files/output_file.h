@@ -22,8 +22,8 @@ class OutputFile {
 
   void Write(std::string_view bytes);
 
-  // Closes the temporary file and gives it its name. Fails where a file that is to be kept has that name, also when that
-  // file appeared only after the constructor. Called at most once.
+  // Closes the temporary file and gives it its name. Fails where a file that is to be kept has that name, also when
+  // that file appeared only after the constructor. Called at most once.
   void Commit();
 
  private:

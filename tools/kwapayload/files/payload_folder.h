@@ -14,15 +14,15 @@ namespace kwa {
 // The files of a folder, as the items of the archive that would hold them.
 class PayloadFolder {
  public:
-  // Maps the files. Throws ToolFailure with every fault: what is not a regular file, names that an archive must not hold,
-  // names that Windows takes for one, sizes that the installer cannot read, no file at all.
+  // Maps the files. Throws ToolFailure with every fault: what is not a regular file, names that an archive must not
+  // hold, names that Windows takes for one, sizes that the installer cannot read, no file at all.
   //
   // archive  'A' or 'B', or '-' where it is not known
   PayloadFolder(std::filesystem::path folderPath, char archive);
 
   const std::filesystem::path& Path() const { return path; }
-  // In the order of an archive: ascending bytes of the upper-case names. `position` and `fileOffset` are 0. Valid as long
-  // as this object.
+  // In the order of an archive: ascending bytes of the upper-case names. `position` and `fileOffset` are 0. Valid as
+  // long as this object.
   const std::vector<ArchiveItem>& Items() const { return items; }
 
  private:

@@ -81,6 +81,15 @@ void FindInSections(InstallerFile* installer) {
 
 }  // namespace
 
+void InstallerFile::SetSingleArchive(char letter) {
+  for (ArchivePlace& archive : archives) {
+    archive.letter = letter;
+  }
+  for (ArchiveItem& item : items) {
+    item.archive = letter;
+  }
+}
+
 Result<InstallerFile> ReadInstallerFile(ByteSpan bytes) {
   InstallerFile installer;
   installer.bytes = bytes;

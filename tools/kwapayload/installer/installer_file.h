@@ -31,6 +31,8 @@ struct InstallerFile {
 
   // Whether no archive is missing and none is too many.
   bool IsWhole() const { return archives.size() == (image ? 2U : 1U); }
+  // Says which archive a file with a single one is: 'A' or 'B'.
+  void SetSingleArchive(char letter);
 };
 
 // Reads an installer or archive as far as possible. Fails when the bytes are neither.

@@ -39,8 +39,8 @@ struct DriverPackage {
   std::optional<PackageSetup> setup;  // nothing where it cannot be known what Windows reads of the INF
 };
 
-// The package whose INF the installer takes: of the items whose names end in ".inf" without regard to case, the first by
-// upper-case name, which is the first that the file system lists. Nothing where no item is an INF.
+// The package whose INF the installer takes: of the items whose names end in ".inf" without regard to case, the first
+// by upper-case name, which is the first that the file system lists. Nothing where no item is an INF.
 std::optional<DriverPackage> ReadDriverPackage(const std::vector<ArchiveItem>& items);
 
 // The item with that name, without regard to case as on Windows, or null.

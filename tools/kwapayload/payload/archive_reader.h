@@ -20,7 +20,6 @@ struct ArchiveItem {
   ByteSpan padding;          // the bytes between this body and the next
   std::uint64_t position;    // of the body, in bytes from the archive's first byte
   std::uint64_t fileOffset;  // of the body, in bytes from the area's first byte
-
 };
 
 // A sound archive: the file has all bytes that the entries promise. Names are not judged beyond that, nor is the
@@ -34,8 +33,8 @@ struct ParsedArchive {
 // Bytes of the zero word that follows an archive's last body.
 constexpr std::uint64_t kArchiveTerminatorSize = 4;
 
-// Reads the archive that begins at an offset, or says what first keeps the bytes from being one. `where` of the fault is
-// an entry's name or empty.
+// Reads the archive that begins at an offset, or says what first keeps the bytes from being one. `where` of the fault
+// is an entry's name or empty.
 Result<ParsedArchive> ReadArchive(ByteSpan area, std::uint64_t offset);
 
 // The sound archives of an area (the bytes of a read-only section), in the order of the file. The magic alone, in a

@@ -1,19 +1,16 @@
 #pragma once
 
-#include <iosfwd>
 #include <string>
 
-#include "base/byte_span.h"
-#include "installer/listing.h"
+#include "installer/inspection.h"
 
 namespace kwa {
 
 // A bill of materials of an installer or archive in CycloneDX 1.6 (JSON): the file itself, and each payload file as a
-// component. The same bytes for the same file and name: no time stands in it, and the serial number is made of the
+// component. The same file and name give the same bytes: there is no time in it, and the serial number comes from the
 // rest.
 //
-// file  the bytes that the listing was made from
-// name  of the file, as it is released
-void WriteBillOfMaterials(ByteSpan file, const std::string& name, const Listing& listing, std::ostream& stream);
+// name  of the file, as it is released; raw
+std::string BillOfMaterials(const std::string& name, const Inspection& inspection);
 
 }  // namespace kwa

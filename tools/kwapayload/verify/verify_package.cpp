@@ -74,8 +74,7 @@ void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>
   }
   for (const PackagePlatform& platform : platforms) {
     if (platform.catalogName.empty() && !platform.models.installSections.empty()) {
-      findings->AddError(where,
-                         "[Version] names no CatalogFile for the models of " + PlatformName(platform.platform),
+      findings->AddError(where, "[Version] names no CatalogFile for the models of " + PlatformName(platform.platform),
                          "version-key-missing");
     }
   }
