@@ -37,9 +37,11 @@ constexpr DeviceFamily Family(const char* key, const char* const (&rows)[N]) {
   return Family(key, rows, rows);
 }
 
+}  // namespace
+
 // The order decides for names that hold several keys: "Marlin USB" is of the USB family, "Vireoe QX" not of the Vireo
 // family although it holds that key, too.
-constexpr DeviceFamily kFamilies[] = {
+constexpr DeviceFamily kDeviceFamilies[] = {
     Family("OspreyNET", kOspreyNetRows),
     Family("MADI", kMadiRows),
     Family("USB", kUsbRows),
@@ -48,10 +50,10 @@ constexpr DeviceFamily kFamilies[] = {
     Family("Vireo", kVireoRows, kVireoGermanRows),
 };
 
-}  // namespace
+const unsigned kDeviceFamilyCount = std::size(kDeviceFamilies);
 
 const DeviceFamily* FindDeviceFamily(const char* displayName) {
-  for (const DeviceFamily& family : kFamilies) {
+  for (const DeviceFamily& family : kDeviceFamilies) {
     if (std::strstr(displayName, family.key) != nullptr) {
       return &family;
     }

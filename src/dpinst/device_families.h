@@ -12,6 +12,10 @@ struct DeviceFamily {
   unsigned rowCount;
 };
 
+// All families, in the fixed order of their keys.
+extern const DeviceFamily kDeviceFamilies[];
+extern const unsigned kDeviceFamilyCount;
+
 // The first family, in the fixed order of keys, whose key stands in displayName, or null.
 const DeviceFamily* FindDeviceFamily(const char* displayName);
 

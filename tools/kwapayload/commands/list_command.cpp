@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <string>
 
 #include "files/installer_input.h"
 #include "report/bill_of_materials.h"
@@ -22,10 +23,11 @@ struct ListOptions {
 int RunList(const ListOptions& options) {
   const InstallerInput input(options.file);
   const Inspection inspection = Inspect(input.SoundInstaller());
+  const std::string name = options.file.filename().string();
   if (options.asCycloneDx) {
-    std::cout << BillOfMaterials(options.file.filename().string(), inspection);
+    std::cout << BillOfMaterials(name, inspection);
   } else {
-    std::cout << (options.asJson ? ListJson(inspection) : ListText(inspection));
+    std::cout << (options.asJson ? ListJson(name, inspection) : ListText(name, inspection));
   }
   return kExitInOrder;
 }

@@ -7,14 +7,9 @@
 
 #include "base/ascii_text.h"
 #include "installer/preview.h"
-#include "installer/program_form.h"
 
 namespace kwa {
 namespace {
-
-std::string VersionOf(const InspectedFile& file) {
-  return file.version ? file.version->fileVersion : "";
-}
 
 bool HaveSameSigners(const std::vector<Signature>& before, const std::vector<Signature>& after) {
   return std::equal(before.begin(), before.end(), after.begin(), after.end(),
@@ -23,61 +18,60 @@ bool HaveSameSigners(const std::vector<Signature>& before, const std::vector<Sig
                     });
 }
 
-std::vector<FileField> CompareFiles(const InspectedFile& before, const InspectedFile& after) {
-  std::vector<FileField> fields;
-  const auto add = [&fields](bool isSame, FileField field) {
-    if (!isSame) {
-      fields.push_back(field);
-    }
-  };
-  add(before.item.archive == after.item.archive, FileField::Archive);
-  add(before.item.name == after.item.name, FileField::Name);
-  add(before.item.body.Size() == after.item.body.Size(), FileField::Size);
-  add(VersionOf(before) == VersionOf(after), FileField::Version);
-  add(before.kind == after.kind, FileField::Kind);
-  add(HaveSameSigners(before.trust.signatures, after.trust.signatures), FileField::Signers);
-  add(before.trust.isCovered == after.trust.isCovered, FileField::Coverage);
-  add(!fields.empty() || before.sha256 == after.sha256, FileField::Content);
-  return fields;
+bool AreSame(const InspectedFile& before, const InspectedFile& after) {
+  return before.item.archive == after.item.archive && before.item.name == after.item.name &&
+         before.sha256 == after.sha256 && before.item.padding.Text() == after.item.padding.Text() &&
+         before.trust.isCovered == after.trust.isCovered &&
+         HaveSameSigners(before.trust.signatures, after.trust.signatures);
 }
 
-void CompareFileLists(const Inspection& before, const Inspection& after, Comparison* comparison) {
-  // By the name under which the installer writes them: for Windows, upper and lower case are the same.
-  std::map<std::string, const InspectedFile*> rest;
+void CompareFiles(const Inspection& before, const Inspection& after, Comparison* comparison) {
+  // By the name under which the installer writes them: for Windows, upper and lower case are the same. A damaged file
+  // may have a name more than once.
+  std::map<std::pair<std::string, int>, const InspectedFile*> rest;
+  std::map<std::string, int> times;
   for (const InspectedFile& file : before.files) {
-    rest[UpperCase(file.item.name)] = &file;
+    const std::string name = UpperCase(file.item.name);
+    rest[{name, times[name]++}] = &file;
   }
+  times.clear();
+  std::vector<const InspectedFile*> kept;
   for (const InspectedFile& file : after.files) {
-    const auto found = rest.find(UpperCase(file.item.name));
+    const std::string name = UpperCase(file.item.name);
+    const auto found = rest.find({name, times[name]++});
     if (found == rest.end()) {
       comparison->added.push_back(&file);
       continue;
     }
-    if (std::vector<FileField> fields = CompareFiles(*found->second, file); !fields.empty()) {
-      comparison->changed.push_back({found->second, &file, std::move(fields)});
+    if (!AreSame(*found->second, file)) {
+      comparison->changed.push_back({found->second, &file});
     }
+    kept.push_back(found->second);
     rest.erase(found);
   }
   for (const auto& [name, file] : rest) {
     comparison->removed.push_back(file);
   }
+  comparison->isOrderChanged = !std::is_sorted(kept.begin(), kept.end());  // they are elements of one vector
 }
 
-std::vector<PackageField> ComparePackages(const Inspection& before, const Inspection& after) {
-  const DriverPackage none = {};
-  const DriverPackage& old = before.package ? *before.package : none;
-  const DriverPackage& current = after.package ? *after.package : none;
-  std::vector<PackageField> fields;
-  const auto add = [&fields](bool isSame, PackageField field) {
-    if (!isSame) {
-      fields.push_back(field);
+bool HaveSamePackage(const std::optional<DriverPackage>& before, const std::optional<DriverPackage>& after) {
+  if (!before || !after) {
+    return before.has_value() == after.has_value();
+  }
+  return before->inf.name == after->inf.name && before->identity.version.text == after->identity.version.text &&
+         before->identity.displayName.text == after->identity.displayName.text;
+}
+
+std::vector<std::string> ComparePrograms(const Program& before, const Program& after) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < std::max(before.parts.size(), after.parts.size()); ++i) {
+    const bool isInBoth = i < before.parts.size() && i < after.parts.size();
+    if (!isInBoth || !(before.parts[i] == after.parts[i])) {
+      names.push_back(i < after.parts.size() ? after.parts[i].name : before.parts[i].name);
     }
-  };
-  add(old.inf.name == current.inf.name, PackageField::Inf);
-  add(old.identity.version.text == current.identity.version.text, PackageField::Version);
-  add(old.identity.displayName.text == current.identity.displayName.text, PackageField::DisplayName);
-  add(old.family == current.family, PackageField::Family);
-  return fields;
+  }
+  return names;
 }
 
 std::vector<std::string> ConfigurationLines(const Inspection& inspection) {
@@ -124,33 +118,23 @@ std::vector<ChangedLines> CompareLines(const std::vector<std::string>& before, c
   return runs;
 }
 
-std::vector<std::string> ComparePrograms(const InstallerFile& before, const InstallerFile& after) {
-  const std::vector<ProgramPart> old = ProgramParts(before);
-  const std::vector<ProgramPart> parts = ProgramParts(after);
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < std::max(old.size(), parts.size()); ++i) {
-    if (i >= old.size() || i >= parts.size() || !(old[i] == parts[i])) {
-      names.push_back(i < parts.size() ? parts[i].name : old[i].name);
-    }
-  }
-  return names;
-}
-
 }  // namespace
 
 bool Comparison::IsAlike() const {
-  return removed.empty() && added.empty() && changed.empty() && package.empty() && configuration.empty() &&
-         program.empty();
+  return removed.empty() && added.empty() && changed.empty() && !isOrderChanged && !isPackageChanged &&
+         !areSignersChanged && !areTextsChanged && programParts.empty() && configuration.empty();
 }
 
 Comparison Compare(const Inspection& before, const Inspection& after) {
   Comparison comparison = {};
   comparison.before = &before;
   comparison.after = &after;
-  CompareFileLists(before, after, &comparison);
-  comparison.package = ComparePackages(before, after);
+  CompareFiles(before, after, &comparison);
+  comparison.isPackageChanged = !HaveSamePackage(before.package, after.package);
+  comparison.areSignersChanged = !HaveSameSigners(before.signatures, after.signatures);
+  comparison.areTextsChanged = before.configuration != after.configuration;
+  comparison.programParts = ComparePrograms(before.program, after.program);
   comparison.configuration = CompareLines(ConfigurationLines(before), ConfigurationLines(after));
-  comparison.program = ComparePrograms(before.installer, after.installer);
   return comparison;
 }
 

@@ -8,17 +8,11 @@
 
 namespace kwa {
 
-// What two states of a file can have differently.
-enum class FileField { Archive, Name, Size, Version, Kind, Signers, Coverage, Content };
-
+// Two states of a file that differ.
 struct ChangedFile {
   const InspectedFile* before;
   const InspectedFile* after;
-  std::vector<FileField> fields;  // those that differ; Content only where nothing else does
 };
-
-// What two driver packages can have differently.
-enum class PackageField { Inf, Version, DisplayName, Family };
 
 // A run of lines of the dpinst.xml that differ.
 struct ChangedLines {
@@ -30,17 +24,20 @@ struct ChangedLines {
   }
 };
 
-// All that differs between two installers, or two archives, for somebody who reviews a release. The two
-// inspections own the files.
+// All that differs between two installers, or two archives, for somebody who reviews a release. The two inspections own
+// the files.
 struct Comparison {
   const Inspection* before;
   const Inspection* after;
   std::vector<const InspectedFile*> removed;
   std::vector<const InspectedFile*> added;
   std::vector<ChangedFile> changed;
-  std::vector<PackageField> package;
-  std::vector<ChangedLines> configuration;  // of the dpinst.xml that each writes on Windows Vista and later
-  std::vector<std::string> program;         // the parts of the program around the payload that differ
+  bool isOrderChanged;     // of the files that both have
+  bool isPackageChanged;   // the INF's name, and what the installer reads of it
+  bool areSignersChanged;  // of the installer
+  bool areTextsChanged;    // the wizard's texts, as far as the version records tell them
+  std::vector<std::string> programParts;    // the parts of the program around the payload that differ, raw
+  std::vector<ChangedLines> configuration;  // of the dpinst.xml for Windows Vista and later, with this tool's texts
 
   bool IsAlike() const;
 };

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "installer/preview.h"
+#include "trust/authenticode.h"
 #include "trust/digest.h"
 
 namespace kwa {
@@ -10,7 +12,13 @@ Inspection Inspect(InstallerFile installer) {
   Inspection inspection;
   inspection.installer = std::move(installer);
   const std::vector<ArchiveItem>& items = inspection.installer.items;
-  inspection.version = FileVersionRecord(inspection.installer.bytes);
+  const ByteSpan bytes = inspection.installer.bytes;
+  inspection.sha256 = Sha256Hex(bytes);
+  inspection.version = FileVersionRecord(bytes);
+  FileDigests digests(bytes);
+  inspection.signatures = ReadEmbeddedSignatures(digests);
+  inspection.program = ReadProgram(inspection.installer);
+  inspection.configuration = inspection.version ? inspection.version->Text("Configuration") : "";
   inspection.package = ReadDriverPackage(items);
   inspection.trust = ReadPackageTrust(items, inspection.package);
   for (std::size_t i = 0; i < items.size(); ++i) {
@@ -19,6 +27,10 @@ Inspection Inspect(InstallerFile installer) {
         {items[i], ReadFileKind(body), Sha256Hex(body), FileVersionRecord(body), inspection.trust.files[i]});
   }
   return inspection;
+}
+
+bool HasKnownTexts(const Inspection& inspection) {
+  return !inspection.installer.image || inspection.configuration == KnownConfiguration();
 }
 
 }  // namespace kwa

@@ -6,6 +6,7 @@
 
 #include "content/file_kind.h"
 #include "installer/installer_file.h"
+#include "installer/program.h"
 #include "package/driver_package.h"
 #include "package/package_trust.h"
 #include "pe/version_record.h"
@@ -24,11 +25,20 @@ struct InspectedFile {
 // The facts about an installer or archive. Everything in it points into the file's bytes.
 struct Inspection {
   InstallerFile installer;
-  std::optional<VersionRecord> version;  // of the installer's program
+  std::string sha256;                    // of the whole file
+  std::optional<VersionRecord> version;  // of the installer itself
+  std::vector<Signature> signatures;     // likewise
+  Program program;
+  // The digest of the wizard's texts that the installer writes, as its version record gives it; "" where it does not.
+  std::string configuration;
   std::optional<DriverPackage> package;  // nothing where there is no INF
   PackageTrust trust;
   std::vector<InspectedFile> files;  // one for each item of the installer, in that order
 };
+
+// Whether an installer has the wizard's texts that this program has: only then is a preview what it writes. An archive
+// without an installer around it has no other texts.
+bool HasKnownTexts(const Inspection& inspection);
 
 // installer  a sound one: its findings have no error
 Inspection Inspect(InstallerFile installer);

@@ -6,7 +6,9 @@
 #include <new>
 #include <string_view>
 
+#include "dpinst/device_families.h"
 #include "dpinst/dpinst_document.h"
+#include "trust/digest.h"
 
 namespace kwa {
 namespace {
@@ -41,6 +43,21 @@ std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode
     document += c == '\n' ? std::string_view("\r\n") : std::string_view(&c, 1);
   }
   return document;
+}
+
+std::string KnownConfiguration() {
+  Digest digest("SHA256");
+  const auto add = [&digest](const std::string& displayName) {
+    const PackageIdentity identity = {{"01/02/2003,1.2.3.4", false}, {displayName, false}, {}};
+    for (const bool legacyMode : {false, true}) {
+      digest.Add(ByteSpan(PreviewDpinstConfig(identity, legacyMode)));
+    }
+  };
+  add("");
+  for (unsigned i = 0; i < kDeviceFamilyCount; ++i) {
+    add(kDeviceFamilies[i].key);
+  }
+  return Hex(digest.Bytes());
 }
 
 }  // namespace kwa

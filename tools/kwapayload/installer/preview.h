@@ -12,4 +12,9 @@ namespace kwa {
 // legacyMode  as on Windows before Vista
 std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode);
 
+// The digest (SHA-256, hexadecimal) of what PreviewDpinstConfig gives for a fixed set of packages: one of each device
+// family and one of none, on both kinds of Windows. The build writes it into the installer's version record, so that
+// another build of this program can tell whether its texts are those of an installer.
+std::string KnownConfiguration();
+
 }  // namespace kwa

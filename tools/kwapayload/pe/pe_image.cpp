@@ -20,6 +20,7 @@ constexpr std::uint16_t kOptionalMagic64 = 0x020B;
 
 PeSection ReadSection(ByteSpan file, ByteSpan header) {
   PeSection section = {};
+  section.headerOffset = static_cast<std::uint64_t>(header.Data() - file.Data());
   section.name = header.TextAt(0, 8);
   section.virtualSize = header.U32(8);
   section.virtualAddress = header.U32(12);

@@ -22,7 +22,7 @@ const char* ComponentType(const FileKind& kind) {
                                                           : "application";
 }
 
-// The redistributable program has these two names, and some editions of it have no version record.
+// The redistributable program has these two names. Whose it is, only its signature tells.
 bool IsDpinst(std::string_view name) {
   return IsSameText(name, "dpinst.exe") || IsSameText(name, "dpinst64.exe");
 }
@@ -46,18 +46,34 @@ std::string CompanyName(const std::optional<VersionRecord>& version) {
   return version ? version->Text("CompanyName") : "";
 }
 
-ordered_json FileComponent(const InspectedFile& file) {
-  ordered_json component = {{"type", ComponentType(file.kind)}, {"name", Escaped(file.item.name)}};
-  const std::string company = CompanyName(file.version);
-  AddFacts(file.version, company.empty() && IsDpinst(file.item.name) ? "Microsoft Corporation" : company, file.sha256,
-           &component);
-  ordered_json properties = ordered_json::array();
-  for (const FileField field : {FileField::Archive, FileField::Size, FileField::Kind, FileField::Signers}) {
-    if (const std::string value = FieldText(field, file); !value.empty()) {
-      properties.push_back({{"name", std::string("kwapayload:") + FieldName(field)}, {"value", value}});
+ordered_json Property(const char* name, const std::string& value) {
+  return {{"name", std::string("kwapayload:") + name}, {"value", value}};
+}
+
+void AddSigners(const std::vector<Signature>& signatures, ordered_json* properties) {
+  if (!signatures.empty()) {
+    properties->push_back(Property("signer", SignersText(signatures)));
+  }
+}
+
+std::string SupplierBySignature(const InspectedFile& file) {
+  constexpr std::string_view kMicrosoft = "Microsoft ";
+  for (const Signature& signature : file.trust.signatures) {
+    if (signature.check && signature.signer.compare(0, kMicrosoft.size(), kMicrosoft) == 0) {
+      return "Microsoft Corporation";
     }
   }
-  component["properties"] = properties;
+  return "";
+}
+
+ordered_json FileComponent(const InspectedFile& file) {
+  ordered_json component = {{"type", ComponentType(file.kind)}, {"name", Escaped(file.item.name)}};
+  AddFacts(file.version, IsDpinst(file.item.name) ? SupplierBySignature(file) : CompanyName(file.version), file.sha256,
+           &component);
+  component["properties"] = {Property("archive", std::string(1, file.item.archive)),
+                             Property("size", std::to_string(file.item.body.Size())),
+                             Property("kind", KindText(file.kind))};
+  AddSigners(file.trust.signatures, &component["properties"]);
   return component;
 }
 
@@ -73,7 +89,11 @@ std::string UuidFrom(std::string digest) {
 
 std::string BillOfMaterials(const std::string& name, const Inspection& inspection) {
   ordered_json installer = {{"type", inspection.installer.image ? "application" : "file"}, {"name", Escaped(name)}};
-  AddFacts(inspection.version, CompanyName(inspection.version), Sha256Hex(inspection.installer.bytes), &installer);
+  AddFacts(inspection.version, CompanyName(inspection.version), inspection.sha256, &installer);
+  if (inspection.installer.image) {
+    installer["properties"] = {Property("fingerprint", inspection.program.fingerprint)};
+    AddSigners(inspection.signatures, &installer["properties"]);
+  }
   ordered_json components = ordered_json::array();
   for (const InspectedFile& file : inspection.files) {
     components.push_back(FileComponent(file));

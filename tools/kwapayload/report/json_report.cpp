@@ -61,7 +61,7 @@ ordered_json FileJson(const InspectedFile& file, const PackageTrust& trust) {
           {"description", TextOrNull(version ? version->Text("FileDescription") : "")},
           {"company", TextOrNull(version ? version->Text("CompanyName") : "")},
           {"sha256", file.sha256},
-          {"signature", SignaturesJson(file.trust.signatures)},
+          {"signatures", SignaturesJson(file.trust.signatures)},
           {"inCatalog", file.trust.isCovered ? ordered_json(*file.trust.isCovered) : ordered_json()},
           {"catalog", CatalogJson(trust.CatalogOf(file.item))}};
 }
@@ -90,9 +90,13 @@ ordered_json PackageJson(const Inspection& inspection) {
           {"germanDevices", devices(true)}};
 }
 
-ordered_json ChangeJson(const char* what, const std::string& before, const std::string& after) {
+ordered_json ChangesJson(const std::vector<Change>& changes) {
   const auto text = [](const std::string& escaped) { return escaped.empty() ? ordered_json() : ordered_json(escaped); };
-  return {{"what", what}, {"before", text(before)}, {"after", text(after)}};
+  ordered_json list = ordered_json::array();
+  for (const Change& change : changes) {
+    list.push_back({{"what", change.what}, {"before", text(change.before)}, {"after", text(change.after)}});
+  }
+  return list;
 }
 
 std::vector<std::string> EscapedLines(const std::vector<std::string>& lines) {
@@ -105,31 +109,32 @@ std::vector<std::string> EscapedLines(const std::vector<std::string>& lines) {
 
 }  // namespace
 
-std::string ListJson(const Inspection& inspection) {
-  const std::optional<PeImage>& image = inspection.installer.image;
-  ordered_json files = ordered_json::array();
-  for (const InspectedFile& file : inspection.files) {
-    files.push_back(FileJson(file, inspection.trust));
+std::string ListJson(const std::string& file, const Inspection& inspection) {
+  const bool isInstaller = inspection.installer.image.has_value();
+  ordered_json program;
+  if (isInstaller) {
+    program = {{"fingerprint", inspection.program.fingerprint},
+               {"configuration", TextOrNull(inspection.configuration)},
+               {"textsKnown", HasKnownTexts(inspection)}};
   }
-  return Dumped({{"installer", image.has_value()},
-                 {"signed", image.has_value() && !image->CertificateTable().Empty()},
-                 {"files", files},
-                 {"package", PackageJson(inspection)}});
+  ordered_json files = ordered_json::array();
+  for (const InspectedFile& carried : inspection.files) {
+    files.push_back(FileJson(carried, inspection.trust));
+  }
+  return Dumped(
+      {{"file", {{"name", Escaped(file)}, {"size", inspection.installer.bytes.Size()}, {"sha256", inspection.sha256}}},
+       {"installer", isInstaller},
+       {"version", TextOrNull(VersionText(inspection.version))},
+       {"program", program},
+       {"signatures", SignaturesJson(inspection.signatures)},
+       {"files", files},
+       {"package", PackageJson(inspection)}});
 }
 
 std::string CompareJson(const Comparison& comparison) {
   ordered_json changed = ordered_json::array();
   for (const ChangedFile& file : comparison.changed) {
-    ordered_json changes = ordered_json::array();
-    for (const FileField field : file.fields) {
-      changes.push_back(ChangeJson(FieldName(field), FieldText(field, *file.before), FieldText(field, *file.after)));
-    }
-    changed.push_back({{"name", Escaped(file.after->item.name)}, {"changes", changes}});
-  }
-  ordered_json package = ordered_json::array();
-  for (const PackageField field : comparison.package) {
-    package.push_back(
-        ChangeJson(FieldName(field), FieldText(field, *comparison.before), FieldText(field, *comparison.after)));
+    changed.push_back({{"name", Escaped(file.after->item.name)}, {"changes", ChangesJson(FileChanges(file))}});
   }
   ordered_json configuration = ordered_json::array();
   for (const ChangedLines& lines : comparison.configuration) {
@@ -139,9 +144,11 @@ std::string CompareJson(const Comparison& comparison) {
                  {"removed", FilesJson(comparison.removed, comparison.before->trust)},
                  {"added", FilesJson(comparison.added, comparison.after->trust)},
                  {"changed", changed},
-                 {"package", package},
-                 {"configuration", configuration},
-                 {"program", EscapedLines(comparison.program)}});
+                 {"orderChanged", comparison.isOrderChanged},
+                 {"package", ChangesJson(PackageChanges(comparison))},
+                 {"installer", ChangesJson(InstallerChanges(comparison))},
+                 {"programParts", EscapedLines(comparison.programParts)},
+                 {"configuration", configuration}});
 }
 
 std::string VerifyJson(const std::string& file, const Findings& findings) {

@@ -9,11 +9,12 @@
 
 namespace kwa {
 
-std::string ListJson(const Inspection& inspection);
+// file  the name of the file, raw
+std::string ListJson(const std::string& file, const Inspection& inspection);
 
 std::string CompareJson(const Comparison& comparison);
 
-// file  the name under which the file was given, raw
+// file  likewise
 std::string VerifyJson(const std::string& file, const Findings& findings);
 
 }  // namespace kwa

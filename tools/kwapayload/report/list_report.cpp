@@ -74,32 +74,44 @@ std::string PackageText(const Inspection& inspection) {
     return Line("Package:", "none, there is no INF");
   }
   const DriverPackage& package = *inspection.package;
-  std::string text = Line("Package:", FieldText(PackageField::Inf, inspection)) +
-                     Line("Version:", FieldText(PackageField::Version, inspection)) +
-                     Line("Display name:", FieldText(PackageField::DisplayName, inspection));
+  // The installer's families and device names are among its texts.
+  const char* const doubt = HasKnownTexts(inspection) ? "" : " (a guess: the installer has other texts than this tool)";
+  std::string text = Line("Package:", Escaped(package.inf.name)) +
+                     Line("Version:", Escaped(package.identity.version.text)) +
+                     Line("Display name:", Escaped(package.identity.displayName.text));
   if (package.family == nullptr) {
-    return text + Line("Family:", "none") + Line("Devices:", "");
+    return text + Line("Family:", std::string("none") + doubt);
   }
   const std::vector<std::string> devices = DeviceNames(*package.family, false);
   const std::vector<std::string> germanDevices = DeviceNames(*package.family, true);
-  text += Line("Family:", package.family->key) + Line("Devices:", Joined(devices));
-  return text + (germanDevices != devices ? Line("Devices (German):", Joined(germanDevices)) : "");
+  text += Line("Family:", package.family->key + std::string(doubt)) + Line("Devices:", Joined(devices) + doubt);
+  return text + (germanDevices != devices ? Line("Devices (German):", Joined(germanDevices) + doubt) : "");
+}
+
+// The file itself, and the program around the payload.
+std::string InstallerText(const std::string& file, const Inspection& inspection) {
+  std::string text = Line("File:", Escaped(file)) + Line("SHA-256:", inspection.sha256);
+  if (!inspection.installer.image) {
+    return text;
+  }
+  text += Line("Installer version:", inspection.version ? VersionText(inspection.version) : "none") +
+          Line("Program:", inspection.program.fingerprint + " (its fingerprint)");
+  for (const Signature& signature : inspection.signatures) {
+    text += Line("Signed by:", SignatureText(signature));
+  }
+  return text + (inspection.signatures.empty() ? Line("Signed by:", "nobody") : "");
 }
 
 }  // namespace
 
-std::string ListText(const Inspection& inspection) {
+std::string ListText(const std::string& file, const Inspection& inspection) {
   std::vector<Row> rows = {{"ARCHIVE", "NAME", "SIZE", "VERSION", "CATALOG", "KIND"}};
-  for (const InspectedFile& file : inspection.files) {
-    rows.push_back({FieldText(FileField::Archive, file), FieldText(FileField::Name, file),
-                    FieldText(FileField::Size, file), FieldText(FileField::Version, file), CoverageText(file),
-                    KindText(file.kind)});
+  for (const InspectedFile& carried : inspection.files) {
+    rows.push_back({std::string(1, carried.item.archive), Escaped(carried.item.name),
+                    std::to_string(carried.item.body.Size()), VersionText(carried.version), CoverageText(carried),
+                    KindText(carried.kind)});
   }
-  std::string text = TableText(rows) + '\n' + TrustText(inspection);
-  if (const std::optional<PeImage>& image = inspection.installer.image) {
-    text += Line("Signature:", image->CertificateTable().Empty() ? "none" : "there is one, not checked");
-  }
-  return text + PackageText(inspection);
+  return TableText(rows) + '\n' + InstallerText(file, inspection) + TrustText(inspection) + PackageText(inspection);
 }
 
 }  // namespace kwa

@@ -6,7 +6,9 @@
 
 namespace kwa {
 
-// For people: a table of the files, the signatures, then the package.
-std::string ListText(const Inspection& inspection);
+// For people: a table of the files, then the installer, the signatures and the package.
+//
+// file  the name of the file, raw
+std::string ListText(const std::string& file, const Inspection& inspection);
 
 }  // namespace kwa

@@ -1,6 +1,7 @@
 #include "report/text_report.h"
 
 #include <map>
+#include <string_view>
 #include <utility>
 
 #include "report/escaped_text.h"
@@ -9,40 +10,50 @@
 namespace kwa {
 namespace {
 
-std::string ChangeText(const char* what, const std::string& before, const std::string& after) {
+std::string SignersOrNone(const std::vector<Signature>& signatures) {
+  return signatures.empty() ? "none" : SignersText(signatures);
+}
+
+std::string ChangesText(const std::vector<Change>& changes) {
   const auto shown = [](const std::string& text) { return text.empty() ? "none" : text; };
-  return std::string(what) + " " + shown(before) + " -> " + shown(after);
+  std::vector<std::string> texts;
+  for (const Change& change : changes) {
+    texts.push_back(std::string(change.what) + " " + shown(change.before) + " -> " + shown(change.after));
+  }
+  return Joined(texts, "; ");
 }
 
 std::string FilesText(const char* what, const std::vector<const InspectedFile*>& files) {
   std::string text;
   for (const InspectedFile* const file : files) {
-    text += what + FieldText(FileField::Name, *file) + ": archive " + file->item.archive + ", " +
-            FieldText(FileField::Size, *file) + " bytes, " + KindText(file->kind) +
+    text += what + Escaped(file->item.name) + ": archive " + file->item.archive + ", " +
+            std::to_string(file->item.body.Size()) + " bytes, " + KindText(file->kind) +
             (file->version ? ", version " + VersionText(file->version) : "") + '\n';
   }
   return text;
 }
 
 std::string ChangedFileText(const ChangedFile& file) {
-  std::string changes;
-  for (const FileField field : file.fields) {
-    changes += changes.empty() ? "" : "; ";
-    // Nobody reads digests.
-    changes += field == FileField::Content
-                   ? "content alone"
-                   : ChangeText(FieldName(field), FieldText(field, *file.before), FieldText(field, *file.after));
-  }
-  return "changed: " + FieldText(FileField::Name, *file.after) + ": " + changes + '\n';
+  const std::vector<Change> changes = FileChanges(file);
+  // Nobody reads digests.
+  const bool isContentAlone = changes.front().what == std::string_view("content");
+  return "changed: " + Escaped(file.after->item.name) + ": " +
+         (isContentAlone ? "content alone" : ChangesText(changes)) + '\n';
 }
 
-std::string PackageText(const Comparison& comparison) {
-  std::string changes;
-  for (const PackageField field : comparison.package) {
-    changes += (changes.empty() ? "package: " : "; ") +
-               ChangeText(FieldName(field), FieldText(field, *comparison.before), FieldText(field, *comparison.after));
+std::string InstallerText(const Comparison& comparison) {
+  std::string text;
+  if (!comparison.programParts.empty()) {
+    text += "program: not the same in " + Escaped(Joined(comparison.programParts)) + '\n';
   }
-  return changes + (changes.empty() ? "" : "\n");
+  if (comparison.areTextsChanged) {
+    text += "texts: not the same wizard texts; what is said of dpinst.xml is a guess\n";
+  }
+  if (comparison.areSignersChanged) {
+    text += "signature: " + SignersOrNone(comparison.before->signatures) + " -> " +
+            SignersOrNone(comparison.after->signatures) + '\n';
+  }
+  return text;
 }
 
 std::string ConfigurationText(const Comparison& comparison) {
@@ -71,15 +82,18 @@ std::string ConfigurationText(const Comparison& comparison) {
 }  // namespace
 
 std::string CompareText(const Comparison& comparison) {
-  std::string text = FilesText("removed: ", comparison.removed) + FilesText("added: ", comparison.added);
+  std::string text =
+      InstallerText(comparison) + FilesText("removed: ", comparison.removed) + FilesText("added: ", comparison.added);
   for (const ChangedFile& file : comparison.changed) {
     text += ChangedFileText(file);
   }
-  text += PackageText(comparison) + ConfigurationText(comparison);
-  if (!comparison.program.empty()) {
-    text += "program: not the same in " + Escaped(Joined(comparison.program)) + '\n';
+  if (comparison.isOrderChanged) {
+    text += "order: the files have another order\n";
   }
-  return text;
+  if (comparison.isPackageChanged) {
+    text += "package: " + ChangesText(PackageChanges(comparison)) + '\n';
+  }
+  return text + ConfigurationText(comparison);
 }
 
 std::string VerifyText(const std::string& file, const Findings& findings) {

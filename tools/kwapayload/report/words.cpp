@@ -1,8 +1,18 @@
 #include "report/words.h"
 
 #include "report/escaped_text.h"
+#include "trust/digest.h"
 
 namespace kwa {
+namespace {
+
+void Add(const char* what, const std::string& before, const std::string& after, std::vector<Change>* changes) {
+  if (before != after) {
+    changes->push_back({what, before, after});
+  }
+}
+
+}  // namespace
 
 const char* SeverityWord(Severity severity) {
   return severity == Severity::Error ? "error" : "warning";
@@ -44,86 +54,58 @@ std::vector<std::string> DeviceNames(const DeviceFamily& family, bool isGerman) 
   return names;
 }
 
-const char* FieldName(FileField field) {
-  switch (field) {
-    case FileField::Archive:
-      return "archive";
-    case FileField::Name:
-      return "name";
-    case FileField::Size:
-      return "size";
-    case FileField::Version:
-      return "version";
-    case FileField::Kind:
-      return "kind";
-    case FileField::Signers:
-      return "signer";
-    case FileField::Coverage:
-      return "in the catalog";
-    case FileField::Content:
-      return "content";
+std::vector<Change> FileChanges(const ChangedFile& file) {
+  const InspectedFile& before = *file.before;
+  const InspectedFile& after = *file.after;
+  std::vector<Change> changes;
+  Add("archive", {before.item.archive}, {after.item.archive}, &changes);
+  Add("name", Escaped(before.item.name), Escaped(after.item.name), &changes);
+  Add("size", std::to_string(before.item.body.Size()), std::to_string(after.item.body.Size()), &changes);
+  Add("version", VersionText(before.version), VersionText(after.version), &changes);
+  Add("kind", KindText(before.kind), KindText(after.kind), &changes);
+  Add("signer", SignersText(before.trust.signatures), SignersText(after.trust.signatures), &changes);
+  Add("in the catalog", CoverageText(before), CoverageText(after), &changes);
+  Add("padding", Hex(std::string(before.item.padding.Text())), Hex(std::string(after.item.padding.Text())), &changes);
+  if (changes.empty()) {
+    Add("content", before.sha256, after.sha256, &changes);
   }
-  return "";
+  return changes;
 }
 
-const char* FieldName(PackageField field) {
-  switch (field) {
-    case PackageField::Inf:
-      return "INF";
-    case PackageField::Version:
-      return "version";
-    case PackageField::DisplayName:
-      return "display name";
-    case PackageField::Family:
-      return "family";
-  }
-  return "";
+std::vector<Change> PackageChanges(const Comparison& comparison) {
+  struct Facts {
+    std::string inf, version, displayName, family;
+  };
+  const auto read = [](const std::optional<DriverPackage>& package) {
+    return !package ? Facts()
+                    : Facts{Escaped(package->inf.name), Escaped(package->identity.version.text),
+                            Escaped(package->identity.displayName.text),
+                            package->family != nullptr ? package->family->key : ""};
+  };
+  const Facts before = read(comparison.before->package);
+  const Facts after = read(comparison.after->package);
+  std::vector<Change> changes;
+  Add("INF", before.inf, after.inf, &changes);
+  Add("version", before.version, after.version, &changes);
+  Add("display name", before.displayName, after.displayName, &changes);
+  Add("family", before.family, after.family, &changes);
+  return changes;
 }
 
-std::string FieldText(FileField field, const InspectedFile& file) {
-  switch (field) {
-    case FileField::Archive:
-      return {file.item.archive};
-    case FileField::Name:
-      return Escaped(file.item.name);
-    case FileField::Size:
-      return std::to_string(file.item.body.Size());
-    case FileField::Version:
-      return VersionText(file.version);
-    case FileField::Kind:
-      return KindText(file.kind);
-    case FileField::Signers:
-      return SignersText(file.trust.signatures);
-    case FileField::Coverage:
-      return CoverageText(file);
-    case FileField::Content:
-      return file.sha256;
-  }
-  return "";
+std::vector<Change> InstallerChanges(const Comparison& comparison) {
+  const Inspection& before = *comparison.before;
+  const Inspection& after = *comparison.after;
+  std::vector<Change> changes;
+  Add("fingerprint", before.program.fingerprint, after.program.fingerprint, &changes);
+  Add("texts", Escaped(before.configuration), Escaped(after.configuration), &changes);
+  Add("signature", SignersText(before.signatures), SignersText(after.signatures), &changes);
+  return changes;
 }
 
-std::string FieldText(PackageField field, const Inspection& inspection) {
-  if (!inspection.package) {
-    return "";
-  }
-  const DriverPackage& package = *inspection.package;
-  switch (field) {
-    case PackageField::Inf:
-      return Escaped(package.inf.name);
-    case PackageField::Version:
-      return Escaped(package.identity.version.text);
-    case PackageField::DisplayName:
-      return Escaped(package.identity.displayName.text);
-    case PackageField::Family:
-      return package.family != nullptr ? package.family->key : "";
-  }
-  return "";
-}
-
-std::string Joined(const std::vector<std::string>& texts) {
+std::string Joined(const std::vector<std::string>& texts, const char* separator) {
   std::string joined;
   for (const std::string& text : texts) {
-    joined += (&text == &texts.front() ? "" : ", ") + text;
+    joined += (&text == &texts.front() ? "" : separator) + text;
   }
   return joined;
 }

@@ -21,19 +21,27 @@ std::string SignatureText(const Signature& signature);
 // "yes", "NO", or "" where no catalog has to cover the file or can be read.
 std::string CoverageText(const InspectedFile& file);
 
-// The version of a file's version record, such as "1.0.42.0".
+// The version of a version record, such as "1.0.42.0".
 std::string VersionText(const std::optional<VersionRecord>& version);
 
 // The names that the wizard shows for a device family, without the line feeds.
 std::vector<std::string> DeviceNames(const DeviceFamily& family, bool isGerman);
 
-// The names of a comparison's fields, and what one state of a file or package has for them.
-const char* FieldName(FileField field);
-const char* FieldName(PackageField field);
-std::string FieldText(FileField field, const InspectedFile& file);
-std::string FieldText(PackageField field, const Inspection& inspection);
+// A fact that differs.
+struct Change {
+  const char* what;
+  std::string before;
+  std::string after;
+};
+
+// What differs between two states of a file. The content is told only where nothing else differs.
+std::vector<Change> FileChanges(const ChangedFile& file);
+// What differs in what the installer reads of the package.
+std::vector<Change> PackageChanges(const Comparison& comparison);
+// What differs in the installer around the payload.
+std::vector<Change> InstallerChanges(const Comparison& comparison);
 
 // "one, two, three".
-std::string Joined(const std::vector<std::string>& texts);
+std::string Joined(const std::vector<std::string>& texts, const char* separator = ", ");
 
 }  // namespace kwa

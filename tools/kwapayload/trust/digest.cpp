@@ -37,14 +37,18 @@ std::string DigestOf(ByteSpan bytes, const std::string& algorithm) {
   return digest.Bytes();
 }
 
-std::string Sha256Hex(ByteSpan bytes) {
+std::string Hex(const std::string& bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string text;
-  for (const char byte : DigestOf(bytes, "SHA256")) {
+  for (const char byte : bytes) {
     text += kDigits[static_cast<unsigned char>(byte) / 16];
     text += kDigits[static_cast<unsigned char>(byte) % 16];
   }
   return text;
+}
+
+std::string Sha256Hex(ByteSpan bytes) {
+  return Hex(DigestOf(bytes, "SHA256"));
 }
 
 }  // namespace kwa

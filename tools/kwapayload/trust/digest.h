@@ -26,6 +26,9 @@ class Digest {
 // The digest of bytes that are all there.
 std::string DigestOf(ByteSpan bytes, const std::string& algorithm);
 
+// Bytes as lower-case hexadecimal digits.
+std::string Hex(const std::string& bytes);
+
 // The SHA-256 digest in lower-case hexadecimal digits.
 std::string Sha256Hex(ByteSpan bytes);
 

@@ -1,0 +1,196 @@
+#include "installer/program.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "trust/digest.h"
+
+namespace kwa {
+namespace {
+
+// Bytes of the file that do not count.
+struct Gap {
+  std::uint64_t begin;  // in the file
+  std::uint64_t end;
+  char kind;  // an archive's letter for the archive or its address; otherwise ' ', or 'S' for a signature
+};
+
+// The linker leaves two addresses of archives in the program. A file with very many of them is made to cost time.
+constexpr std::size_t kMaxAddresses = 1024;
+
+const PeSection* FindPayloadSection(const PeImage& image) {
+  const auto found = std::find_if(image.sections.begin(), image.sections.end(),
+                                  [](const PeSection& section) { return section.name == ".payload"; });
+  return found == image.sections.end() ? nullptr : &*found;
+}
+
+void AddGap(std::uint64_t offset, std::uint64_t size, char kind, std::vector<Gap>* gaps) {
+  gaps->push_back({offset, offset + size, kind});
+}
+
+void FindHeaderGaps(const PeImage& image, const PeSection* payload, std::vector<Gap>* gaps) {
+  const std::uint64_t optionalHeader = std::uint64_t{image.headerOffset} + 24;
+  const std::uint64_t directories = optionalHeader + (image.isPlus ? 112 : 96);
+  AddGap(optionalHeader + 64, 4, ' ', gaps);  // CheckSum
+  if (image.directories.size() > kPeSecurityDirectory) {
+    AddGap(directories + kPeSecurityDirectory * 8, 8, ' ', gaps);
+  }
+  if (payload != nullptr) {
+    AddGap(optionalHeader + 8, 4, ' ', gaps);          // SizeOfInitializedData
+    AddGap(optionalHeader + 56, 4, ' ', gaps);         // SizeOfImage
+    AddGap(payload->headerOffset + 8, 4, ' ', gaps);   // VirtualSize
+    AddGap(payload->headerOffset + 16, 4, ' ', gaps);  // SizeOfRawData
+  }
+}
+
+// The archives are left out, and so are the zeros after the last of them, which fill the section's last page. All else
+// in the section counts.
+void FindArchiveGaps(const InstallerFile& installer, const PeSection& payload, std::vector<Gap>* gaps) {
+  const std::uint64_t end = payload.fileOffset + payload.bytes.Size();
+  std::uint64_t last = payload.fileOffset;
+  for (const ArchivePlace& archive : installer.archives) {
+    if (archive.fileOffset >= payload.fileOffset && archive.fileOffset < end) {
+      last = archive.fileOffset + archive.size;
+      AddGap(archive.fileOffset, archive.size, archive.letter, gaps);
+    }
+  }
+  const ByteSpan rest = installer.bytes.Part(last, end - last);
+  if (IsZeroFilled(rest)) {
+    AddGap(last, rest.Size(), ' ', gaps);
+  }
+}
+
+void FindAddressGaps(const InstallerFile& installer, const PeSection& payload, std::vector<Gap>* gaps) {
+  constexpr std::uint32_t kBlockHeaderSize = 8;
+  constexpr unsigned kHighLow = 3;
+  const PeImage& image = *installer.image;
+  const PeDirectory directory = image.Directory(kPeBaseRelocationDirectory);
+  const ByteSpan table = image.At(directory.address).Part(0, directory.size);
+  std::vector<Gap> addresses;
+  for (std::uint64_t block = 0; table.U32(block + 4) >= kBlockHeaderSize; block += table.U32(block + 4)) {
+    const ByteSpan page = image.At(table.U32(block));
+    const ByteSpan entries = table.Part(block, table.U32(block + 4)).From(kBlockHeaderSize);
+    for (std::uint64_t i = 0; entries.Contains(i, 2); i += 2) {
+      const ByteSpan word = page.Part(entries.U16(i) & 0xFFFU, 4);
+      const std::uint64_t place = word.U32(0) - image.imageBase - payload.virtualAddress + payload.fileOffset;
+      for (const ArchivePlace& archive : installer.archives) {
+        if (entries.U16(i) >> 12 == kHighLow && word.Size() == 4 && archive.fileOffset == place) {
+          AddGap(static_cast<std::uint64_t>(word.Data() - installer.bytes.Data()), 4, archive.letter, &addresses);
+        }
+      }
+      if (addresses.size() > kMaxAddresses) {
+        return;
+      }
+    }
+  }
+  gaps->insert(gaps->end(), addresses.begin(), addresses.end());
+}
+
+// A signature ends the file. It begins on a multiple of 8 after zeros.
+void FindSignatureGap(const PeImage& image, std::vector<Gap>* gaps) {
+  const ByteSpan table = image.CertificateTable();
+  std::uint64_t begin = image.file.Size() - table.Size();
+  if (table.Empty() || table.Data() + table.Size() != image.file.end()) {
+    return;
+  }
+  std::uint64_t end = 0;  // of the last section
+  for (const PeSection& section : image.sections) {
+    end = std::max(end, std::uint64_t{section.fileOffset} + section.bytes.Size());
+  }
+  if (begin >= end && begin - end < 8 && IsZeroFilled(image.file.Part(end, begin - end))) {
+    begin = end;
+  }
+  AddGap(begin, image.file.Size() - begin, 'S', gaps);
+}
+
+// Where a part begins, and its name.
+using PartBegin = std::pair<std::uint64_t, std::string>;
+
+std::vector<PartBegin> PartBegins(const PeImage& image) {
+  std::vector<PartBegin> begins = {{0, "headers"}};
+  std::uint64_t end = 0;
+  for (const PeSection& section : image.sections) {
+    if (!section.bytes.Empty()) {
+      begins.emplace_back(section.fileOffset, section.name);
+      end = std::max(end, std::uint64_t{section.fileOffset} + section.bytes.Size());
+    }
+  }
+  begins.emplace_back(end, "the bytes after the last section");
+  std::stable_sort(begins.begin(), begins.end(),
+                   [](const PartBegin& left, const PartBegin& right) { return left.first < right.first; });
+  return begins;
+}
+
+// The digest of a part of the file without its gaps. Moves *next to the first gap after the part.
+std::string PartDigest(ByteSpan file, std::uint64_t begin, std::uint64_t end, const std::vector<Gap>& gaps,
+                       std::size_t* next) {
+  Digest digest("SHA256");
+  for (; *next < gaps.size() && gaps[*next].begin < end; ++*next) {
+    const Gap& gap = gaps[*next];
+    digest.Add(file.Part(begin, gap.begin - std::min(begin, gap.begin)));
+    begin = std::max(begin, gap.end);
+  }
+  digest.Add(file.Part(begin, end - std::min(begin, end)));
+  return Hex(digest.Bytes());
+}
+
+// The places of the gaps, as the number of bytes between them. Without them, two programs whose gaps are in different
+// places could have the same bytes left.
+std::string PlacesDigest(const std::vector<Gap>& gaps) {
+  std::string places;
+  std::uint64_t end = 0;
+  for (const Gap& gap : gaps) {
+    places += gap.kind == 'S' ? "" : std::to_string(gap.begin - end) + gap.kind;
+    end = gap.end;
+  }
+  return Sha256Hex(ByteSpan(places));
+}
+
+std::vector<Gap> FindGaps(const InstallerFile& installer) {
+  const PeImage& image = *installer.image;
+  const PeSection* const payload = FindPayloadSection(image);
+  std::vector<Gap> gaps;
+  FindHeaderGaps(image, payload, &gaps);
+  if (payload != nullptr) {
+    FindArchiveGaps(installer, *payload, &gaps);
+    FindAddressGaps(installer, *payload, &gaps);
+  }
+  FindSignatureGap(image, &gaps);
+  std::sort(gaps.begin(), gaps.end(), [](const Gap& left, const Gap& right) { return left.begin < right.begin; });
+  const auto overlap = std::adjacent_find(gaps.begin(), gaps.end(),
+                                          [](const Gap& left, const Gap& right) { return left.end > right.begin; });
+  // No linker makes gaps that overlap: such a file counts as it is.
+  return overlap == gaps.end() ? gaps : std::vector<Gap>();
+}
+
+}  // namespace
+
+Program ReadProgram(const InstallerFile& installer) {
+  if (!installer.image) {
+    const ArchivePlace& archive = installer.archives.front();
+    const ByteSpan rest = installer.bytes.From(archive.size + kArchiveTerminatorSize);
+    std::vector<ProgramPart> parts;
+    if (!rest.Empty()) {
+      parts.push_back({"the bytes after the archive", Sha256Hex(rest)});
+    }
+    return {parts, ""};
+  }
+  const std::vector<Gap> gaps = FindGaps(installer);
+  const std::vector<PartBegin> begins = PartBegins(*installer.image);
+  Program program;
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < begins.size(); ++i) {
+    const auto& [begin, name] = begins[i];
+    const std::uint64_t end = i + 1 < begins.size() ? begins[i + 1].first : installer.bytes.Size();
+    program.parts.push_back({name, PartDigest(installer.bytes, begin, end, gaps, &next)});
+  }
+  program.parts.push_back({"the places of the archives", PlacesDigest(gaps)});
+  std::string all;
+  for (const ProgramPart& part : program.parts) {
+    all += part.name + '\n' + part.sha256 + '\n';
+  }
+  program.fingerprint = Sha256Hex(ByteSpan(all));
+  return program;
+}
+
+}  // namespace kwa
