@@ -6,25 +6,24 @@
 
 namespace kwa {
 
-std::string Der(const void* value, const ASN1_ITEM* item) {
-  unsigned char* bytes = nullptr;
-  const int size = ASN1_item_i2d(static_cast<const ASN1_VALUE*>(value), &bytes, item);
-  Require(size > 0);
-  const std::unique_ptr<unsigned char, void (*)(unsigned char*)> owned(
-      bytes, [](unsigned char* memory) { OPENSSL_free(memory); });
-  return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+std::string Der(int tag, const std::string& content) {
+  unsigned char header[16];
+  unsigned char* end = header;
+  ASN1_put_object(&end, tag & V_ASN1_CONSTRUCTED, static_cast<int>(content.size()), tag & V_ASN1_PRIMITIVE_TAG,
+                  tag & V_ASN1_PRIVATE);
+  return std::string(header, end) + content;
+}
+
+std::string DerObjectId(const char* dotted) {
+  const std::shared_ptr<ASN1_OBJECT> object(ObjectId(dotted), ASN1_OBJECT_free);
+  const unsigned char* const bytes = OBJ_get0_data(object.get());
+  return Der(V_ASN1_OBJECT, std::string(bytes, bytes + OBJ_length(object.get())));
 }
 
 ASN1_OBJECT* ObjectId(const char* dotted) {
   ASN1_OBJECT* const object = OBJ_txt2obj(dotted, 1);
   Require(object != nullptr);
   return object;
-}
-
-ASN1_STRING* StringOf(int type, const std::string& bytes) {
-  ASN1_STRING* const string = ASN1_STRING_type_new(type);
-  Require(string != nullptr && ASN1_STRING_set(string, bytes.data(), static_cast<int>(bytes.size())) == 1);
-  return string;
 }
 
 }  // namespace kwa

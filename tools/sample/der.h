@@ -1,6 +1,6 @@
 #pragma once
 
-// What the makers of signatures need of libcrypto's ASN.1.
+// ASN.1 values in DER, from which catalogs and signatures are made.
 
 #include <openssl/asn1.h>
 
@@ -9,16 +9,24 @@
 
 namespace kwa {
 
-// Throws std::runtime_error when a call of libcrypto failed: without memory, or with a key that it cannot use.
+constexpr int kDerSequence = V_ASN1_CONSTRUCTED | V_ASN1_SEQUENCE;
+constexpr int kDerSet = V_ASN1_CONSTRUCTED | V_ASN1_SET;
+constexpr int kDerExplicit0 = V_ASN1_CONSTRUCTED | V_ASN1_CONTEXT_SPECIFIC;  // the tag [0] around another value
+
+// Throws std::runtime_error when a call of libcrypto failed: no memory, or a key that it cannot use.
 inline void Require(bool succeeded) {
-  if (!succeeded) throw std::runtime_error("libcrypto cannot make its signature");
+  if (!succeeded) {
+    throw std::runtime_error("libcrypto cannot make its signature");
+  }
 }
 
-// The encoding of a value that the item describes. The caller keeps the value.
-std::string Der(const void* value, const ASN1_ITEM* item);
+// A value: its tag, its length and its content. The tag is V_ASN1_OCTET_STRING or the like, or one from above.
+std::string Der(int tag, const std::string& content);
 
-// Owned by the caller, who mostly gives it to the structure that it becomes a part of.
+// An object identifier, given in dotted form.
+std::string DerObjectId(const char* dotted);
+
+// The same as an object of libcrypto. The caller owns it, and usually passes it on to the structure that contains it.
 ASN1_OBJECT* ObjectId(const char* dotted);
-ASN1_STRING* StringOf(int type, const std::string& bytes);
 
 }  // namespace kwa

@@ -1,6 +1,6 @@
 #pragma once
 
-// Brings made content to the size that the list of contents asks for.
+// Brings content to the size that the list of contents gives it.
 
 #include <cstddef>
 #include <string>
@@ -8,10 +8,13 @@
 namespace kwa {
 
 // Bytes that look random and are the same in every build, so that a comparison notices a byte in the wrong place.
-// Different starting values give different bytes.
+// Different seeds give different bytes.
 std::string PaddingBytes(std::size_t count, unsigned seed);
 
-// Throws std::runtime_error when content of at least neededSize bytes cannot have the listed size.
+// The content and padding bytes after it, together size bytes. Throws std::runtime_error when the content is larger.
+std::string Padded(const std::string& content, std::size_t size);
+
+// Throws std::runtime_error when content that needs neededSize bytes is larger than the listed size.
 void RequireSize(std::size_t neededSize, std::size_t listedSize);
 
 }  // namespace kwa

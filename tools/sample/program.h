@@ -1,6 +1,6 @@
 #pragma once
 
-// Brings built programs to the sizes that the list of contents gives them, and signs them.
+// Brings built programs to the sizes in the list of contents, and signs them.
 
 #include <cstddef>
 #include <string>
@@ -9,14 +9,15 @@
 
 namespace kwa {
 
-// The Authenticode digest, by SHA-256, of a program, signed or not, with its headers in order.
+// The Authenticode digest (SHA-256) of a program, signed or not. Throws std::runtime_error when its headers cannot be
+// read.
 std::string ImageDigest(const std::string& program);
 
-// The program of size bytes with the checksum that belongs to it; the loader ignores what pads it. Both throw
-// std::runtime_error when it has no headers of a program or does not fit into the size.
+// The program with padding at its end, which the loader ignores, and with the right checksum: size bytes. Throws
+// std::runtime_error when its headers cannot be read or it is larger than size.
 std::string MakeProgram(const std::string& built, std::size_t size);
 
-// The same with a signature at its end. The size has to be a multiple of 8.
+// The same with a signature at the end. The size must be a multiple of 8.
 std::string MakeSignedProgram(const std::string& built, std::size_t size, const Signer& signer);
 
 }  // namespace kwa

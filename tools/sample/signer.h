@@ -11,21 +11,25 @@
 
 namespace kwa {
 
+// Of every signature, so that the same content gives the same bytes.
+constexpr char kSigningTime[] = "140213120000Z";
+
 struct Signer {
   std::shared_ptr<EVP_PKEY> key;
   std::shared_ptr<X509> certificate;
 };
 
-// Reads a PEM file that holds a private key and then its certificate. Throws ToolFailure.
+// Reads a PEM file that holds a private key and then its certificate. Throws std::runtime_error.
 Signer ReadSigner(const std::filesystem::path& path);
 
-// PKCS #7 signed data in DER around content, itself the DER of a sequence, of the type that contentType names by its
-// dotted numbers. The same content gives the same bytes: the time of signing is fixed. Throws std::runtime_error.
-std::string SignedData(const Signer& signer, const char* contentType, const std::string& content);
+// PKCS #7 signed data in DER around a sequence, given without its tag and length. contentType is the object identifier
+// of its type in dotted form. Throws std::runtime_error.
+std::string SignedData(const Signer& signer, const char* contentType, const std::string& sequence);
 
 enum class DigestKind { ProgramImage, WholeFile };
 
-// The type and the DER of what embedded signatures and catalogs say of a file: its SHA-256 digest.
+// The structure in which embedded signatures and catalogs hold the SHA-256 digest of a file: its type, and the content
+// of its sequence.
 constexpr char kIndirectDataType[] = "1.3.6.1.4.1.311.2.1.4";
 std::string IndirectData(DigestKind kind, const std::string& digest);
 
