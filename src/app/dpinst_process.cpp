@@ -1,7 +1,7 @@
 #include "app/dpinst_process.h"
 
 #include <windows.h>
-// After windows.h, which it needs.
+// It needs windows.h before it.
 #include <strsafe.h>
 
 #include <cstring>
@@ -15,7 +15,7 @@ void AwaitAndClose(const PROCESS_INFORMATION& process) {
   if (WaitForSingleObject(process.hProcess, INFINITE) != WAIT_OBJECT_0) {
     ReportLastError();
   }
-  DWORD exitCode = 0;  // DPInst has told its user; nobody reads this one
+  DWORD exitCode = 0;  // not used: DPInst has already shown the result to the user
   if (GetExitCodeProcess(process.hProcess, &exitCode) == 0) {
     ReportLastError();
   }
@@ -28,12 +28,12 @@ void AwaitAndClose(const PROCESS_INFORMATION& process) {
 
 bool RunDpinst(const char* programPath) {
   const std::size_t size = std::strlen(programPath) + 1;
-  // CreateProcessA wants a command line that it may write to.
+  // CreateProcessA may write to its command line, so it gets a copy.
   auto* const commandLine = static_cast<char*>(HeapAlloc(GetProcessHeap(), 0, size));
   if (commandLine == nullptr) {
     return false;
   }
-  // The block has exactly the size that is needed.
+  // It cannot fail: the block is exactly large enough.
   // cppcheck-suppress ignoredReturnValue
   StringCchCopyA(commandLine, size, programPath);
 

@@ -1,5 +1,5 @@
-// The two payload archives, placed in read-only data as they are. KWA_ARCHIVE_A and KWA_ARCHIVE_B are their paths.
-// The archives end in the zero word that their format asks for.
+// Places the two payload archives in read-only data, byte for byte. KWA_ARCHIVE_A and KWA_ARCHIVE_B are their paths.
+// Each archive file already ends with the zero word that the format requires.
 
 #define JOIN_(prefix, name) prefix##name
 #define JOIN(prefix, name) JOIN_(prefix, name)

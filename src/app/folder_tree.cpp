@@ -1,7 +1,7 @@
 #include "app/folder_tree.h"
 
 #include <windows.h>
-// After windows.h, which it needs.
+// It needs windows.h before it.
 #include <shellapi.h>
 
 namespace kwa {

@@ -2,12 +2,12 @@
 
 namespace kwa {
 
-// Deletes a folder with everything in it, outright and without asking. The shell may show its own message when a
-// deletion fails.
+// Deletes a folder with everything in it, without the recycle bin and without a question. When a deletion fails, the
+// shell may show a message.
 //
-// path  8-bit path without a trailing separator, ended by TWO zero bytes: the shell takes a list of paths
+// path  8-bit path without a trailing separator and with TWO zero bytes at its end: the shell takes a list of paths
 //
-// Returns 1 when the shell reports success, else 0 (also when there is no such folder).
+// Returns 1 when the shell reports success, else 0. A folder that does not exist gives 0.
 int DeleteFolderTree(const char* path);
 
 }  // namespace kwa

@@ -1,9 +1,9 @@
 #include <windows.h>
 
-// From version 13 on, the part of GCC's library that every C++ program gets can compare threads and asks GetThreadId
-// for it, which came with Windows Server 2003 and Vista: Windows 2000 and XP do not start a program that imports it.
-// This is the slot that would hold the import's address, so the linker need not ask kernel32 for one. The program has
-// one thread: the caller's is the only one that can be meant.
+// GCC's runtime library compares threads from version 13 on, and imports GetThreadId for that. Windows Server 2003 and
+// Vista introduced this function; Windows 2000 and XP do not start a program that imports it. This file defines the
+// symbol that holds the address of the import, so the linker does not take it from kernel32. The program has a single
+// thread, so the current thread is always the right one.
 namespace {
 
 DWORD WINAPI IdOfTheOnlyThread(HANDLE /*thread*/) {

@@ -1,9 +1,9 @@
-// The driver installer: unpacks the maker's driver package and DPInst, which this executable carries, into a folder of
-// its own, configures DPInst, runs it and cleans up. One straight pass on one thread, with no window, no command line
-// and no message: what the user sees is DPInst's wizard. Whenever the run returns, the exit status is 0.
+// The driver installer. This executable carries the maker's driver package and DPInst. It unpacks both into a work
+// folder, configures DPInst, runs it and deletes the folder. There is one thread, no window, no message and no option:
+// the user sees DPInst's wizard only. The exit status is 0 whenever the run returns.
 //
-// Linker flags worth knowing (see CMakeLists.txt): the page-sized file alignment lets the loader map the payload
-// instead of copying it; the subsystem version 4.0 lets Windows 2000 and XP start the program.
+// Two linker flags in CMakeLists.txt matter here. The page-sized file alignment lets the loader map the payload instead
+// of copying it. The subsystem version 4.0 lets Windows 2000 and XP start the program.
 
 #include <windows.h>
 
@@ -23,8 +23,8 @@ namespace {
 void IgnoreFileStart(const ArchiveEntry* /*entry*/, std::uint32_t /*size*/) {}
 
 int Install() {
-  // DeleteFolderTree hands this to the shell as a list of paths, which ends with two zeros: one byte more than any copy
-  // or append is told of, so that they also stand behind a path that fills the capacity.
+  // DeleteFolderTree needs two zero bytes after the path. So this array is one byte larger than the capacity passed to
+  // every copy and append: the second zero byte is there even after a path that fills the capacity.
   char workFolder[kTextCapacity + 1] = {};
   char workPath[kTextCapacity] = {};
   DriverPackageIdentity identity = {};

@@ -16,13 +16,13 @@ int Is64BitWindows() {
   if (getSystemWow64Directory == nullptr) {
     return 0;
   }
-  // Only whether the call succeeds matters; the folder's name is never read.
+  // Only the success of the call matters, not the name of the folder.
   constexpr UINT kCapacity = 260;
   WCHAR folder[kCapacity];
   if (getSystemWow64Directory(folder, kCapacity) != 0) {
     return 1;
   }
-  // 32-bit Windows answers with this one error; any other comes from a Windows that has the folder.
+  // 32-bit Windows fails with exactly this error. Any other error comes from a 64-bit Windows.
   return GetLastError() == ERROR_CALL_NOT_IMPLEMENTED ? 0 : 1;
 }
 

@@ -2,7 +2,7 @@
 
 namespace kwa {
 
-// Whether this 32-bit program runs on 64-bit Windows: 1 if so, 0 on 32-bit Windows.
+// Returns 1 when this 32-bit program runs on 64-bit Windows, and 0 on 32-bit Windows.
 int Is64BitWindows();
 
 }  // namespace kwa

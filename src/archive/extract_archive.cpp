@@ -15,7 +15,7 @@ constexpr std::uint32_t kChunkSize = 4096;
 void WriteBody(std::FILE* file, std::uint32_t size, const ExtractionCallbacks* callbacks, char* buffer,
                std::int32_t archiveIndex) {
   std::uint32_t written = 0;
-  // Signed on purpose: a size of 2^31 or more counts as an empty body.
+  // The comparison is signed on purpose: a size of 2^31 or more counts as an empty body.
   for (std::uint32_t remaining = size; static_cast<std::int32_t>(remaining) > 0;) {
     const std::uint32_t chunk = std::min(remaining, kChunkSize);
     ReadArchiveBytes(buffer, chunk, archiveIndex);
@@ -59,7 +59,7 @@ ArchiveResult ExtractArchive(const char* folder, const ExtractionCallbacks* call
       callbacks->onFileStart(&entry, entry.size);
     }
     char buffer[kChunkSize];  // first the output path, then each chunk
-    // Unbounded: the caller keeps the path under the buffer's size.
+    // The copy needs no bound: the caller keeps the path shorter than the buffer.
     std::strcpy(buffer, folder);      // NOLINT(clang-analyzer-security.insecureAPI.strcpy)
     std::strcat(buffer, entry.name);  // NOLINT(clang-analyzer-security.insecureAPI.strcpy)
     std::FILE* const file = std::fopen(buffer, "wb");

@@ -6,8 +6,8 @@
 
 namespace kwa {
 
-// What became of an extraction. ArchivePathError, ArchiveCreateFailed and ArchiveOpenFailed are produced by nothing any
-// more and keep their numbers and texts.
+// The result of an extraction. Nothing returns ArchivePathError, ArchiveCreateFailed and ArchiveOpenFailed any more;
+// they keep their numbers and texts.
 enum ArchiveResult : std::uint32_t {
   ArchiveOk = 0,
   ArchiveEmpty = 1,
@@ -18,28 +18,29 @@ enum ArchiveResult : std::uint32_t {
   ArchiveOpenFailed = 6,
 };
 
-// The code's word for anyone who wishes to show it; the installer does not.
+// A text for each result. The installer itself shows none.
 extern const char* const ArchiveResultText[7];
 
-// Notifications of an extraction; either may be null.
+// Functions that an extraction calls; each may be null.
 struct ExtractionCallbacks {
-  // Before each file is opened: its entry, valid for this call only, and its size in bytes.
+  // Called before a file is opened. The entry is valid during the call only; size is in bytes.
   void (*onFileStart)(const ArchiveEntry* entry, std::uint32_t size);
-  // After each chunk: the bytes written so far to the current file.
+  // Called after each chunk with the number of bytes written to the current file so far.
   void (*onProgress)(std::uint32_t written);
 };
 
-// Writes every file of an archive into a folder, front to back. Works once per archive and process: the archive's read
-// position is not set back, by success or by failure.
+// Writes all files of an archive into a folder, in their order. Works once for each archive in a process: neither
+// success nor failure resets the read position.
 //
-// folder        existing folder, 8-bit path with a trailing separator: each entry's name is appended as it stands.
-//               folder and name together must stay under 4096 bytes
+// folder        existing folder, 8-bit path with a trailing separator; the name of each entry is appended unchanged.
+//               folder and name together, with the terminator, must not exceed 4096 bytes
 // callbacks     may be null
 // archiveIndex  0: archive A; anything else: archive B
 //
-// Returns ArchiveOk, ArchiveEmpty, ArchiveCorrupt or ArchiveExtractFailed (a file could not be opened for writing;
-// those before it stay on disk, those behind it are not written). A short write or failed close is not noticed. Throws
-// std::length_error or std::bad_alloc, having written nothing, when there is no room for the entry table.
+// Returns ArchiveOk, ArchiveEmpty, ArchiveCorrupt or ArchiveExtractFailed. The last means that a file could not be
+// opened for writing: the files before it stay on disk, the files after it are not written. A short write or a failed
+// close is not noticed. Throws std::length_error or std::bad_alloc when there is no memory for the entry table; no file
+// is written then.
 ArchiveResult ExtractArchive(const char* folder, const ExtractionCallbacks* callbacks, std::int32_t archiveIndex);
 
 }  // namespace kwa

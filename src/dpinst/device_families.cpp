@@ -16,7 +16,7 @@ const char* const kMarlinRows[] = {"Marlin T1", "Marlin T2", "Marlin R2", "Marli
 
 const char* const kVireoeQxRows[] = {"Vireoe Z9", "Osprey Q2"};
 
-// Two series on two lines; each series stands in brackets of its own.
+// Two series on two lines, each with its own brackets.
 const char* const kVireoRows[] = {
     "Vireo Series (G-16",  "J1", "7101",   "7102", "Plover", "Dunlin", "Gannet)",
     "\nVireoe Series (Y2", "J1", "Osprey", "Y3",   "Petrel", "Y4",     "Y5)",
@@ -39,8 +39,8 @@ constexpr DeviceFamily Family(const char* key, const char* const (&rows)[N]) {
 
 }  // namespace
 
-// The order decides for names that hold several keys: "Marlin USB" is of the USB family, "Vireoe QX" not of the Vireo
-// family although it holds that key, too.
+// When a name contains several keys, the first family in this order wins: "Marlin USB" belongs to the USB family, and
+// "Vireoe QX" does not belong to the Vireo family.
 constexpr DeviceFamily kDeviceFamilies[] = {
     Family("OspreyNET", kOspreyNetRows),
     Family("MADI", kMadiRows),

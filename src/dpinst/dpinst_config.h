@@ -2,11 +2,11 @@
 
 namespace kwa {
 
-// Whether the running Windows is Vista or later: 1 if so, 0 on an older one and when Windows does not tell.
+// Returns 1 on Windows Vista or later. Returns 0 on an older Windows and when the version cannot be read.
 int IsVistaOrLater();
 
-// Writes dpinst.xml into a folder, replacing one that is there. Nothing is written when it cannot be created; the
-// caller is not told.
+// Writes dpinst.xml into a folder and replaces an existing one. When the file cannot be created, nothing is written,
+// and the caller does not learn of it.
 //
 // workFolder            8-bit path with a trailing separator
 // version, displayName  the package's identity, zero-terminated; see package_identity.h

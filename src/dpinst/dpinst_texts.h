@@ -4,11 +4,11 @@
 
 namespace kwa {
 
-// The wizard's texts in one language, each a whole line of dpinst.xml or the format of one. 7-bit text throughout.
-// Blanks before a closing tag belong to the text.
+// The wizard's texts in one language. Each is a whole line of dpinst.xml or the printf format of one, in 7-bit text. A
+// blank before a closing tag belongs to the text.
 struct DpinstTexts {
   const char* welcomeTitle;      // format: the package's display name
-  const char* welcomeIntroHead;  // format: kUmlautA, where the language has one; leaves the element open
+  const char* welcomeIntroHead;  // format: kUmlautA, if the text has this letter; does not close the element
   const char* eulaHeaderTitle;
   const char* eulaYesButton;
   const char* eulaNoButton;
@@ -18,10 +18,10 @@ struct DpinstTexts {
 extern const DpinstTexts kEnglishTexts;
 extern const DpinstTexts kGermanTexts;
 
-// The letter a with umlaut in UTF-8, the encoding that an XML reader assumes.
+// The letter a with umlaut in UTF-8, which is the default encoding of XML.
 constexpr char kUmlautA[] = "\xC3\xA4";
 
-// The one language whose users get kGermanTexts; all others get kEnglishTexts.
+// The only language with kGermanTexts; all others have kEnglishTexts.
 constexpr std::uint32_t kGermanLanguage = 0x0407;
 
 // Windows language identifiers, in the order of their elements in dpinst.xml.

@@ -10,8 +10,8 @@ std::uint32_t ReadPackageIdentity(const char* workFolder, char* version, char* d
   AppendPath(path, workFolder);
   strcat_s(path, kTextCapacity, "*.inf");
 
-  // Zeroed, so that a search without a match leaves an empty name: both keys are then read from the folder's own path,
-  // which is no file, and come back empty.
+  // Zeroed, so that the name is empty when no file matches. Both keys are then read from the path of the folder itself.
+  // That is not a file, so both values are empty.
   WIN32_FIND_DATAA found = {};
   const HANDLE search = FindFirstFileA(path, &found);
   if (search == nullptr) {

@@ -19,10 +19,10 @@ int FailEmptied(char* destination, int error) {
   return FailInvalidParameter(error);
 }
 
-// Copies source behind the first `length` bytes of destination; length is less than capacity. Nothing is copied of what
-// does not fit: its rest would stand behind a shorter path that is put there next, and the shell would take it for a
-// second path to delete.
-int CopyBehind(char* destination, std::size_t length, std::size_t capacity, const char* source) {
+// Copies source to destination + length; length is less than capacity. A source that does not fit is not copied in
+// part: its rest would stay after a shorter path that is copied there next, and the shell would take it for a second
+// path to delete.
+int CopyAt(char* destination, std::size_t length, std::size_t capacity, const char* source) {
   const std::size_t size = std::strlen(source) + 1;
   if (size > capacity - length) {
     return FailEmptied(destination, ERANGE);
@@ -40,7 +40,7 @@ int strcpy_s(char* destination, std::size_t capacity, const char* source) {
   if (source == nullptr) {
     return FailEmptied(destination, EINVAL);
   }
-  return CopyBehind(destination, 0, capacity, source);
+  return CopyAt(destination, 0, capacity, source);
 }
 
 int strcat_s(char* destination, std::size_t capacity, const char* source) {
@@ -55,7 +55,7 @@ int strcat_s(char* destination, std::size_t capacity, const char* source) {
     return FailEmptied(destination, EINVAL);
   }
   const auto length = static_cast<std::size_t>(static_cast<const char*>(terminator) - destination);
-  return CopyBehind(destination, length, capacity, source);
+  return CopyAt(destination, length, capacity, source);
 }
 
 void AppendPath(char* destination, const char* source) {

@@ -2,8 +2,8 @@
 
 namespace kwa {
 
-// Formats the system's text for the calling thread's last error and throws it away: the installer has nobody to tell,
-// and a debugger that stops here finds the error with its text. Call it directly after the failed call. Raises nothing.
+// Formats the system's text for the last error of the calling thread and discards it. The installer shows no messages,
+// but a debugger that stops here sees the error and its text. Call it directly after the failed call. Throws nothing.
 void ReportLastError();
 
 }  // namespace kwa
