@@ -1,17 +1,18 @@
-// The stand-in for DPInst that the sample payload carries as dpinst.exe and dpinst64.exe: reads dpinst.xml in its own
-// folder and shows the wizard that DPInst would show. It installs nothing.
+// The stand-in for DPInst, which the sample payload carries as dpinst.exe and dpinst64.exe. It reads dpinst.xml in its
+// own folder and shows the wizard that DPInst would show. It installs nothing.
 //
 // Environment variables:
 //   KWA_STANDIN_REPORT=FOLDER      shows nothing; writes report.json and a copy of dpinst.xml into the folder. The
-//                                  report tells how it was started, the files beside it, the flags and, for each
-//                                  language, the wizard's texts; or the error
-//   KWA_STANDIN_LANGUAGE=0x0407    the user's language; by default that of Windows
-//   KWA_STANDIN_AUTO=MILLISECONDS  walks through the wizard by itself, staying that long on each page, and shows no
+//                                  report has the way the program was started, the files in its folder, the flags and
+//                                  the wizard's texts in each language, or the error
+//   KWA_STANDIN_LANGUAGE=0x0407    the user's language (default: the language of Windows)
+//   KWA_STANDIN_AUTO=MILLISECONDS  goes through the wizard without the user, stays that long on each page, and shows no
 //                                  message
-//   KWA_STANDIN_EXIT=CODE          the exit code at the wizard's end or of a report, decimal or 0x…; by default 1
+//   KWA_STANDIN_EXIT=CODE          the exit code after the last page or a report, decimal or 0x… (default: 1)
 //
-// Exit codes: 0x00000001 at the end, as if one package was installed; 0 after Cancel; 0x80010000 when it refuses
-// dpinst.xml, as if one package could not be installed; 0xFFFFFFFF when it could not write the report or show a window.
+// Exit codes: 0x00000001 after the last page, as if one package was installed; 0 after Cancel; 0x80010000 when it
+// refuses dpinst.xml, as if one package could not be installed; 0xFFFFFFFF when it cannot write the report or show a
+// window.
 
 #include <windows.h>
 
@@ -33,7 +34,7 @@ constexpr unsigned long kOnePackageInstalled = 0x00000001;
 constexpr unsigned long kOnePackageRefused = 0x80010000;
 constexpr unsigned long kFailed = 0xFFFFFFFF;
 
-// The folder that the program lies in, with a separator at its end.
+// The folder of the program, with a separator at the end.
 std::wstring OwnFolder() {
   wchar_t path[MAX_PATH] = {};
   GetModuleFileNameW(nullptr, path, MAX_PATH);
@@ -53,7 +54,8 @@ ordered_json Describe(const WizardTexts& texts) {
   return described;
 }
 
-// Reads dpinst.xml into the report and returns the wizard's texts. Throws std::runtime_error where that is refused.
+// Reads dpinst.xml into the report and returns the wizard's texts. Throws std::runtime_error when dpinst.xml is
+// refused.
 WizardTexts ReadConfiguration(const std::wstring& ownFolder, unsigned long language, ordered_json* report) {
   const XmlElement root = ReadXmlFile(ownFolder + L"dpinst.xml");
   (*report)["flags"] = ordered_json::array();

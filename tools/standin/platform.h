@@ -6,7 +6,7 @@
 
 namespace kwa {
 
-// UTF-16 text as UTF-8, and back; text that is not UTF-8 comes back empty.
+// Converts UTF-16 to UTF-8, and back. FromUtf8 returns an empty text when its argument is not UTF-8.
 std::string ToUtf8(const std::wstring& text);
 std::wstring FromUtf8(const std::string& text);
 

@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// In hexadecimal. CryptoAPI, since Windows XP has no newer service.
+// The digest in hexadecimal. By CryptoAPI, because Windows XP has nothing newer.
 std::string Sha256(const std::string& bytes) {
   HCRYPTPROV provider = 0;
   HCRYPTHASH hash = 0;

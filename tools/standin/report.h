@@ -6,12 +6,12 @@
 
 namespace kwa {
 
-// The process as its starter made it: "program", "commandLine", "currentFolder", "bitness" (32 or 64) and "files", the
-// name, size in bytes and SHA-256 of every file in the program's own folder.
+// Describes this process: "program", "commandLine", "currentFolder", "bitness" (32 or 64) and "files", with the name,
+// size in bytes and SHA-256 of every file in the program's own folder.
 nlohmann::ordered_json DescribeRun(const std::wstring& ownFolder);
 
-// Writes the report as report.json, and dpinst.xml of the program's own folder byte for byte, into the named folder.
-// False when report.json could not be written.
+// Writes report.json into a folder and copies dpinst.xml there from the program's own folder. Returns false when
+// report.json cannot be written.
 bool WriteReport(const nlohmann::ordered_json& report, const std::wstring& ownFolder, const std::wstring& folder);
 
 }  // namespace kwa

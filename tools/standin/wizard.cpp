@@ -17,7 +17,7 @@ namespace {
 constexpr UINT_PTR kAutoTimer = 1;
 constexpr UINT_PTR kProgressTimer = 2;
 constexpr unsigned kProgressSteps = 20;
-constexpr unsigned kProgressTime = 1600;  // milliseconds, when the user walks
+constexpr unsigned kProgressTime = 1600;  // milliseconds, unless the wizard goes on by itself
 
 struct ShownText {
   int control;
@@ -32,7 +32,7 @@ constexpr ShownText kPageTexts[] = {
     {KWA_FINISH_INTRO, L"finishIntro"},   {KWA_FINISH_HINT, L"finishHint"},
 };
 
-// The sheet's own buttons, by the identifiers that the platform gives them. Its texts for them follow its own language.
+// The buttons of the sheet, by their identifiers in Windows. Windows would show them in its own language.
 constexpr ShownText kSheetTexts[] = {{0x3023, L"back"}, {0x3024, L"next"}, {0x3025, L"finish"}, {IDCANCEL, L"cancel"}};
 
 struct Wizard {
@@ -43,7 +43,7 @@ struct Wizard {
   unsigned progress;  // of kProgressSteps
 };
 
-// What a page's window is given.
+// What the window of a page works with.
 struct Page {
   int id;
   Wizard* wizard;
@@ -82,7 +82,7 @@ void FillPage(HWND window, const Page& page) {
   SendDlgItemMessageW(window, KWA_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, kProgressSteps));
 }
 
-// Next is open only once the licence is accepted, and nothing is while packages are being installed.
+// "Next" is enabled only after the licence is accepted. While packages are being installed, no button is enabled.
 void SetButtons(HWND window, const Page& page) {
   const HWND sheet = GetParent(window);
   LPARAM buttons = 0;
@@ -105,14 +105,14 @@ void ShowPage(HWND window, const Page& page) {
     GetWindowRect(sheet, &place);
     SetWindowPos(sheet, nullptr, (GetSystemMetrics(SM_CXSCREEN) - place.right + place.left) / 2,
                  (GetSystemMetrics(SM_CYSCREEN) - place.bottom + place.top) / 2, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-    // Where there is no window manager, Wine would draw the active window's caption as an inactive one's.
+    // Without a window manager, Wine draws the caption of the active window as inactive.
     PostMessageW(sheet, WM_NCACTIVATE, TRUE, 0);
   }
   for (const ShownText& text : kSheetTexts) {
     SetDlgItemTextW(sheet, text.control, page.wizard->texts.at(text.name).c_str());
   }
   SetButtons(window, page);
-  // Outer and inner pages have different backgrounds, and Wine leaves parts of the old one.
+  // The pages have different backgrounds, and Wine leaves parts of the old one.
   InvalidateRect(sheet, nullptr, TRUE);
   if (page.id == KWA_PROGRESS_PAGE) {
     SetTimer(window, kProgressTimer, (delay == 0 ? kProgressTime : delay) / kProgressSteps, nullptr);
@@ -136,7 +136,7 @@ void StepProgress(HWND window, const Page& page) {
   SendDlgItemMessageW(window, KWA_PROGRESS, PBM_SETPOS, ++wizard.progress, 0);
 }
 
-// The automatic walk's step from a page to the next.
+// Goes to the next page without the user.
 void GoOn(HWND window, const Page& page) {
   KillTimer(window, kAutoTimer);
   SendDlgItemMessageW(window, KWA_EULA_YES, BM_CLICK, 0, 0);
@@ -152,12 +152,12 @@ INT_PTR CALLBACK PageProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
   }
   const auto* const page = reinterpret_cast<const Page*>(GetWindowLongPtrW(window, DWLP_USER));
   if (page == nullptr) {
-    return FALSE;  // from before WM_INITDIALOG
+    return FALSE;  // a message before WM_INITDIALOG
   }
   if (message == WM_COMMAND && (LOWORD(wParam) == KWA_EULA_YES || LOWORD(wParam) == KWA_EULA_NO)) {
     SetButtons(window, *page);
   } else if (message == WM_COMMAND && HIWORD(wParam) == EN_SETFOCUS) {
-    // The licence is there to be read: a caret would only stand on its first letter.
+    // The licence cannot be edited, so it needs no caret.
     HideCaret(reinterpret_cast<HWND>(lParam));
   } else if (message == WM_TIMER && wParam == kProgressTimer) {
     StepProgress(window, *page);
@@ -204,7 +204,7 @@ WizardEnd ShowWizard(const WizardTexts& texts, const std::wstring& folder, unsig
     sheetPage.pszHeaderSubTitle = texts.at(eula ? L"eulaHint" : L"progressHint").c_str();
   }
 
-  // Without a header bitmap, Wine would leave the header grey.
+  // Without a header bitmap, Wine draws a grey header.
   const COLORREF white = RGB(255, 255, 255);
   const HBITMAP header = CreateBitmap(1, 1, 1, 32, &white);
   PROPSHEETHEADERW sheet = {};

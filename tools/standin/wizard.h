@@ -8,10 +8,10 @@ namespace kwa {
 
 enum class WizardEnd { Finished, Cancelled, NotShown };
 
-// Shows the wizard and waits for its end. Installs nothing.
+// Shows the wizard and waits until it is closed. Installs nothing.
 //
-// folder     the program's own, with a separator at its end: the watermark and the driver packages are sought there
-// autoDelay  milliseconds after which each page goes on by itself; 0 leaves that to the user
+// folder     the program's own folder, with a separator at the end; holds the watermark and the driver packages
+// autoDelay  milliseconds after which the wizard leaves each page by itself; 0 leaves that to the user
 WizardEnd ShowWizard(const WizardTexts& texts, const std::wstring& folder, unsigned long autoDelay);
 
 }  // namespace kwa

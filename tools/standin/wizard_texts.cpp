@@ -15,7 +15,7 @@ struct Text {
   const wchar_t* german;
 };
 
-// What dpinst.xml may set. Its own words for what is not set, since DPInst's belong to its maker.
+// The texts that dpinst.xml can set, and the stand-in's own defaults: DPInst's texts are not ours to copy.
 const Text kConfigurableTexts[] = {
     {L"dpinstTitle", L"Driver Installation", L"Treiberinstallation"},
     {L"welcomeTitle", L"Welcome to the driver installation", L"Willkommen bei der Treiberinstallation"},
@@ -85,7 +85,7 @@ WizardTexts ChooseTexts(const XmlElement& root, const std::wstring& folder, unsi
       const auto code = child.attributes.find(L"code");
       const auto number = code == child.attributes.end() ? std::nullopt : ParseNumber(code->second);
       if (!number || !listed.emplace(*number, &child).second) {
-        throw std::runtime_error("dpinst.xml: a language's code is no number or stands twice");
+        throw std::runtime_error("dpinst.xml: the code of a language is not a number or occurs twice");
       }
     }
   }
@@ -95,7 +95,7 @@ WizardTexts ChooseTexts(const XmlElement& root, const std::wstring& folder, unsi
   }
   const auto find = [&](const wchar_t* name) {
     const XmlElement* const child = own == listed.end() ? nullptr : own->second->Child(name);
-    return child == nullptr ? root.Child(name) : child;  // what holds for all languages may stand in the root
+    return child == nullptr ? root.Child(name) : child;  // the root may set it for all languages
   };
   WizardTexts texts = OwnTexts(language);
   for (const Text& text : kConfigurableTexts) {

@@ -13,9 +13,8 @@
 namespace kwa {
 namespace {
 
-// MSXML's reader that calls back: unlike its document object it names line and reason under Wine, too, and unlike
-// XmlLite it refuses duplicate attributes and a bare ampersand there. These identifiers are in no import library of
-// MinGW-w64.
+// The SAX reader of MSXML. Under Wine, unlike the document object, it reports line and reason, and unlike XmlLite, it
+// refuses duplicate attributes and a bare ampersand. No import library of MinGW-w64 has these identifiers.
 constexpr CLSID kReaderClass = {0x079aa557, 0x4a18, 0x424a, {0x8e, 0xee, 0xe3, 0x9f, 0x0a, 0x8d, 0x41, 0xb9}};
 constexpr IID kReaderInterface = {0xa4f96ed0, 0xf829, 0x476e, {0x81, 0xc0, 0xcd, 0xc7, 0xbd, 0x2a, 0x08, 0x02}};
 
@@ -25,7 +24,7 @@ struct ReleaseInterface {
 template <class T>
 using Interface = std::unique_ptr<T, ReleaseInterface>;
 
-// An object that lives on the stack: it counts no references.
+// An object on the stack, so it counts no references.
 template <class T>
 struct Handler : T {
   HRESULT WINAPI QueryInterface(REFIID /*id*/, void** object) override {
@@ -81,7 +80,7 @@ class TreeBuilder final : public Handler<ISAXContentHandler> {
   HRESULT WINAPI skippedEntity(Text, int) override { return S_OK; }
 
  private:
-  std::vector<XmlElement*> open;  // from the root to the innermost element that has not ended
+  std::vector<XmlElement*> open;  // the elements that have not ended, from the root to the innermost
 };
 
 class FirstError final : public Handler<ISAXErrorHandler> {
