@@ -1,4 +1,4 @@
-# The picture of script/bench: how long a run takes and how much memory it wants, by the size of the payload.
+# The picture of script/bench: the time and the memory that a run takes, by the size of the payload.
 set terminal pngcairo size 1200,560 font "sans,11"
 set output "../bench.png"
 set multiplot layout 1,2

@@ -1,4 +1,4 @@
-// Stands in DPInst's place while a run is timed: a program that ends at once, without even a runtime library to start.
+// Takes the place of DPInst while a run is timed: a program that ends at once and has no runtime library to start.
 #include <windows.h>
 
 extern "C" void WinMainCRTStartup() {

@@ -1,8 +1,8 @@
-// The least that a run of the installer can cost: the same folder, files, INF values, child and deletion, but each file
-// written straight from the mapped payload with one call and dpinst.xml as a finished text. What script/bench compares
-// the installer with; carries the same archives and is linked with the same flags.
+// The floor program: does the work of the installer at the lowest cost. It has the same folder, files, INF values,
+// child and deletion, but it writes each file from the mapped payload with one call, and dpinst.xml as a finished text.
+// script/bench compares the installer with it. It carries the same archives and is linked with the same flags.
 #include <windows.h>
-// After windows.h, which it needs.
+// It needs windows.h before it.
 #include <shellapi.h>
 
 #include <cstddef>
@@ -16,7 +16,7 @@ extern "C" const unsigned char embeddedArchiveB[];
 
 namespace {
 
-// About the length of a real one; the child does not read it.
+// About the size of a real dpinst.xml; the child does not read it.
 constexpr std::size_t kDpinstXmlSize = 20 * 1024;
 
 void WriteWholeFile(const std::string& path, const void* data, std::size_t size) {
@@ -48,7 +48,7 @@ void ReadInf(const std::string& folder) {
 }
 
 void RunChild(const std::string& program) {
-  std::string commandLine = program;  // the system may write to it
+  std::string commandLine = program;  // Windows may write to it
   STARTUPINFOA startup = {};
   startup.cb = sizeof(startup);
   PROCESS_INFORMATION process = {};

@@ -1,13 +1,13 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2154 # work, temp, pairs and contenders are the caller's
-# What script/bench measures: sourced, not run. Leaves its figures to the caller's function result.
+# The measurements of script/bench: sourced, not run. Each figure goes to the caller's function `result`.
 #
-# Each figure is a median over rounds. A round takes everything that is compared once, beginning with another one each
-# time, so that whatever else the machine does meets all of them alike; a ratio is the median of the rounds' ratios.
-# (hyperfine takes all runs of one command before those of the next, and no memory.)
+# Each figure is a median over rounds. A round runs each of the compared programs once, and each round begins with
+# another program, so that other load on the machine affects all of them alike. A ratio is the median of the ratios of
+# the rounds. (hyperfine does all runs of one command before the next command, and does not measure memory.)
 
-# seconds COMMAND…: how long it took, in $elapsed, and how much processor time it took itself, with the children that it
-# waited for as Unix does, in $processor. Output goes nowhere; a failure ends the script.
+# seconds COMMAND…: leaves the elapsed time in $elapsed, and in $processor the processor time of the command and of the
+# children that it waited for. Discards the output; a failure ends the script.
 seconds() {
   local TIMEFORMAT='%3R %3U %3S' user system
   { time "$@" </dev/null >/dev/null 2>&1; } 2>"$work/time" || fail "failed: $*"
@@ -15,8 +15,8 @@ seconds() {
   processor=$(awk -v a="$user" -v b="$system" 'BEGIN { print a + b }')
 }
 
-# rounds FUNCTION NAME…: calls FUNCTION NAME for all names in each round. Leaves a line a round in $work/rounds: $elapsed
-# for each name, then $processor for each.
+# rounds FUNCTION NAME…: calls FUNCTION NAME for all names in each round. Leaves one line for each round in
+# $work/rounds: $elapsed for each name, then $processor for each name.
 rounds() {
   local function=$1 round i name
   shift
@@ -36,18 +36,18 @@ rounds() {
   done >"$work/rounds"
 }
 
-# median COLUMN [DIVISOR]: of a column of $work/rounds, or of the ratio of two.
+# median COLUMN [DIVISOR]: the median of a column of $work/rounds, or of the ratio of two columns.
 median() {
   awk -v a="$1" -v b="${2:-0}" '{ print (b ? $a / $b : $a) }' "$work/rounds" | sort -g | awk '
     { value[NR] = $1 }
     END { printf "%.6g", NR % 2 ? value[(NR + 1) / 2] : (value[NR / 2] + value[NR / 2 + 1]) / 2 }'
 }
 
-# Nothing that an earlier run left to be written may slow this one down.
+# Data that an earlier run left to be written must not slow this run down.
 time_run() {
   sync -f "$temp" "$work"
   seconds wine "$work/run/$1.exe"
-  [ ! -e "$temp/kwa" ] || fail "$1 left its work folder behind"
+  [ ! -e "$temp/kwa" ] || fail "$1 did not delete its work folder"
 }
 
 measure_runs() {
@@ -59,7 +59,7 @@ measure_runs() {
   for name in "${contenders[@]}"; do
     result "run.$name" "$(median "$column")"
     result "processor.$name" "$(median $((column + count)))"
-    # Of the first column, the installer.
+    # The first column is the installer.
     if [ "$column" -gt 1 ]; then
       result "run.ratio.$name" "$(median 1 "$column")"
       result "processor.ratio.$name" "$(median $((1 + count)) $((column + count)))"
@@ -68,8 +68,8 @@ measure_runs() {
   done
 }
 
-# The kernel's own account of a process: VmHWM is its highest resident size, file pages that it merely maps included;
-# RssAnon is what is private to it. The latter has no high mark, so it is read all the time while the process runs.
+# The kernel reports two sizes of a process: VmHWM is the highest resident size, with the pages of mapped files.
+# RssAnon is the private memory at this moment, so it is read again and again while the process runs.
 measure_memory() {
   local name pid key value resident private
   for name in "${contenders[@]}"; do
@@ -99,13 +99,13 @@ measure_added_bytes() {
   done
 }
 
-# peak COMMAND…: the highest resident size, in bytes, of any process that it starts.
+# peak COMMAND…: prints the highest resident size, in bytes, of any process that it starts.
 peak() {
   /usr/bin/time -o "$work/time" -f %M "$@" </dev/null >/dev/null 2>&1 || fail "failed: $*"
   printf '%s' $(($(tail -n 1 "$work/time") * 1024))
 }
 
-# Archive A, nine tenths of the payload, beside a copy of the same files.
+# Archive A, nine tenths of the payload, compared with a copy of the same files.
 pack_files() { "$work/installer/kwapayload" pack "$work/payload/a" "$work/packed/a"; }
 copy_files() { cp "$work"/payload/a/* "$work/packed"; }
 
@@ -127,7 +127,8 @@ measure_packing() {
   rm -rf "$work/packed"
 }
 
-# build_step FILE PATTERN: makes a script of the last of the build's commands that has PATTERN, without what follows it.
+# build_step FILE PATTERN: makes a script of the last command of the build that contains PATTERN, without the commands
+# after its "&&".
 build_step() {
   printf 'cd "%s"\n' "$work/installer" >"$1"
   ninja -C "$work/installer" -t commands kwa_installer.exe | grep -F -e "$2" | tail -n 1 | sed 's/ && cd .*//' >>"$1"
@@ -136,7 +137,7 @@ build_step() {
 time_building() {
   sync -f "$work"
   if [ "$1" = rebuild ]; then
-    # The smallest change that a maker can make to a payload; never the same twice.
+    # The smallest possible change of a payload, and a new one each time.
     changes=$((${changes:-0} + 1))
     printf '%08d' "$changes" | dd of="$work/payload/a/marlin_usb.cat" conv=notrunc status=none
     seconds cmake --build "$work/installer"

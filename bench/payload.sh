@@ -1,9 +1,10 @@
 # shellcheck shell=bash
 # Payloads of any size for script/bench: sourced, not run.
 
-# bench_contents BYTES: the list of contents of a payload of that many bytes, that of payload/contents.json scaled. The
-# INF grows no larger than it is there, because Windows reads it as a whole and no real one grows with the payload. What
-# is neither INF nor program is noise, so that nothing between the program and the disk can shorten it.
+# bench_contents BYTES: prints the list of contents of a payload of that many bytes: payload/contents.json with other
+# sizes. The INF does not become larger than it is there, because Windows reads it as a whole and a real INF does not
+# grow with the payload. Files other than the INF and the programs are random bytes, so that no layer can compress
+# them.
 bench_contents() {
   jq --argjson wanted "$1" '(.files | map(.size) | add) as $total | .files[] |= (
     (.size * $wanted / $total | floor) as $scaled |
@@ -12,7 +13,8 @@ bench_contents() {
     else .kind = "unknown data" end)' payload/contents.json
 }
 
-# bench_inf SIZE: a text of that many bytes. Its lines are as long as those of a real one: Windows parses all, twice.
+# bench_inf SIZE: prints an INF of that many bytes. Its lines are as long as in a real INF, because Windows parses all
+# of them, twice.
 bench_inf() {
   awk -v size="$1" 'function put(line) { printf "%s\r\n", line; size -= length(line) + 2 }
     BEGIN {
@@ -28,8 +30,8 @@ bench_inf() {
     }'
 }
 
-# bench_payload BYTES CHILD32 CHILD64 FOLDER: makes FOLDER/a, FOLDER/b and FOLDER/contents.json. The two children stand
-# in DPInst's place.
+# bench_payload BYTES CHILD32 CHILD64 FOLDER: makes FOLDER/a, FOLDER/b and FOLDER/contents.json. The two children take
+# the place of DPInst.
 bench_payload() {
   local folder=$4 archive name size file length
   rm -rf "$folder"
@@ -41,7 +43,7 @@ bench_payload() {
       dpinst.exe) cat "$2" >"$file" ;;
       dpinst64.exe) cat "$3" >"$file" ;;
       *.inf) bench_inf "$size" >"$file" ;;
-      *) printf '\0' >"$file" ;; # the mark of no kind of file
+      *) printf '\0' >"$file" ;; # no kind of file begins with this
     esac
     length=$(stat -c %s "$file")
     head -c $((size - length)) /dev/urandom >>"$file"

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2154 # work, results, pairs and temp are the caller's
-# What script/bench shows and leaves: sourced, not run.
+# The table, the JSON file and the plot of script/bench: sourced, not run.
 
 describe_machine() {
   printf '%s, %s processors, %s on %s, %s\n' \
@@ -8,7 +8,7 @@ describe_machine() {
     "$(stat -f -c %T "$temp")" "$(uname -sr)" "$(wine --version)"
 }
 
-# The rows of the table: name of the figure, factor, decimals, label, aim. A row without a name is a heading.
+# The rows of the table: name of the figure, factor, decimals, label, target. A row without a name is a heading.
 report_rows() {
   cat <<'END'
 |||Whole run, seconds|
@@ -56,7 +56,7 @@ report_table() {
     END {
       printf "\n%-40s", "Payload, MB"
       for (i = 1; i <= sizes; ++i) printf "%12d", size[i]
-      printf "   Aim\n"
+      printf "   Target\n"
       count = split(rows, row, "\n")
       for (r = 1; r <= count; ++r) {
         split(row[r], field, "|")
@@ -76,7 +76,7 @@ report_json() {
       map({megabytes: (.[0][0] | tonumber)} + (map({(.[1]): (.[2] | tonumber)}) | add)))}' "$results"
 }
 
-# report_series NAME FACTOR: megabytes and the figure of that name, one payload a line.
+# report_series NAME FACTOR: prints the payload's megabytes and the figure, one payload on each line.
 report_series() { awk -F '\t' -v name="$1" -v factor="$2" '$2 == name { print $1, $3 * factor }' "$results"; }
 
 report_plot() {

@@ -1,4 +1,4 @@
-# Compiler settings that every project of this tree shares.
+# Compiler settings for all projects of this tree.
 option(KWA_WERROR "Treat compiler warnings as errors" OFF)
 
 set(CMAKE_CXX_STANDARD 17)
@@ -12,7 +12,7 @@ if(KWA_WERROR)
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Werror>)
 endif()
 
-# No path of the build machine may reach a binary, and no date: builds of the same files are identical.
+# Binaries contain no path of the build machine and no date, so that builds of the same files are identical.
 cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH kwaRoot)
 add_compile_options(
   "$<$<COMPILE_LANGUAGE:CXX,ASM>:-ffile-prefix-map=${kwaRoot}=.>"
@@ -21,8 +21,8 @@ add_compile_options(
 
 if(WIN32)
   add_compile_definitions(_WIN32_WINNT=0x0501 WINVER=0x0501)
-  # The platform's printf family: MinGW's own calls fputc once per character and takes 29 KB. libstdc++'s headers switch
-  # to MinGW's whatever the command line says, so <stdio.h> has to come before them.
+  # The printf functions of Windows: those of MinGW call fputc once per character and take 29 KB. The headers of
+  # libstdc++ choose MinGW's functions in spite of this definition, so <stdio.h> is included before them.
   add_compile_definitions(__USE_MINGW_ANSI_STDIO=0)
   add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:SHELL:-include stdio.h>")
   add_link_options(-static -Wl,--no-insert-timestamp)

@@ -1,11 +1,11 @@
-# Programs for the build machine: kwapayload and, for the sample, the payload's generator. A project of its own, since
-# they want the build machine's compiler.
+# Programs for the build machine: kwapayload and the generator of the sample payload. They are a project of their own,
+# because they need the compiler of the build machine.
 include(ExternalProject)
 
 set(kwaPayloadTool ${CMAKE_BINARY_DIR}/kwapayload)
 set(kwaSampleTool ${CMAKE_BINARY_DIR}/samplepayload)
 
-# A ready tool saves most of a release's build time.
+# With a tool that is already built, a release takes much less time.
 set(KWA_PAYLOAD_TOOL "" CACHE FILEPATH "kwapayload for a release; empty: the build makes its own")
 if(KWA_PAYLOAD_TOOL AND KWA_PAYLOAD STREQUAL "release")
   set(kwaPayloadTool ${KWA_PAYLOAD_TOOL})

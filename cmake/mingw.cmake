@@ -1,4 +1,5 @@
-# What the MinGW-w64 toolchain files share: finds the compilers of kwaTriple, the thread variant's first.
+# The common part of the MinGW-w64 toolchain files. Finds the compilers of kwaTriple, preferably those of the thread
+# variant.
 if(NOT DEFINED KWA_THREADS)
   set(KWA_THREADS win32)
 endif()

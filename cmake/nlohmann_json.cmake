@@ -1,5 +1,5 @@
-# The target kwa_nlohmann_json: the header-only JSON library, for Windows programs too. A cross build cannot simply use
-# the build machine's include folder, since the C library's headers of that machine stand there as well: it gets a copy.
+# The target kwa_nlohmann_json: the header-only JSON library, also for Windows programs. A cross build gets a copy of
+# it, because the include folder of the build machine also contains the headers of that machine's C library.
 include_guard(GLOBAL)
 
 find_path(KWA_NLOHMANN_JSON_FOLDER nlohmann/json.hpp NO_CMAKE_FIND_ROOT_PATH

@@ -7,8 +7,8 @@ if(EXISTS ${payloadDir}/contents.json)
 endif()
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${kwaContents})
 
-# The full paths of the listed files, in payloadFilesA and payloadFilesB. A file that does not exist is left out unless the
-# build makes it: Ninja would say no more than that no rule makes it, and kwapayload tells all that is wrong.
+# The full paths of the listed files, in payloadFilesA and payloadFilesB. A file that does not exist is left out
+# unless the build makes it: Ninja would stop with a poor message, and kwapayload reports everything that is wrong.
 file(READ ${kwaContents} contents)
 string(JSON last LENGTH "${contents}" files)
 math(EXPR last "${last} - 1")
@@ -44,14 +44,14 @@ if(kwaMakesSample)
     COMMENT "Making the sample payload"
     VERBATIM)
 else()
-  # An added or removed file changes its folder: then CMake looks again which files exist.
+  # An added or removed file changes the time of its folder. CMake then finds out again which files exist.
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${payloadDir} ${payloadDir}/a ${payloadDir}/b)
 endif()
 
 foreach(archive A B)
   string(TOLOWER ${archive} folder)
   set(kwaArchive${archive} ${CMAKE_BINARY_DIR}/archive_${folder}.kwap)
-  # The folder is there for files that are added or removed.
+  # The folder is in the list because of files that are added or removed.
   add_custom_command(
     OUTPUT ${kwaArchive${archive}}
     COMMAND ${kwaPayloadTool} pack ${payloadDir}/${folder} ${kwaArchive${archive}}

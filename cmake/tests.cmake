@@ -1,5 +1,6 @@
-# The tests, as projects of their own: the Windows ones want the compiler's thread variant that GoogleTest needs, the
-# host ones the build machine's compiler with sanitizers. One ctest in this build folder runs them all.
+# The tests are projects of their own: the Windows tests need the thread variant of the compiler that GoogleTest
+# needs, the host tests need the compiler of the build machine with sanitizers. One ctest in this build folder runs
+# all of them.
 enable_testing()
 
 set(kwaStandinArguments)
@@ -23,7 +24,7 @@ ExternalProject_Add(host_tests
   SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools
   BINARY_DIR ${CMAKE_BINARY_DIR}/host-tests
   CMAKE_GENERATOR ${CMAKE_GENERATOR}
-  # -O1: with the sanitizers, this compiles in little more than half the time that -O2 takes.
+  # With the sanitizers, -O1 compiles in little more than half the time of -O2.
   CMAKE_ARGS -DCMAKE_CXX_FLAGS=-O1 -DKWA_WERROR=${KWA_WERROR} -DKWA_SANITIZE=ON -DKWA_TESTS=ON
     -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_PAYLOAD_DIR=${payloadDir} -DKWA_CONTENTS=${kwaContents}
   INSTALL_COMMAND ""
@@ -36,6 +37,6 @@ set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/su
 foreach(test reproducible signed)
   add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
     ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-test/${test})
-  # By far the longest: to be started first.
+  # These take by far the longest, so CTest starts them first.
   set_tests_properties(release.${test} PROPERTIES COST 100)
 endforeach()

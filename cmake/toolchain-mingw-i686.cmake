@@ -1,7 +1,7 @@
 # 32-bit Windows programs with MinGW-w64.
 #
-# KWA_THREADS chooses the compiler's thread variant where the distribution ships both. "win32" for what we ship: its
-# runtime imports nothing that Windows XP lacks. "posix" for the unit tests: GoogleTest needs std::mutex.
+# KWA_THREADS chooses the thread variant of the compiler, if the distribution has both. "win32" is for the installer:
+# its runtime imports nothing that Windows XP lacks. "posix" is for the tests: GoogleTest needs std::mutex.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86)
 set(kwaTriple i686-w64-mingw32)
