@@ -1,10 +1,10 @@
 # shellcheck shell=bash
-# What every script has alike: sourced, not run, before a script changes folders or reads its arguments. Prints the
-# script's header comment and ends it when --help is among its arguments. Leaves the tree's folder in $root.
+# The common part of all scripts: sourced, not run, before a script changes the folder or reads its arguments. If --help
+# is among the arguments, prints the header comment of the script and ends it. Leaves the folder of the tree in $root.
 #
-#   say TEXT…      a line of what is going on: "demo: TEXT"
-#   fail TEXT…     the same on the error stream, and ends with 1
-#   misuse TEXT…   the same for arguments that cannot be followed, and ends with 2
+#   say TEXT…      prints a line of progress: "demo: TEXT"
+#   fail TEXT…     prints such a line on the error stream and ends with 1
+#   misuse TEXT…   the same for wrong arguments, and ends with 2
 #   usage TEXT…    misuse with a hint at --help
 
 cli_name=${0##*/}
@@ -18,7 +18,7 @@ cli_end() {
 }
 fail() { cli_end 1 "$@"; }
 misuse() { cli_end 2 "$@"; }
-usage() { misuse "$*; 'script/$cli_name --help' tells the usage"; }
+usage() { misuse "$*; see 'script/$cli_name --help'"; }
 
 for cli_argument in "$@"; do
   if [ "$cli_argument" = --help ]; then

@@ -1,26 +1,26 @@
 # shellcheck shell=bash
 # Pictures of what a Windows program shows: sourced, not run, after wine.sh. The caller sets -e.
 #
-#   screens_start COUNT                       an X server that nobody sees, with that many screens
+#   screens_start COUNT                       starts an X server with that many invisible screens
 #   screens_stop                              ends it
 #   screen_run NUMBER COMMAND WORDS…          runs a Windows program on a screen, in Wine's current prefix
-#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture of a screen, other than OTHER if that is
-#                                             given; both in the PPM format
-#   crop_picture FILE PICTURE                 makes the picture of the window alone, or fails
+#   screen_picture NUMBER PID FILE [OTHER]    waits for a finished picture of a screen that differs from OTHER, if that
+#                                             is given; both files have the PPM format
+#   crop_picture FILE PICTURE                 cuts the picture to the window, or fails
 #
-# 96 pixels per inch, as a Windows screen has.
+# The screens have 96 pixels per inch, as Windows has.
 
 screens_display=
 screens_pid=
-# Room for a window that stands low: Wine 10 tells a program that any virtual desktop has 1024x768.
+# Large enough for a low window: Wine 10 reports 1024x768 to programs, whatever the size of the virtual desktop.
 screens_size=800x700
-# Without the task bar, which Wine 9 shows at the lower edge.
+# Without the task bar that Wine 9 shows at the lower edge.
 screens_seen=800x660+0+0
 
 screens_start() {
   local screens=() i output
   for ((i = 0; i < $1; i++)); do screens+=(-screen "$i" "${screens_size}x24"); done
-  # -noreset: without it, the server starts anew, and refuses whoever comes then, each time its last client has left.
+  # Without -noreset, the server resets when its last client leaves, and refuses clients that come in that moment.
   exec {output}< <(exec Xvfb -displayfd 1 -dpi 96 -noreset -nolisten tcp "${screens[@]}" 2>/dev/null)
   screens_pid=$!
   if ! read -r screens_display <&"$output"; then
@@ -39,11 +39,11 @@ screen_run() {
   DISPLAY=:$screens_display.$1 wine_quiet wine explorer "/desktop=screen$1,$screens_size,x11" "${@:2}"
 }
 
-# shows_window FILE: and not a bare desktop. An empty window has few colours, too.
+# shows_window FILE: fails for an empty desktop and for an empty window, which have few colours.
 shows_window() { [ "$(identify -format %k "$1")" -gt 16 ]; }
 
-# The picture is finished when two in a row are the same. Fails when the program with that PID has ended before, and when
-# there is no picture to be had: import says so, but not always by its exit status.
+# The picture is finished when two pictures in a row are equal. Fails when the program with that PID ends before, and
+# when import makes no picture, which its exit status does not always show.
 screen_picture() {
   local number=$1 pid=$2 file=$3 other=${4-} last=$3.last outcome=1
   rm -f "$file" "$last"
