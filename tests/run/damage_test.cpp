@@ -7,8 +7,8 @@ namespace {
 struct Damage {
   const char* what;
   void (*change)(InstallerImage*);
-  bool returns;                   // else it ends through terminate
-  std::vector<std::string> left;  // in the work folder; without any, it is gone
+  bool returns;                   // if false, the run ends through terminate
+  std::vector<std::string> left;  // the files in the work folder after the run; empty: the folder is deleted
 };
 
 const std::vector<std::string> kNothing = {"."};  // an empty folder
@@ -22,9 +22,9 @@ const Damage kDamages[] = {
     {"MagicOfB", [](InstallerImage* image) { image->SetText(image->B().position, "none"); }, true, kArchiveA},
     {"RefusedName", [](InstallerImage* image) { image->SetName(image->Find("marlin_usb.inf"), "a*b"); }, true,
      {"marlin_usb.cat", "marlinusb.exe"}},
-    // The table of this many entries does not fit in 32 bits.
+    // The size of a table with this many entries does not fit in 32 bits.
     {"CountOfAPastTheLimit", [](InstallerImage* image) { image->SetCount(image->A(), 16268816); }, false, kNothing},
-    // DPInst cannot be started: it is not there, or no program.
+    // DPInst cannot be started: it is missing, or it is not a program.
     {"NoDpinst", [](InstallerImage* image) {
        image->SetName(image->Find("dpinst64.exe"), "dpinst65.exe");
        image->SetName(image->Find("dpinst.exe"), "dpinst33.exe");
@@ -54,8 +54,7 @@ TEST_F(DamagedInstaller, StartsNothing) {
   }
 }
 
-// A size of 2^31 or more means no bytes at all: every later body is then read from the wrong place, and the run goes on
-// with what comes of that.
+// A size of 2^31 or more counts as 0 bytes. Every later body is then read from the wrong place, and the run continues.
 TEST_F(InstallerRun, TakesABodyOf2To31BytesForEmpty) {
   InstallerImage image;
   image.SetSize(image.Find("marlin_usb.inf"), 0x80000000);

@@ -1,5 +1,4 @@
-// What others, or a full disk, can do to a run, and what becomes of it today. docs/security.md tells each of these
-// hazards.
+// What other programs or a full disk can do to a run, and how it ends today. docs/security.md describes each hazard.
 
 #include <filesystem>
 
@@ -10,7 +9,7 @@ namespace {
 
 using Hazard = InstallerRun;
 
-// The command line has no quotes: Windows tries each part that ends at a blank first.
+// The command line has no quotes, so Windows first tries each part that ends before a blank.
 TEST_F(Hazard, UnquotedCommandLineStartsAPlantedProgram) {
   const std::string blanks = folder.MakeFolder("some folder\\temp");
   WriteWholeFile(folder / "some.exe", ReadWholeFile(KWA_PAYLOAD_DIR "/b/dpinst.exe"));
@@ -18,8 +17,8 @@ TEST_F(Hazard, UnquotedCommandLineStartsAPlantedProgram) {
   EXPECT_EQ(NamesIn(blanks), std::vector<std::string>());
 }
 
-// A file that cannot be deleted stays beside DPInst: a library that DPInst loads, say. The shell gives up at it, and
-// leaves what it would have deleted after it.
+// A file that cannot be deleted stays in the folder of DPInst. It can be a library that DPInst loads. The shell stops
+// at this file, and does not delete the files after it.
 TEST_F(Hazard, LockedForeignFileStaysBesideDpinst) {
   folder.MakeFolder("temp\\kwa");
   const LockedFile lock = Lock(work + "\\zz_planted.dll");
@@ -39,7 +38,7 @@ TEST_F(Hazard, LockedPayloadFileEndsTheRunSilently) {
             (std::vector<std::string>{"marlin_usb.cat", "marlin_usb.inf", "marlin_usb.sys", "marlinusb.exe"}));
 }
 
-// Names with these make dpinst.xml no XML any more; nobody notices but DPInst.
+// With these characters in a name, dpinst.xml is not well-formed. Only DPInst notices it.
 TEST_F(Hazard, NamesAreNotEscapedInXml) {
   InstallerImage image;
   const EmbeddedFile& inf = image.Find("marlin_usb.inf");
@@ -54,8 +53,8 @@ TEST_F(Hazard, NamesAreNotEscapedInXml) {
   EXPECT_EQ(result.exitStatus, 0U);
 }
 
-// On the small disk whose root folder KWA_SMALL_DISK names, with a separator at its end: nothing tells the installer
-// that the disk is full, and files are cut short.
+// The installer does not notice that the disk is full, and files are truncated. KWA_SMALL_DISK is the root folder of a
+// small disk, with a separator at the end.
 TEST_F(Hazard, FullDiskCutsFilesShort) {
   char disk[MAX_PATH] = {};
   if (GetEnvironmentVariableA("KWA_SMALL_DISK", disk, MAX_PATH) == 0) {
@@ -63,14 +62,14 @@ TEST_F(Hazard, FullDiskCutsFilesShort) {
   }
   const std::string there = std::string(disk) + "temp";
   const std::string filler = std::string(disk) + "filler";
-  std::filesystem::remove_all(there);  // what an earlier one of this may have left
+  std::filesystem::remove_all(there);  // an earlier run of this test may have left files
   CreateDirectoryA(there.c_str(), nullptr);
   ULARGE_INTEGER available = {};
   ASSERT_TRUE(GetDiskFreeSpaceExA(disk, &available, nullptr, nullptr));
   WriteWholeFile(filler, std::string(static_cast<std::size_t>(available.QuadPart - (8U << 20U)), 'x'));
   const RunResult result = RunWith(there);
   EXPECT_EQ(result.exitStatus, 0U);
-  EXPECT_TRUE(result.report.is_null()) << "it is one of those files";
+  EXPECT_TRUE(result.report.is_null()) << "DPInst is one of the truncated files";
   EXPECT_EQ(NamesIn(there), std::vector<std::string>());
   DeleteFileA(filler.c_str());
   RemoveDirectoryA(there.c_str());

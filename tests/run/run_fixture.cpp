@@ -8,7 +8,7 @@
 
 namespace {
 
-// The shell's word on a failed deletion, and the runtime's on an abnormal end.
+// Closes the shell's message after a failed deletion, and the runtime's message after an abnormal end.
 int CloseMessageBoxes(DWORD processId) {
   int count = 0;
   constexpr char kDialogClass[] = "#32770";
@@ -25,8 +25,8 @@ int CloseMessageBoxes(DWORD processId) {
   return count;
 }
 
-// Lets a program run to its end with this process as its debugger, which sees what it tells one and its whole status.
-// Programs that it starts are not debugged.
+// Debugs a program until it ends, to see its debug output and all 32 bits of its exit status. Does not debug the
+// programs that it starts.
 void DebugToEnd(const PROCESS_INFORMATION& process, RunResult* result) {
   constexpr DWORD kLookAroundMilliseconds = 5;
   for (DEBUG_EVENT event = {}; event.dwDebugEventCode != EXIT_PROCESS_DEBUG_EVENT;) {
@@ -42,7 +42,7 @@ void DebugToEnd(const PROCESS_INFORMATION& process, RunResult* result) {
     } else if (event.dwDebugEventCode == OUTPUT_DEBUG_STRING_EVENT) {
       std::string text(event.u.DebugString.nDebugStringLength, '\0');
       ReadProcessMemory(process.hProcess, event.u.DebugString.lpDebugStringData, text.data(), text.size(), nullptr);
-      // The platform may have lines of its own to say.
+      // Windows may write other lines.
       result->invalidParameterLines +=
           std::strcmp(text.c_str(), "Invalid parameter passed to C runtime function.\n") == 0 ? 1 : 0;
     } else if (event.dwDebugEventCode == EXCEPTION_DEBUG_EVENT &&
@@ -72,7 +72,7 @@ RunResult InstallerRun::RunIn(const std::string& startFolder, const std::optiona
   DeleteFileA((reports + "\\report.json").c_str());
   SetEnvironmentVariableA("TEMP", value ? value->c_str() : nullptr);
   SetEnvironmentVariableA("KWA_STANDIN_REPORT", reports.c_str());
-  SetEnvironmentVariableA("KWA_STANDIN_EXIT", "0x80010000");  // which must not become the installer's own
+  SetEnvironmentVariableA("KWA_STANDIN_EXIT", "0x80010000");  // the installer must not return this
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   std::string commandLine = "\"" + program + "\" /never read";

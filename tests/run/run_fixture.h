@@ -13,24 +13,22 @@
 
 struct RunResult {
   DWORD exitStatus = 0;
-  // How often the runtime's invalid-parameter line went to the debugger.
+  // How often the line about an invalid parameter went to the debugger.
   int invalidParameterLines = 0;
-  // Messages that Windows showed in the program's name; they were closed.
+  // The number of message boxes of the program. Each was closed.
   int messageBoxes = 0;
-  // What the stand-in for DPInst reports; null where it did not run. Then the files beside it by name, each as "SIZE
-  // SHA-256", and dpinst.xml as it stood there.
-  nlohmann::json report;
-  std::map<std::string, std::string> files;
-  std::string document;
+  nlohmann::json report;                     // of the stand-in for DPInst; null if it did not run
+  std::map<std::string, std::string> files;  // in the stand-in's folder, by name, each as "SIZE SHA-256"
+  std::string document;                      // dpinst.xml in that folder
 };
 
-// What the runs of all tests share: the folder that TEMP names, one to start from, one for DPInst's report.
+// The folders of each run: one that TEMP names, one to start in, one for the report of the stand-in for DPInst.
 class InstallerRun : public testing::Test {
  protected:
-  // Runs the installer under test to its end.
+  // Runs the installer until it ends.
   RunResult Run() const { return RunWith(temp); }
 
-  // With another TEMP, or without one.
+  // The same with another TEMP, or without TEMP.
   RunResult RunWith(const std::optional<std::string>& value) const { return RunIn(current, value); }
   RunResult RunIn(const std::string& startFolder, const std::optional<std::string>& value) const;
 
@@ -48,8 +46,8 @@ class InstallerRun : public testing::Test {
 // The edition of DPInst for the Windows under test.
 const char* DpinstName();
 
-// A file's contents as a report states them.
+// The contents of a file as "SIZE SHA-256", as in a report.
 std::string Fingerprint(const std::string& contents);
 
-// The files that DPInst must find beside itself, as a report states them.
+// The files that must be in the folder of DPInst, by name, each as "SIZE SHA-256".
 std::map<std::string, std::string> ExpectedFiles(const std::string& document);

@@ -1,11 +1,11 @@
-// Whole runs of the built installer, as its user would start it.
+// Whole runs of the built installer, as a user starts it.
 
 #include "run_fixture.h"
 #include "windows_facts.h"
 
 namespace {
 
-// The other tests ask Windows what it is; this one asks whether it is what the test's name says.
+// The other tests ask Windows for its version. This test checks that it is the version in the name of the prefix.
 TEST(WindowsUnderTest, IsTheOneThatThePrefixNames) {
   char prefix[MAX_PATH] = {};
   GetEnvironmentVariableA("WINEPREFIX", prefix, MAX_PATH);
@@ -17,7 +17,7 @@ TEST(WindowsUnderTest, IsTheOneThatThePrefixNames) {
 
 TEST_F(InstallerRun, GivesDpinstEveryByteAndLeavesNothing) {
   const RunResult result = Run();
-  EXPECT_EQ(result.exitStatus, 0U) << "whatever DPInst says";
+  EXPECT_EQ(result.exitStatus, 0U) << "whatever DPInst returns";
   EXPECT_EQ(result.invalidParameterLines, 0);
   EXPECT_EQ(result.messageBoxes, 0);
   EXPECT_EQ(result.report["commandLine"], work + "\\" + DpinstName());

@@ -1,5 +1,5 @@
-// What becomes of a run for each kind of value of TEMP: where the files go, which command line starts DPInst, how often
-// the runtime complains, and what stays behind.
+// A run for each kind of value of TEMP: where the files go, which command line starts DPInst, how often the runtime
+// reports an invalid parameter, and which files stay.
 
 #include <filesystem>
 
@@ -10,8 +10,8 @@ namespace {
 
 using InstallerTemp = InstallerRun;
 
-// The work folder is \kwa in the root of the current drive. Where its own name does not fit, everything lands in the
-// root itself and stays there.
+// The work folder is \kwa in the root of the current drive. If the path with "\kwa" does not fit, all files go to the
+// root folder and stay there.
 TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
   const struct {
     std::optional<std::string> temp;
@@ -25,7 +25,7 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
       {"C:\\" + std::string(253, 't'), 1, "\\"},
   };
   const std::map<std::string, std::string> files = ExpectedFiles(ExpectedDocument());
-  // No other test writes there; an earlier one of this may have failed half way.
+  // No other test writes there, but an earlier run of this test may have failed.
   std::filesystem::remove_all("C:\\kwa");
   for (const auto& [name, fingerprint] : files) {
     DeleteFileA(("C:\\" + name).c_str());
@@ -51,8 +51,8 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
   }
 }
 
-// The separator behind the work folder does not fit: everything lands in the current folder, and the INF, looked for
-// under its bare name, is not found there.
+// The separator after the work folder does not fit, so all files go to the current folder. The INF is not found, because
+// Windows looks for a bare file name in the Windows folder only.
 TEST_F(InstallerTemp, Of255CharactersFillsTheCurrentFolder) {
   std::string document = ExpectedDocument();
   for (const char* text :
@@ -65,15 +65,15 @@ TEST_F(InstallerTemp, Of255CharactersFillsTheCurrentFolder) {
   EXPECT_EQ(result.report["commandLine"], DpinstName());
   EXPECT_EQ(result.document, document);
   EXPECT_EQ(result.files, ExpectedFiles(document));
-  EXPECT_EQ(NamesIn(current).size(), result.files.size()) << "nobody cleans up";
+  EXPECT_EQ(NamesIn(current).size(), result.files.size()) << "no file is deleted";
 }
 
-TEST_F(InstallerTemp, IsTakenAsItStands) {
+TEST_F(InstallerTemp, IsUsedUnchanged) {
   const std::string blanks = folder.MakeFolder("a folder with blanks");
   folder.MakeFolder("current\\relative");
   const struct {
     std::string temp;
-    std::string program;  // where DPInst ran; empty: nowhere
+    std::string program;  // the folder in which DPInst ran; empty: it did not run
   } cases[] = {
       {blanks, blanks + "\\kwa\\"}, {temp + "\\", temp + "\\kwa\\"}, {"relative", current + "\\relative\\kwa\\"},
       {"\"" + temp + "\"", ""},     {temp + "\\missing", ""},
@@ -86,7 +86,7 @@ TEST_F(InstallerTemp, IsTakenAsItStands) {
     EXPECT_EQ(!result.report.is_null(), !expected.program.empty());
     if (!result.report.is_null()) {
       const std::string line = expected.temp + "\\kwa\\" + DpinstName();
-      // The platform quotes a line for the program when it found that behind a blank.
+      // Windows passes a quoted command line when the path contains a blank.
       EXPECT_EQ(result.report["commandLine"], line.find(' ') == std::string::npos ? line : "\"" + line + "\"");
       EXPECT_EQ(result.report["program"], expected.program + DpinstName());
       EXPECT_FALSE(std::filesystem::exists(expected.program));

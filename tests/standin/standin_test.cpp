@@ -1,5 +1,5 @@
-// The stand-in for DPInst in each edition that this Windows runs: its wizard as a user walks through it. What it
-// reports of the installer's dpinst.xml is checked with whole runs.
+// The wizard of the stand-in for DPInst, as a user goes through it, in each edition that this Windows runs. The tests
+// of whole runs check its report of the installer's dpinst.xml.
 
 #include <windows.h>
 
@@ -30,7 +30,7 @@ class Standin : public testing::TestWithParam<const char*> {
     std::string line = program;
     ASSERT_TRUE(CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
   }
-  // Waits for its end, and ends it where it stands still.
+  // Waits until the program ends, and kills it if it hangs.
   DWORD ExitCode() const {
     DWORD code = 0;
     WaitForSingleObject(process.hProcess, 20000);
@@ -58,7 +58,7 @@ class Standin : public testing::TestWithParam<const char*> {
     return false;
   }
 
-  // Posted, as a click is: Wine's property sheet notices its end only after a message from the queue.
+  // Posts the message, as a click does: Wine's property sheet notices its end only after a message from the queue.
   void Press(WPARAM button) const { PostMessageW(dialog, PSM_PRESSBUTTON, button, 0); }
 
   const TestFolder folder{};
@@ -71,7 +71,7 @@ TEST_P(Standin, ObeysTheUser) {
   Press(PSBTN_NEXT);
   EXPECT_TRUE(Shows(KWA_EULA, L"F\u00FCr Ger\u00E4te"));
   EXPECT_TRUE(Shows(KWA_EULA_YES, L"Ich &akzeptiere diese EULA"));
-  PostMessageW(dialog, WM_SYSCHAR, L'a', 1 << 29);  // Alt with the letter that accepts
+  PostMessageW(dialog, WM_SYSCHAR, L'a', 1 << 29);  // Alt and the underlined letter of "accept"
   Press(PSBTN_NEXT);
   EXPECT_TRUE(Shows(KWA_STAND_IN, L"Dies ist ein Platzhalter f\u00FCr DPInst: Es wird nichts installiert."));
   EXPECT_TRUE(Shows(KWA_PACKAGES, L"marlin.inf\n"));
@@ -80,7 +80,7 @@ TEST_P(Standin, ObeysTheUser) {
 }
 
 const char* const kEditions[] = {KWA_STANDIN_X86, KWA_STANDIN_X64};
-// cppcheck-suppress syntaxError // it does not know an empty argument of a macro
+// cppcheck-suppress syntaxError // cppcheck does not know empty macro arguments
 INSTANTIATE_TEST_SUITE_P(, Standin, testing::ValuesIn(kEditions, kEditions + (Is64Bit() ? 2 : 1)));
 
 }  // namespace

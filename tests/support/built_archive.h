@@ -4,19 +4,19 @@
 #include <string>
 #include <vector>
 
-// Archives made by hand, independently of the program's writer.
+// Archives for tests, made without the code under test.
 
 struct ArchiveBody {
   std::string name;
   std::string bytes;
-  // What the entry says of the body's size; by default the truth.
+  // The size in the entry (default: the real size).
   std::uint32_t size = static_cast<std::uint32_t>(bytes.size());
 };
 
-// An archive with its closing zero word.
+// An archive with its terminator, the zero word.
 std::string BuildArchive(const std::vector<ArchiveBody>& bodies);
 
-// Four little-endian bytes, and two.
+// A number as four or as two little-endian bytes.
 std::string WordBytes(std::uint32_t word);
 inline std::string HalfBytes(std::uint32_t half) {
   return WordBytes(half).substr(0, 2);

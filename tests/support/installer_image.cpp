@@ -25,7 +25,7 @@ EmbeddedArchive ReadArchive(const InstallerImage& image, std::size_t position) {
 }  // namespace
 
 InstallerImage::InstallerImage() : bytes(ReadWholeFile(KWA_INSTALLER)) {
-  // An entry's name fills its field with zeros, as nothing else in the file does.
+  // Only an entry has its name followed by zeros to the end of the field.
   for (std::string first : {"marlinusb.exe", "dpinst.exe"}) {
     first.resize(kNameSize);
     archives.push_back(ReadArchive(*this, bytes.find(first) - 8));

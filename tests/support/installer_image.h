@@ -6,7 +6,7 @@
 
 #include "built_archive.h"
 
-// A file of the payload as it stands in the installer's file. All positions are bytes from the file's start.
+// A file of the payload inside the installer. All positions are bytes from the start of the installer's file.
 struct EmbeddedFile {
   std::size_t entryPosition;  // of its 264-byte record
   std::size_t bodyPosition;
@@ -19,8 +19,7 @@ struct EmbeddedArchive {
   std::vector<EmbeddedFile> files;
 };
 
-// The built installer, to be looked into and to be damaged in a copy. Finds its way by itself, not with the tools that
-// are to be tested.
+// A copy of the built installer, which a test can read and damage. Finds the archives without the code under test.
 class InstallerImage {
  public:
   // The installer under test.
@@ -32,14 +31,14 @@ class InstallerImage {
   const EmbeddedFile& Find(const std::string& name) const;
   std::uint32_t Word(std::size_t position) const;
 
-  // Writes over what stands there.
+  // Overwrites bytes.
   void SetText(std::size_t position, const std::string& text) { bytes.replace(position, text.size(), text); }
-  // The record's count of an archive, the name or size of an entry, the first bytes of a body.
+  // Overwrites an archive's number of entries, the size or name of an entry, or the beginning of a body.
   void SetCount(const EmbeddedArchive& archive, std::uint32_t count) { PutWord(bytes, archive.position + 4, count); }
   void SetSize(const EmbeddedFile& file, std::uint32_t size) { PutWord(bytes, file.entryPosition + 260, size); }
   void SetName(const EmbeddedFile& file, std::string name);
   void SetBody(const EmbeddedFile& file, std::string body);
-  // Cuts the file's end off, or puts bytes there.
+  // Truncates the file, or appends bytes.
   void Resize(std::size_t size) { bytes.resize(size, 'x'); }
 
  private:

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// An empty folder of a test's own, deleted with everything in it at the end.
+// An empty folder for one test. The destructor deletes it with everything in it.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -12,21 +12,21 @@ class TemporaryFolder {
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  // Without a separator at its end.
+  // Without a separator at the end.
   const std::string& Path() const { return path; }
   std::string operator/(const std::string& name) const { return (std::filesystem::path(path) / name).string(); }
 
-  // Creates a folder in this one, its parents as well, and returns its path.
+  // Creates a folder in this folder, with its parents, and returns its path.
   std::string MakeFolder(const std::string& name) const;
 
  private:
   std::string path;
 };
 
-// The whole file; a missing one fails the test and gives "".
+// The whole file. A missing file fails the test and gives "".
 std::string ReadWholeFile(const std::filesystem::path& path);
 
-// Creates the folders that lead to it as well.
+// Writes a file, and creates its parent folders.
 void WriteWholeFile(const std::filesystem::path& path, const std::string& bytes);
 
 // The names in a folder, sorted.

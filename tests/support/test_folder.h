@@ -8,14 +8,14 @@
 
 #include "temporary_folder.h"
 
-// A temporary folder for the installer's code: all paths are 8-bit text as that takes them.
+// A temporary folder for tests of the installer's code, which takes paths as 8-bit text.
 class TestFolder : public TemporaryFolder {
  public:
-  // With the separator at the end that the installer's functions want.
+  // With the separator at the end that the installer's functions need.
   std::string Slashed() const { return Path() + "\\"; }
 };
 
-// A file that is kept open so that nobody else can open or delete it.
+// An open file that no other program can open or delete.
 using LockedFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 inline LockedFile Lock(const std::string& path) {

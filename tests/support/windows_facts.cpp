@@ -5,7 +5,7 @@
 #include "temporary_folder.h"
 
 unsigned long WindowsMajorVersion() {
-  // Knows no compatibility mode.
+  // Unlike GetVersionEx, this ignores the compatibility mode.
   using GetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
   const auto getVersion = reinterpret_cast<GetVersionFunction>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlGetVersion")));

@@ -1,5 +1,5 @@
-// The bounded copy and append: result, errno and every byte of the destination. What they tell the debugger is counted
-// where the installer runs.
+// The bounded copy and append: result, errno and every byte of the destination. The tests of whole runs count the lines
+// that go to the debugger.
 
 #include "support/bounded_text.h"
 

@@ -1,5 +1,5 @@
-// The welcome page's device list for every family, and which family a name with several keys belongs to; dpinst.xml,
-// byte for byte against expected/dpinst.xml, which shows it for the package that the installer carries.
+// The welcome page's device list for every family, and the family of a name with several keys. dpinst.xml, compared
+// byte for byte with expected/dpinst.xml, which is that of the sample payload.
 
 #include "dpinst/dpinst_config.h"
 
@@ -37,13 +37,13 @@ const struct {
     {"Marlin", kMarlin},
     {"Vireoe QX", kVireoeQx},
     {"Vireoe Q", kVireo, kVireoGerman},
-    // Several keys: the first in the order of the families.
+    // With several keys, the first family in the order wins.
     {"USB MADI OspreyNET", "Osprey Q1"},
     {"USB MADI", kMadi},
     {"Marlin USB", kUsb},
     {"Vireoe QX Marlin", kMarlin},
     {"Vireo and Vireoe QX", kVireoeQx},
-    // No key.
+    // Without a key.
     {"marlin usb %s%n", ""},
 };
 
@@ -62,7 +62,7 @@ TEST(WriteDeviceList, WritesTheFamilyAndTheVersion) {
   }
 }
 
-TEST(WriteDpinstDocument, TakesVersionAndNameAsTheyStand) {
+TEST(WriteDpinstDocument, WritesVersionAndNameUnchanged) {
   constexpr char kOddVersion[] = "<%s%n&>";
   constexpr char kOddName[] = "100% Vireo %s & <b>\xC3\xA4\xE4";
   std::string expected = ExpectedDocument(true);

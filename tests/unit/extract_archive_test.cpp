@@ -1,4 +1,4 @@
-// The archive's reader: what it writes to disk, what it tells its callbacks, where it leaves the read positions.
+// The archive's reader: the files that it writes, the calls of its callbacks, and the read positions afterwards.
 
 #include "archive/extract_archive.h"
 
@@ -14,7 +14,7 @@
 
 namespace kwa {
 
-// The process's two archives, which a test fills.
+// The two archives of the process. The tests fill them.
 PayloadArchive archiveA = {};
 PayloadArchive archiveB = {};
 
@@ -23,7 +23,7 @@ PayloadArchive archiveB = {};
 namespace {
 
 using Files = std::map<std::string, std::string>;
-// What the callbacks were told.
+// The arguments of the callbacks.
 std::string events;
 
 void NoteFileStart(const kwa::ArchiveEntry* entry, std::uint32_t size) {
@@ -38,7 +38,7 @@ const kwa::ExtractionCallbacks kNoteAll = {NoteFileStart, NoteProgress};
 
 class ExtractArchive : public testing::Test {
  protected:
-  // Puts whole words into the place of archive A or B, as if nobody had read from it yet.
+  // Makes the bytes archive A or B and resets its read position.
   void Install(const std::string& bytes, int index = 0) {
     words[index].resize(bytes.size() / 4);
     std::memcpy(words[index].data(), bytes.data(), bytes.size());
@@ -63,7 +63,7 @@ class ExtractArchive : public testing::Test {
 };
 
 TEST_F(ExtractArchive, WritesBodiesOfEverySizeAndTellsOfEachChunk) {
-  // A size of 2^31 or more counts as none.
+  // A size of 2^31 or more counts as 0.
   std::vector<ArchiveBody> bodies = {
       {"twice", "longer"}, {"huge", "", 0x80000000}, {"largest", "", 0xFFFFFFFF}, {"twice", "later"}};
   Files files = {{"huge", ""}, {"largest", ""}, {"twice", "later"}};
@@ -85,7 +85,7 @@ TEST_F(ExtractArchive, WritesBodiesOfEverySizeAndTellsOfEachChunk) {
             "4095 4095 4095; 4095; 4096 4096 4096; 4096; 4097 4097 4097; 4096; 4097; 11519 11519 11519; 4096; 8192; "
             "11519; ");
   EXPECT_EQ(kwa::archiveA.position, bytes.size() - 4);
-  // Nothing sets the position back: the next word is the closing one.
+  // Nothing resets the position, so the next word is the terminator.
   EXPECT_EQ(Extract(), kwa::ArchiveCorrupt);
   EXPECT_EQ(kwa::archiveA.position, bytes.size());
 }
@@ -112,7 +112,7 @@ TEST_F(ExtractArchive, RefusesAForeignHeader) {
   }
 }
 
-// The table is refused before a single record is read: these archives have no more than their header.
+// The table is refused before a record is read: these archives have only their header.
 TEST_F(ExtractArchive, ThrowsWhenTheTableIsTooLong) {
   for (const std::uint32_t count : {16268816U, 0xFFFFFFFFU}) {
     Install("KWAP" + WordBytes(count));
@@ -132,7 +132,7 @@ TEST_F(ExtractArchive, EndsAtAFileThatCannotBeOpened) {
   }
 }
 
-TEST_F(ExtractArchive, CallsOnlyTheCallbacksThereAreAndPutsNothingBehindTheFolder) {
+TEST_F(ExtractArchive, CallsOnlyGivenCallbacksAndAddsNothingToTheFolder) {
   const std::pair<kwa::ExtractionCallbacks, std::string> cases[] = {
       {{}, ""}, {{NoteFileStart, nullptr}, "f 1 1; "}, {{nullptr, NoteProgress}, "1; "}};
   for (const auto& [callbacks, expected] : cases) {
@@ -143,8 +143,8 @@ TEST_F(ExtractArchive, CallsOnlyTheCallbacksThereAreAndPutsNothingBehindTheFolde
   EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"kwaf"});
 }
 
-// Tools show these texts; their spelling is what their readers know.
-TEST(ArchiveResultText, HasAWordForEveryCode) {
+// The texts keep their spelling, wrong as it is: programs may show or compare them.
+TEST(ArchiveResultText, HasATextForEveryCode) {
   const std::vector<std::string> texts(std::begin(kwa::ArchiveResultText), std::end(kwa::ArchiveResultText));
   EXPECT_EQ(texts, (std::vector<std::string>{"ok", "empty archiv, no files found", "error in path",
                                              "could not create archiv file", "corrupt archiv",

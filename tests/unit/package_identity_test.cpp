@@ -1,6 +1,6 @@
-// Which INF gives the package's identity, and what is read of it: the host tool's reader must read what the platform's
-// does of many files put together at random from all that means something to either, and its preview must be what the
-// installer writes.
+// The INF that gives the package's identity, and the values that are read from it. kwapayload's reader must read the
+// same values as Windows, from many random files made of pieces that matter to one of the two readers. Its preview must
+// be the file that the installer writes.
 
 #include <windows.h>
 
@@ -11,16 +11,16 @@
 
 #include "dpinst/dpinst_config.h"
 #include "dpinst/package_identity.h"
-#include "package/package_identity.h"
 #include "inf_cases.h"
 #include "installer/preview.h"
+#include "package/package_identity.h"
 #include "test_folder.h"
 
 namespace {
 
 using namespace std::string_view_literals;
 
-// Mostly what makes up a profile, so that the values are found often; some of it wrong.
+// Mostly the normal parts of an INF, so that the values are found often, and some faults.
 // clang-format off
 constexpr std::string_view kPieces[] = {
     "[Version]\r\n"sv, "[Version]\r\n"sv, "DriverVer="sv, "DriverVer="sv, "DriverPackageDisplayName = "sv,
@@ -44,7 +44,7 @@ std::string RandomInf(std::mt19937* random) {
 
 using Identity = std::pair<std::string, std::string>;  // version, display name
 
-// Fails the test unless what the buffers held is gone and the result is the length of the version.
+// Fails the test unless both buffers are overwritten and the result is the length of the version.
 Identity ReadIdentity(const std::string& workFolder) {
   kwa::DriverPackageIdentity identity = {"left over", "left over"};
   const std::uint32_t length = kwa::ReadPackageIdentity(workFolder.c_str(), identity.version, identity.displayName);
@@ -52,7 +52,7 @@ Identity ReadIdentity(const std::string& workFolder) {
   return {identity.version, identity.displayName};
 }
 
-// Writes the INF into a folder of its own, since the platform keeps what it has read of a name.
+// Each INF has a folder of its own, because Windows caches the contents of a file by its name.
 void ExpectTheSame(const std::string& inf) {
   SCOPED_TRACE(testing::PrintToString(inf.substr(0, 300)));
   const TestFolder folder;
@@ -68,7 +68,7 @@ void ExpectTheSame(const std::string& inf) {
 
 TEST(HostInfReader, ReadsAndPreviewsWhatThePlatformReadsAndWrites) {
   if (GetACP() != 1252) {
-    GTEST_SKIP() << "bytes beyond ASCII pass as they are in code page 1252; this Windows uses " << GetACP();
+    GTEST_SKIP() << "bytes beyond ASCII stay unchanged only in code page 1252; this Windows uses " << GetACP();
   }
   for (const InfCase& inf : InfCases()) {
     ExpectTheSame(inf.bytes);
@@ -93,7 +93,7 @@ TEST(ReadPackageIdentity, ReadsTheFirstInfListed) {
   EXPECT_EQ(ReadIdentity(folder.Slashed()), Identity(first.cFileName, ""));
 }
 
-// 260 bytes hold the folder with "*.inf", but not with the INF's own name; or not even the former.
+// With a buffer of 260 bytes: the whole path fits; only the path with "*.inf" fits; neither fits.
 TEST(ReadPackageIdentity, IsEmptyWhenThePathDoesNotFit) {
   const struct {
     std::size_t folderLength;
@@ -104,7 +104,7 @@ TEST(ReadPackageIdentity, IsEmptyWhenThePathDoesNotFit) {
     const TestFolder folder;
     const std::string workFolder =
         folder.MakeFolder(std::string(expected.folderLength - folder.Slashed().size() - 1, 'n')) + "\\";
-    // Past the platform's own limit a path needs this mark to be taken.
+    // A path that is longer than the limit of Windows needs this prefix.
     WriteWholeFile("\\\\?\\" + workFolder + expected.name, "[Version]\r\nDriverVer = 1\r\n");
     EXPECT_EQ(ReadIdentity(workFolder).first, expected.version) << expected.folderLength;
   }

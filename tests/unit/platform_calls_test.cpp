@@ -1,8 +1,8 @@
-// What the installer asks of the platform, and what it does with answers that no test machine gives. The functions of
-// the platform's names below take its place (see CMakeLists.txt).
+// The installer's calls of the platform, and its reaction to results that no test machine gives. The functions below
+// replace those of the platform (see CMakeLists.txt).
 
 #include <windows.h>
-// After windows.h, which it needs.
+// It needs windows.h before it.
 #include <shellapi.h>
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@
 
 namespace {
 
-// Handles that are never followed.
+// Their addresses serve as handles.
 char processObject, threadObject, kernelObject;
 char block[64];
 
@@ -35,7 +35,7 @@ struct Platform {
   int deletion = 0;
   DWORD majorVersion = 0;
   HANDLE search = nullptr;
-  // What was asked: each function with the arguments that matter.
+  // The calls: each function with the arguments that matter.
   std::string calls;
 } platform;
 
@@ -154,7 +154,7 @@ BOOL WINAPI FindClose(HANDLE search) {
 
 namespace {
 
-TEST(RunDpinst, GoesOnWhateverFails) {
+TEST(RunDpinst, ContinuesAfterEveryFailure) {
   const std::string start = "HeapAlloc 0 23; CreateProcessA C:\\a folder\\dpinst.exe; ";
   const std::string wait = "WaitForSingleObject process; ";
   const std::string code = "GetExitCodeProcess process; ";
@@ -175,7 +175,7 @@ TEST(RunDpinst, GoesOnWhateverFails) {
   }
 }
 
-TEST(Is64BitWindows, BelievesAnythingButTheAnswerOf32BitWindows) {
+TEST(Is64BitWindows, IsTrueUnlessTheCallIsMissingOrNotImplemented) {
   const std::pair<void (*)(), int> cases[] = {
       {[] { platform.hasKernel = false; }, 0},
       {[] { platform.hasWow64Directory = false; }, 0},
@@ -207,7 +207,7 @@ TEST(DeleteFolderTree, AsksTheShellOnce) {
   }
 }
 
-// An invalid handle, the platform's word for no match, is none of the installer's business; a null one is.
+// When no file matches, Windows returns an invalid handle, and the installer continues. Only a null handle stops it.
 TEST(ReadPackageIdentity, LeavesTheBuffersOnlyWithoutAHandle) {
   for (const HANDLE search : {HANDLE(nullptr), INVALID_HANDLE_VALUE}) {
     platform = {};
