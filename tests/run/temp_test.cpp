@@ -51,7 +51,7 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
   }
 }
 
-// The separator after the work folder does not fit, so all files go to the current folder. The INF is not found, because
+// The separator after the work folder does not fit, so all files go to the current folder. The INF is not found:
 // Windows looks for a bare file name in the Windows folder only.
 TEST_F(InstallerTemp, Of255CharactersFillsTheCurrentFolder) {
   std::string document = ExpectedDocument();
