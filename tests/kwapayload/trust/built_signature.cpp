@@ -3,12 +3,15 @@
 #include <openssl/evp.h>
 #include <openssl/rsa.h>
 #include <openssl/x509.h>
+#include <openssl/x509v3.h>
 
 #include <array>
 
 namespace {
 
 constexpr char kSha256[] = "2.16.840.1.101.3.4.2.1";
+constexpr char kSha384[] = "2.16.840.1.101.3.4.2.2";
+constexpr char kKeyIdentifier[] = "the key of the tests";
 const std::string kVersion1("\x02\x01\x01", 3);
 const std::string kNull("\x05\x00", 2);
 
@@ -43,6 +46,10 @@ struct Identity {
     X509_gmtime_adj(X509_getm_notBefore(certificate), 0);
     X509_gmtime_adj(X509_getm_notAfter(certificate), 60);
     X509_set_pubkey(certificate, key);
+    ASN1_OCTET_STRING* const identifier = ASN1_OCTET_STRING_new();
+    ASN1_STRING_set(identifier, kKeyIdentifier, -1);
+    X509_add1_ext_i2d(certificate, NID_subject_key_identifier, identifier, 0, 0);
+    ASN1_OCTET_STRING_free(identifier);
     X509_sign(certificate, key, EVP_sha256());
   }
   // Weak on purpose: old signatures are to be read on systems that refuse such keys elsewhere.
@@ -55,10 +62,18 @@ const Identity& Tester() {
   return identity;
 }
 
-std::string Sign(const std::string& digest, bool isBare) {
+bool IsPss(SignerForm form) {
+  return form == SignerForm::Pss || form == SignerForm::PssOtherDigest || form == SignerForm::PssUnknownMask;
+}
+
+std::string Sign(const std::string& digest, SignerForm form) {
   EVP_PKEY_CTX* const context = EVP_PKEY_CTX_new(Tester().key, nullptr);
   EVP_PKEY_sign_init(context);
-  if (!isBare) {
+  if (IsPss(form)) {
+    EVP_PKEY_CTX_set_rsa_padding(context, RSA_PKCS1_PSS_PADDING);
+    EVP_PKEY_CTX_set_rsa_mgf1_md(context, EVP_sha1());
+  }
+  if (form != SignerForm::BareDigest) {
     EVP_PKEY_CTX_set_signature_md(context, EVP_sha256());
   }
   std::array<unsigned char, 128> signature = {};
@@ -68,17 +83,40 @@ std::string Sign(const std::string& digest, bool isBare) {
   return {signature.begin(), signature.end()};
 }
 
-std::string BuildSigner(const std::string& octets, const std::string& moreAttributes, bool isBare,
-                        const SignedParts& parts) {
+std::string SignatureAlgorithm(SignerForm form) {
+  if (!IsPss(form)) {
+    return Algorithm("rsaEncryption");
+  }
+  const char* const digest = form == SignerForm::PssOtherDigest ? kSha384 : kSha256;
+  const char* const mask = form == SignerForm::PssUnknownMask ? "1.2.3" : "1.2.840.113549.1.1.8";
+  return Der(kDerSequence,
+             ObjectId("1.2.840.113549.1.1.10") +
+                 Der(kDerSequence, Der(0xA0, Algorithm(digest)) +
+                                       Der(0xA1, Der(kDerSequence, ObjectId(mask) + Algorithm("1.3.14.3.2.26")))));
+}
+
+// An element, in the form of indefinite length if `form` demands it.
+std::string List(SignerForm form, unsigned char tag, const std::string& content) {
+  return form == SignerForm::Indefinite ? std::string{static_cast<char>(tag), '\x80'} + content + std::string(2, '\0')
+                                        : Der(tag, content);
+}
+
+std::string BuildSigner(const std::string& octets, const std::string& moreAttributes, const SignedParts& parts) {
   const std::string attributes = DerAttribute("contentType", ObjectId(parts.contentType)) +
                                  DerAttribute("messageDigest", Der(kDerOctets, DigestBytes(octets, "SHA256"))) +
                                  moreAttributes;
-  const std::string signature = Sign(DigestBytes(Der(kDerSet, attributes), "SHA256"), isBare);
-  const std::string added = parts.unsignedAttributes ? Der(0xA1, parts.unsignedAttributes(signature)) : "";
+  const std::string signature = Sign(DigestBytes(Der(kDerSet, attributes), "SHA256"), parts.form);
   const std::string issuer = Encoded(X509_get_issuer_name(Tester().certificate), i2d_X509_NAME);
   const std::string serialNumber = Encoded(X509_get_serialNumber(Tester().certificate), i2d_ASN1_INTEGER);
-  return Der(kDerSequence, kVersion1 + Der(kDerSequence, issuer + serialNumber) + Algorithm(kSha256) +
-                               Der(0xA0, attributes) + Algorithm("rsaEncryption") + Der(kDerOctets, signature) + added);
+  const bool isIndefinite = parts.form == SignerForm::IndefiniteAttributes;
+  return List(parts.form, kDerSequence,
+              kVersion1 +
+                  (parts.form == SignerForm::ByKeyIdentifier ? Der(0x80, kKeyIdentifier)
+                                                             : Der(kDerSequence, issuer + serialNumber)) +
+                  Algorithm(kSha256) +
+                  List(isIndefinite ? SignerForm::Indefinite : SignerForm::Plain, 0xA0, attributes) +
+                  SignatureAlgorithm(parts.form) + Der(kDerOctets, signature) +
+                  (parts.unsignedAttributes ? List(parts.form, 0xA1, parts.unsignedAttributes(signature)) : ""));
 }
 
 }  // namespace
@@ -120,30 +158,37 @@ std::string TrustList(unsigned version, const std::string& members) {
 
 std::string BuildSignedData(const SignedParts& parts) {
   const std::size_t headerSize = Der(kDerSequence, "").size() + (parts.content.size() < 0x82 ? 0 : 3);
+  const auto list = [&parts](unsigned char tag, const std::string& content) { return List(parts.form, tag, content); };
+  const std::string octets = parts.content.substr(headerSize);
+  const auto tag = static_cast<unsigned char>(parts.content[0]);
+  constexpr unsigned char kConstructed = 0x20;
+  const std::string content = parts.form != SignerForm::Indefinite
+                                  ? parts.content
+                                  : list(tag | kConstructed, tag == kDerOctets ? parts.content : octets);
   std::string signers;
   for (unsigned i = 0; i < parts.signerCount; ++i) {
-    signers += BuildSigner(parts.content.substr(headerSize), "", false, parts);
+    signers += BuildSigner(octets, "", parts);
   }
   const std::string certificates =
-      parts.hasCertificate ? Der(0xA0, Encoded(Tester().certificate, i2d_X509)) : std::string();
-  return Der(
+      parts.hasCertificate ? list(0xA0, Encoded(Tester().certificate, i2d_X509)) : std::string();
+  return list(
       kDerSequence,
       ObjectId("1.2.840.113549.1.7.2") +
-          Der(0xA0, Der(kDerSequence, kVersion1 + Der(kDerSet, Algorithm(kSha256)) +
-                                          Der(kDerSequence, ObjectId(parts.contentType) + Der(0xA0, parts.content)) +
-                                          certificates + Der(kDerSet, signers))));
+          list(0xA0, list(kDerSequence, kVersion1 + list(kDerSet, Algorithm(kSha256)) +
+                                            list(kDerSequence, ObjectId(parts.contentType) + list(0xA0, content)) +
+                                            certificates + list(kDerSet, signers))));
 }
 
-std::string CounterSignature(const std::string& signature, bool isBare) {
-  SignedParts parts = {};
-  parts.contentType = "1.2.840.113549.1.7.1";
+std::string CounterSignature(const std::string& signature, SignerForm form, bool hasTime) {
+  const std::string time = hasTime ? DerAttribute("signingTime", Der(0x17, "140213120000Z")) : "";
   return DerAttribute("1.2.840.113549.1.9.6",
-                      BuildSigner(signature, DerAttribute("signingTime", Der(0x17, "140213120000Z")), isBare, parts));
+                      BuildSigner(signature, time, {"1.2.840.113549.1.7.1", "", 1, true, nullptr, form}));
 }
 
-std::string TimestampToken(const std::string& signature) {
+std::string TimestampToken(const std::string& signature, SignerForm form) {
   const std::string imprint = Der(kDerSequence, Algorithm(kSha256) + Der(kDerOctets, DigestBytes(signature, "SHA256")));
   const std::string info =
       Der(kDerSequence, kVersion1 + ObjectId("1.2.3") + imprint + kVersion1 + Der(0x18, "20140213120000Z"));
-  return DerAttribute("1.3.6.1.4.1.311.3.3.1", BuildSignedData({"1.2.840.113549.1.9.16.1.4", Der(kDerOctets, info)}));
+  return DerAttribute("1.3.6.1.4.1.311.3.3.1",
+                      BuildSignedData({"1.2.840.113549.1.9.16.1.4", Der(kDerOctets, info), 1, true, nullptr, form}));
 }

@@ -1,4 +1,4 @@
-// Security catalogs and the signatures that programs carry: what they cover, and whether they are sound.
+// Security catalogs and the signatures in programs: what they cover, and whether they hold.
 
 #include <gtest/gtest.h>
 
@@ -15,13 +15,15 @@ namespace {
 constexpr char kSha1[] = "1.3.14.3.2.26";
 constexpr char kSha256[] = "2.16.840.1.101.3.4.2.1";
 constexpr char kMd2[] = "1.2.840.113549.2.2";
+constexpr char kNestedType[] = "1.3.6.1.4.1.311.2.4.1";
+constexpr char kMd5[] = "1.2.840.113549.2.5";
 
 std::string Member(const std::string& tag, const std::string& attributes) {
   return Der(kDerSequence, Der(kDerOctets, tag) + (attributes.empty() ? "" : Der(kDerSet, attributes)));
 }
 
-std::string IndirectMember(const char* algorithm, const std::string& digest) {
-  return Member("any tag", DerAttribute(kIndirectDataType, IndirectData(algorithm, digest)));
+std::string IndirectMember(const std::string& tag, const char* algorithm, const std::string& digest) {
+  return Member(tag, DerAttribute(kIndirectDataType, IndirectData(algorithm, digest)));
 }
 
 std::string BuildCatalog(unsigned version, const std::string& members) {
@@ -29,20 +31,22 @@ std::string BuildCatalog(unsigned version, const std::string& members) {
 }
 
 // A program without a certificate table, of a size that is a multiple of 8 or not.
-std::string Program(std::size_t bytesOfCode = 24) {
+std::string Program(std::size_t bytesOfCode = 24, std::size_t directoryCount = 16) {
   BuiltImage built;
   built.sections = {{".text", kCode, std::string(bytesOfCode, '\x90')}};
-  built.directories.resize(16);
+  built.directories.resize(directoryCount);
   return BuildImage(built);
 }
 
 constexpr std::size_t kCheckSum = 0x80 + 24 + 64;
 constexpr std::size_t kSecurityEntry = 0x80 + 24 + 96 + 4 * 8;
 
-std::string PaddedParts(const std::string& program) {
-  std::string parts = program.substr(0, kCheckSum) + program.substr(kCheckSum + 4, kSecurityEntry - kCheckSum - 4) +
-                      program.substr(kSecurityEntry + 8);
-  parts.resize((program.size() + 7) / 8 * 8 - 12);
+std::string PaddedParts(const std::string& program, bool hasSecurityEntry = true) {
+  std::string parts = program.substr(0, kCheckSum) + program.substr(kCheckSum + 4);
+  if (hasSecurityEntry) {
+    parts.erase(kSecurityEntry - 4, 8);
+  }
+  parts.resize((program.size() + 7) / 8 * 8 - (program.size() - parts.size()));
   return parts;
 }
 
@@ -103,8 +107,11 @@ TEST(Trust, CatalogCovers) {
   const std::string text = "[Version]\r\n";
   const std::string hexTag = Utf16("39488A95FF3BD1C8E34DC7B728BB935F5032E1EE") + std::string(2, '\0');
   const std::string program = Program(21);
+  const std::string fewDirectories = Program(24, 4);
+  const std::string damaged = program.substr(0, kSecurityEntry);
   const auto sha1 = [](const std::string& bytes) { return DigestBytes(bytes, "SHA1"); };
   const auto sha256 = [](const std::string& bytes) { return DigestBytes(bytes, "SHA256"); };
+  const auto md5 = [](const std::string& bytes) { return DigestBytes(bytes, "MD5"); };
   const struct {
     const char* what;
     unsigned version;
@@ -113,17 +120,25 @@ TEST(Trust, CatalogCovers) {
     bool isCovered;
   } cases[] = {
       {"hexadecimal tag", 1, Member(hexTag, ""), text, true},
-      {"raw tag", 2, Member(DigestBytes(text, "SHA512"), ""), text, true},
-      {"indirect data", 2, IndirectMember(kSha256, sha256(text)), text, true},
-      {"the second member", 1, IndirectMember(kSha1, sha1("other")) + Member(hexTag, ""), text, true},
-      {"image digest", 1, IndirectMember(kSha1, sha1(PaddedParts(program))), program, true},
+      {"hexadecimal tag and indirect data", 1, IndirectMember(hexTag, kSha1, sha1(text)), text, true},
+      {"raw tag", 2, Member(sha256(text), ""), text, true},
+      {"raw SHA-1 tag", 2, Member(sha1(text), ""), text, true},
+      {"raw tag and indirect data", 2, IndirectMember(sha256(text), kSha256, sha256(text)), text, true},
+      {"the second member", 1, Member(sha1("other"), "") + Member(hexTag, ""), text, true},
+      {"image digest", 2, Member(sha1(PaddedParts(program)), ""), program, true},
       {"image digest of a signed program", 2, Member(sha256(PaddedParts(program)), ""), Signed(program), true},
-      {"flat digest of a program", 2, Member(sha256(program), ""), program, true},
+      {"no security directory", 2, Member(sha256(PaddedParts(fewDirectories, false)), ""), fewDirectories, true},
+      {"DOS program", 2, Member(sha256("MZ"), ""), "MZ", true},
+      {"digest of a program's file", 2, Member(sha256(program), ""), program, false},
+      {"digest of a damaged program's file", 2, Member(sha256(damaged), ""), damaged, false},
       {"another digest", 2, Member(sha256("other"), ""), text, false},
-      {"a tag beside other indirect data", 2,
-       Member(sha256(text), DerAttribute(kIndirectDataType, IndirectData(kSha256, sha256("other")))), text, false},
-      {"an algorithm that does not fit", 2, IndirectMember(kSha1, sha256(text)), text, false},
-      {"an unknown algorithm", 2, IndirectMember(kMd2, sha256(text)), text, false},
+      {"another tag", 2, IndirectMember(sha256("other"), kSha256, sha256(text)), text, false},
+      {"a tag of another algorithm", 2, IndirectMember(hexTag, kSha256, sha256(text)), text, false},
+      {"a label as tag", 1, IndirectMember(Utf16("any.inf"), kSha1, sha1(text)), text, false},
+      {"other indirect data", 2, IndirectMember(sha256(text), kSha256, sha256("other")), text, false},
+      {"an algorithm that does not fit", 2, IndirectMember(sha256(text), kSha1, sha256(text)), text, false},
+      {"an unknown algorithm", 2, IndirectMember(sha256(text), kMd2, sha256(text)), text, false},
+      {"MD5", 1, Member(md5(text), "") + IndirectMember(md5(text), kMd5, md5(text)), text, false},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.what);
@@ -134,6 +149,28 @@ TEST(Trust, CatalogCovers) {
     EXPECT_EQ(test.isCovered, Covers(*catalog, digests));
     EXPECT_EQ(test.version, catalog->version);
     EXPECT_EQ("Tester: \n", Shown(catalog->signatures));
+  }
+}
+
+TEST(Trust, LineEndsThatACatalogCovers) {
+  std::string manyLines;
+  std::string manyLinesCrLf;
+  for (int i = 0; i < 100000; ++i) {
+    manyLines += "\n";
+    manyLinesCrLf += "\r\n";
+  }
+  const struct {
+    std::string covered;
+    std::string file;
+    const char* lineEnds;
+  } cases[] = {
+      {"a\r\nb\r\n", "a\nb\r\n", "CR LF"}, {"a\nb\r", "a\r\nb\r", "LF"}, {"\r\r\n", "\r\r\n", "CR LF"},
+      {manyLinesCrLf, manyLines, "CR LF"}, {"a\n", "ab\r\n", ""},
+  };
+  for (const auto& test : cases) {
+    const std::string file = BuildCatalog(2, Member(DigestBytes(test.covered, "SHA256"), ""));
+    EXPECT_EQ(test.lineEnds,
+              CoveringLineEnds(*kwa::ReadCatalog(kwa::ByteSpan(file)), kwa::ByteSpan(test.file)).value_or(""));
   }
 }
 
@@ -151,17 +188,31 @@ TEST(Trust, CatalogsAndTheirSignatures) {
   brokenSignature.back() ^= 1;
   std::string changedAttribute = good;
   changedAttribute[good.rfind(DigestBytes(list.substr(2), "SHA256")) - 20] ^= 1;
+  const std::string twoSigners = BuildSignedData({kTrustListType, list, 2});
+  std::string damagedSigner = twoSigners;
+  damagedSigner[good.size()] = kDerSet;
+  std::string longSigner = twoSigners;
+  ++longSigner[good.size() + 3];
   std::string manyMembers;
   for (int i = 0; i < 100001; ++i) {
     manyMembers += Member("", "");
   }
+  const auto inForm = [&list](SignerForm form) {
+    return BuildSignedData({kTrustListType, list, 1, true, nullptr, form});
+  };
+  const auto withNested = [&list](const SignedParts& inner) {
+    const std::string nested = DerAttribute(kNestedType, BuildSignedData(inner));
+    return BuildSignedData({kTrustListType, list, 1, true, [nested](const std::string&) { return nested; }});
+  };
+  const char kGood[] = "Tester: \n";
   const char kUnfit[] = "Tester: does not fit the signer's certificate\n";
+  const char kForeign[] = "Tester: \nnested: Tester: is one of another catalog\n";
   const char kDamagedMember[] = "is a catalog whose member 2 is damaged";
   const std::pair<std::string, std::string> cases[] = {
-      {good + "more", "Tester: \n"},
+      {good + "more", kGood},
       {BuildSignedData({kIndirectDataType, TrustList(2, "")}), "is signed data, but no catalog"},
       {BuildSignedData({kTrustListType, IndirectData(kSha1, "d")}), "is a catalog whose list of members is damaged"},
-      {BuildCatalog(2, tag + IndirectMember(kSha1, "")), kDamagedMember},
+      {BuildCatalog(2, tag + IndirectMember("tag", kSha1, "")), kDamagedMember},
       {BuildCatalog(2, tag + Der(0x02, "\x01")), kDamagedMember},
       {BuildCatalog(2, tag + tag.substr(0, 4)), kDamagedMember},
       {BuildCatalog(2, manyMembers), "is a catalog of more than 100000 members"},
@@ -170,8 +221,21 @@ TEST(Trust, CatalogsAndTheirSignatures) {
       {brokenSignature, kUnfit},
       {changedAttribute, kUnfit},
       {BuildSignedData({kTrustListType, list, 1, false}), ": comes without the signer's certificate\n"},
-      {BuildSignedData({kTrustListType, list, 2}), "Tester: \nTester: \n"},
+      {twoSigners, "Tester: \nTester: \n"},
+      {damagedSigner, "has a damaged list of signers"},
+      {longSigner, "has a damaged list of signers"},
       {BuildSignedData({kTrustListType, list, 0}), ""},
+      {withNested({kTrustListType, list}), "Tester: \nnested: Tester: \n"},
+      {withNested({kTrustListType, TrustList(2, "")}), kForeign},
+      {withNested({kIndirectDataType, list}), kForeign},
+      {inForm(SignerForm::ByKeyIdentifier), kGood},
+      {inForm(SignerForm::Pss), kGood},
+      {inForm(SignerForm::Indefinite), kGood},
+      {inForm(SignerForm::BareDigest), kUnfit},
+      {inForm(SignerForm::PssOtherDigest), "Tester: names two algorithms for one digest: SHA256 and SHA384\n"},
+      {inForm(SignerForm::PssUnknownMask), "Tester: is made with the algorithm 1.2.3, which is not known here\n"},
+      {inForm(SignerForm::IndefiniteAttributes),
+       "Tester: has signed attributes of indefinite length, which are not known here\n"},
   };
   for (const auto& [file, shown] : cases) {
     EXPECT_EQ(shown, ShownCatalog(file));
@@ -200,7 +264,7 @@ TEST(Trust, EmbeddedSignatures) {
       {otherCheckSum, "Tester: \n"},
       {WithTable(program, signature + "stuffed"), "Tester: \n"},
       {otherByte, kChanged},
-      {good + "behind the", kChanged},
+      {good + "after the", kChanged},
       {good.substr(0, good.size() - 8), kDamaged},
       {shortEntry, kDamaged},
       {tableInHeaders, kDamaged},
@@ -218,23 +282,29 @@ TEST(Trust, EmbeddedSignatures) {
 TEST(Trust, NestedSignaturesAndTimestamps) {
   const std::string program = Program();
   const auto nested = [](const std::string& inner) {
-    return [inner](const std::string&) { return DerAttribute("1.3.6.1.4.1.311.2.4.1", inner); };
+    return [inner](const std::string&) { return DerAttribute(kNestedType, inner); };
   };
   const std::string old = "Tester:  [old 2014-02-13 12:00:00 UTC: ";
-  const std::string rfc3161 = "Tester:  [RFC 3161 ";
+  const std::string token = "Tester:  [RFC 3161 2014-02-13 12:00:00 UTC: ";
   const std::pair<std::function<std::string(const std::string&)>, std::string> cases[] = {
       {nested(BuildSignedData(PartsFor(program))), "Tester: \nnested: Tester: \n"},
       {nested(BuildSignedData(PartsFor(Program(80)))),
        "Tester: \nnested: Tester: does not fit the file, which was changed\n"},
       {nested(Der(kDerSequence, "")), "Tester: \nnested: : is no signed data\n"},
-      {[](const std::string& signature) { return CounterSignature(signature, false); }, old + "]\n"},
-      {[](const std::string& signature) { return CounterSignature(signature, true); }, old + "]\n"},
-      {[](const std::string&) { return CounterSignature("another", false); }, old + "does not fit what it signs]\n"},
-      {TimestampToken, rfc3161 + "2014-02-13 12:00:00 UTC: ]\n"},
-      {[](const std::string&) { return TimestampToken("another"); },
-       rfc3161 + "2014-02-13 12:00:00 UTC: is one of another signature]\n"},
+      {[](const std::string& signature) { return CounterSignature(signature); }, old + "]\n"},
+      {[](const std::string& signature) { return CounterSignature(signature, SignerForm::BareDigest); }, old + "]\n"},
+      {[](const std::string& signature) { return CounterSignature(signature, SignerForm::Plain, false); },
+       "Tester:  [old : states no time]\n"},
+      {[](const std::string& signature) { return CounterSignature("another") + CounterSignature(signature); },
+       old + "does not fit what it signs] [old 2014-02-13 12:00:00 UTC: ]\n"},
+      {[](const std::string& signature) { return TimestampToken(signature); }, token + "]\n"},
+      {[](const std::string& signature) { return TimestampToken(signature, SignerForm::Indefinite); }, token + "]\n"},
+      {[](const std::string& signature) { return TimestampToken(signature) + TimestampToken("another"); },
+       token + "] [RFC 3161 2014-02-13 12:00:00 UTC: is one of another signature]\n"},
+      {[](const std::string& signature) { return CounterSignature("another") + TimestampToken(signature); },
+       token + "] [old 2014-02-13 12:00:00 UTC: does not fit what it signs]\n"},
       {[](const std::string&) { return DerAttribute("1.3.6.1.4.1.311.3.3.1", Der(kDerSequence, "")); },
-       rfc3161 + ": is unreadable]\n"},
+       "Tester:  [RFC 3161 : is unreadable]\n"},
   };
   for (const auto& [unsignedAttributes, shown] : cases) {
     SignedParts parts = PartsFor(program);

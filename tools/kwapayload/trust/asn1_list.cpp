@@ -67,7 +67,7 @@ bool ForEachElement(ByteSpan list, const VisitElement& visit) {
     if (!element) {
       return false;
     }
-    if (!visit(element->whole)) {
+    if (!visit(*element)) {
       break;
     }
     rest = rest.From(element->whole.Size());
@@ -79,13 +79,12 @@ void ForEachAttributeValue(ByteSpan attributes, const char* type, const VisitEle
   const std::unique_ptr<ASN1_OBJECT, decltype(&ASN1_OBJECT_free)> wanted(OBJ_txt2obj(type, 1), &ASN1_OBJECT_free);
   const ByteSpan wantedNumbers(OBJ_get0_data(wanted.get()), OBJ_length(wanted.get()));
   bool goesOn = true;
-  ForEachElement(attributes, [&](ByteSpan element) {
+  ForEachElement(attributes, [&](const Asn1Element& attribute) {
     // An attribute is a sequence of two: the type, and the set of values.
-    const std::optional<Asn1Element> attribute = FrontElement(element);
-    const std::optional<Asn1Element> itsType = FrontElement(attribute->content);
+    const std::optional<Asn1Element> itsType = FrontElement(attribute.content);
     if (itsType && itsType->content.Text() == wantedNumbers.Text()) {
-      ForEachElement(attribute->content.From(itsType->whole.Size()),
-                     [&](ByteSpan value) { return goesOn = visit(value); });
+      ForEachElement(attribute.content.From(itsType->whole.Size()),
+                     [&](const Asn1Element& value) { return goesOn = visit(value); });
     }
     return itsType && goesOn;
   });
@@ -93,8 +92,8 @@ void ForEachAttributeValue(ByteSpan attributes, const char* type, const VisitEle
 
 ByteSpan AttributeValue(ByteSpan attributes, const char* type) {
   ByteSpan first;
-  ForEachAttributeValue(attributes, type, [&first](ByteSpan value) {
-    first = value;
+  ForEachAttributeValue(attributes, type, [&first](const Asn1Element& value) {
+    first = value.whole;
     return false;
   });
   return first;

@@ -17,8 +17,8 @@ struct Asn1Element {
 // The element that the bytes begin with. Nothing where they begin with no whole element.
 std::optional<Asn1Element> FrontElement(ByteSpan bytes);
 
-// Called with an element, its tag and length included. Returns whether to go on.
-using VisitElement = std::function<bool(ByteSpan)>;
+// Returns whether to go on.
+using VisitElement = std::function<bool(const Asn1Element&)>;
 
 // Visits the elements of an encoded list. Returns false for a list that is not well-formed as far as it was visited.
 bool ForEachElement(ByteSpan list, const VisitElement& visit);

@@ -16,7 +16,7 @@ Check CheckImage(const SignedData& data, FileDigests& file) {
   if (DigestOf({}, stated->algorithm).empty()) {
     return Failure(UnknownAlgorithmText(stated->algorithm));
   }
-  if (stated->digest != file.OfImage(stated->algorithm)) {
+  if (stated->digest != file.Of(stated->algorithm)) {
     return Failure("does not fit the file, which was changed");
   }
   return {};

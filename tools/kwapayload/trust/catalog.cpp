@@ -53,17 +53,6 @@ ASN1_SEQUENCE(MemberFields) = {
     ASN1_OPT(MemberFields, attributes, ASN1_ANY),
 } static_ASN1_SEQUENCE_END(MemberFields);
 
-struct NameValueFields {
-  ASN1_BMPSTRING* name;
-  ASN1_INTEGER* flags;
-  ASN1_OCTET_STRING* value;
-};
-ASN1_SEQUENCE(NameValueFields) = {
-    ASN1_SIMPLE(NameValueFields, name, ASN1_BMPSTRING),
-    ASN1_SIMPLE(NameValueFields, flags, ASN1_INTEGER),
-    ASN1_SIMPLE(NameValueFields, value, ASN1_OCTET_STRING),
-} static_ASN1_SEQUENCE_END(NameValueFields);
-
 // ASCII text in little-endian UTF-16 up to a zero; other characters become '?'.
 std::string NarrowText(ByteSpan wide) {
   std::string text;
@@ -73,66 +62,60 @@ std::string NarrowText(ByteSpan wide) {
   return text;
 }
 
+// MakeCat knows no other algorithms (learn.microsoft.com, "MakeCat", HashAlgorithms).
 const char* AlgorithmOfSize(std::size_t digestSize) {
-  switch (digestSize) {
-    case 16:
-      return "MD5";
-    case 20:
-      return "SHA1";
-    case 32:
-      return "SHA256";
-    case 48:
-      return "SHA384";
-    case 64:
-      return "SHA512";
-    default:
-      return nullptr;
-  }
+  return digestSize == 20 ? "SHA1" : digestSize == 32 ? "SHA256" : nullptr;
 }
 
-// The digest that a tag tells, in hexadecimal UTF-16 text or as it is, if it tells any.
-void AddTag(ByteSpan tag, Catalog& catalog) {
+// The digest in a tag, where it is its bytes or hexadecimal UTF-16 text; "" for another tag.
+std::string TagDigest(ByteSpan tag) {
+  if (AlgorithmOfSize(tag.Size()) != nullptr) {
+    return std::string(tag.Text());
+  }
   std::array<unsigned char, EVP_MAX_MD_SIZE> bytes = {};
   std::size_t size = 0;
   const std::string text = NarrowText(tag);
-  if (text.size() + 1 >= tag.Size() / 2 &&
-      OPENSSL_hexstr2buf_ex(bytes.data(), bytes.size(), &size, text.c_str(), '\0') == 1) {
-    tag = ByteSpan(bytes.data(), size);
-  }
-  if (const char* const algorithm = AlgorithmOfSize(tag.Size())) {
-    catalog.digests[algorithm].emplace(tag.Text());
-  }
+  const bool isDigest = text.size() + 1 >= tag.Size() / 2 &&
+                        OPENSSL_hexstr2buf_ex(bytes.data(), bytes.size(), &size, text.c_str(), '\0') == 1 &&
+                        AlgorithmOfSize(size) != nullptr;
+  return isDigest ? std::string(bytes.begin(), bytes.begin() + size) : "";
 }
 
-void AddFileName(ByteSpan element, Catalog& catalog) {
-  const Asn1Value<NameValueFields> fields(element, ASN1_ITEM_rptr(NameValueFields));
+// Adds the value of an attribute if its name is "File". The attribute is a sequence of name, flags and value.
+void AddFileName(const Asn1Element& attribute, Catalog& catalog) {
   constexpr std::string_view kFile("\0F\0i\0l\0e", 8);
-  if (fields && BytesOf(fields->name).Text() == kFile) {
-    catalog.fileNames.insert(UpperCase(NarrowText(BytesOf(fields->value))));
+  std::array<ByteSpan, 3> fields;
+  std::size_t count = 0;
+  ForEachElement(attribute.whole, [&](const Asn1Element& field) {
+    fields[count++] = field.content;
+    return count < fields.size();
+  });
+  if (fields[0].Text() == kFile) {
+    catalog.fileNames.insert(UpperCase(NarrowText(fields[2])));
   }
 }
 
-bool AddMember(ByteSpan element, Catalog& catalog) {
-  const Asn1Value<MemberFields> fields(element, ASN1_ITEM_rptr(MemberFields));
+bool AddMember(ByteSpan member, Catalog& catalog) {
+  const Asn1Value<MemberFields> fields(member, ASN1_ITEM_rptr(MemberFields));
   if (!fields) {
     return false;
   }
   const ByteSpan attributes = EncodedOf(fields->attributes);
-  const ByteSpan indirectData = AttributeValue(attributes, kIndirectData);
-  if (indirectData.Empty()) {
-    AddTag(BytesOf(fields->tag), catalog);
-  } else {
-    const Result<IndirectData> data = ReadIndirectData(indirectData);
+  // Windows finds a member by its tag, which the digest of the file must be (learn.microsoft.com,
+  // CryptCATAdminEnumCatalogFromHash), and then compares the digest in the indirect data, if there is any.
+  const std::string digest = TagDigest(BytesOf(fields->tag));
+  bool isFound = !digest.empty();
+  if (const ByteSpan value = AttributeValue(attributes, kIndirectData); !value.Empty()) {
+    const Result<IndirectData> data = ReadIndirectData(value);
     if (!data) {
       return false;
     }
-    // What names another algorithm covers nothing. Each that is kept costs a digest of every file.
-    const char* const known = AlgorithmOfSize(data->digest.size());
-    if (known != nullptr && data->algorithm == known) {
-      catalog.digests[data->algorithm].insert(data->digest);
-    }
+    isFound = isFound && data->digest == digest && data->algorithm == AlgorithmOfSize(digest.size());
   }
-  ForEachAttributeValue(attributes, kNameValue, [&](ByteSpan value) {
+  if (isFound) {
+    catalog.digests[AlgorithmOfSize(digest.size())].insert(digest);
+  }
+  ForEachAttributeValue(attributes, kNameValue, [&](const Asn1Element& value) {
     AddFileName(value, catalog);
     return true;
   });
@@ -150,10 +133,11 @@ Result<Catalog> ReadTrustList(ByteSpan content) {
   const std::string algorithm = DottedNumbers(memberAlgorithm);
   catalog.version = algorithm == kMemberVersion1 ? 1 : algorithm == kMemberVersion2 ? 2 : 0;
   bool isSound = true;
-  const bool isList = fields->members == nullptr || ForEachElement(BytesOf(fields->members), [&](ByteSpan element) {
-                        isSound = ++catalog.memberCount <= kMaxMembers && AddMember(element, catalog);
-                        return isSound;
-                      });
+  const bool isList =
+      fields->members == nullptr || ForEachElement(BytesOf(fields->members), [&](const Asn1Element& element) {
+        isSound = ++catalog.memberCount <= kMaxMembers && AddMember(element.whole, catalog);
+        return isSound;
+      });
   if (catalog.memberCount > kMaxMembers) {
     return Failure("is a catalog of more than 100000 members");
   }
@@ -176,15 +160,21 @@ Result<Catalog> ReadCatalog(ByteSpan file) {
   }
   Result<Catalog> catalog = ReadTrustList(ByteSpan(data->content));
   if (catalog) {
-    AppendSignatures(
-        file, [](const SignedData&) { return Check(); }, catalog->signatures);
+    // A nested signature can be copied from another catalog.
+    const auto checkContent = [&data](const SignedData& other) -> Check {
+      if (other.contentType != data->contentType || other.content != data->content) {
+        return Failure("is one of another catalog");
+      }
+      return {};
+    };
+    AppendSignatures(file, checkContent, catalog->signatures);
   }
   return catalog;
 }
 
 bool Covers(const Catalog& catalog, FileDigests& file) {
   for (const auto& [algorithm, digests] : catalog.digests) {
-    if (digests.count(file.OfImage(algorithm)) != 0 || digests.count(file.OfFile(algorithm)) != 0) {
+    if (digests.count(file.Of(algorithm)) != 0) {
       return true;
     }
   }

@@ -19,17 +19,17 @@ struct Catalog {
   // SHA-256. 0: the catalog says neither.
   unsigned version;
   std::size_t memberCount;
-  // The members' digests by algorithm, as FileDigests has them: MD5, SHA-1 and SHA-2, of which each has its own size.
-  // For a member without indirect data, the tag is the digest.
+  // What the catalog covers, by algorithm ("SHA1" or "SHA256"): the digests that are the tag of a member and also in
+  // its indirect data, if it has any.
   std::map<std::string, std::set<std::string>> digests;
-  std::set<std::string> fileNames;    // upper-case, of the members that name one; only a remark, Windows ignores it
+  std::set<std::string> fileNames;    // upper-case, of members that name one; Windows ignores them
   std::vector<Signature> signatures;  // none in an unsigned catalog
 };
 
 // Fails when the bytes are no catalog, are damaged, or hold more than 100000 members.
 Result<Catalog> ReadCatalog(ByteSpan file);
 
-// Whether a member has the digest of the file or, for a Windows program, of its image.
+// Whether Windows finds a member for the file. Cabinet files are treated as any file here, but not by Windows.
 bool Covers(const Catalog& catalog, FileDigests& file);
 
 // "CR LF" or "LF": the line ends with which a text would be covered that is not covered as it is. Nothing where neither

@@ -9,7 +9,8 @@
 namespace kwa {
 namespace {
 
-// The parts of a program that its image digest covers, without the padding. None where they cannot be told.
+// The parts of a program that its image digest covers, without the padding. None where the certificate table overlaps
+// the headers.
 std::vector<ByteSpan> SignedParts(const PeImage& image) {
   const std::uint64_t optionalHeader = std::uint64_t{image.headerOffset} + 24;
   const std::uint64_t checkSum = optionalHeader + 64;
@@ -18,16 +19,16 @@ std::vector<ByteSpan> SignedParts(const PeImage& image) {
   if (image.directories.size() <= kPeSecurityDirectory) {
     return {head, image.file.From(checkSum + 4)};
   }
-  const ByteSpan behindCheckSum = image.file.Part(checkSum + 4, securityEntry - checkSum - 4);
+  const ByteSpan afterCheckSum = image.file.Part(checkSum + 4, securityEntry - checkSum - 4);
   const ByteSpan table = image.CertificateTable();
   if (table.Empty()) {
-    return {head, behindCheckSum, image.file.From(securityEntry + 8)};
+    return {head, afterCheckSum, image.file.From(securityEntry + 8)};
   }
   const auto tableBegin = static_cast<std::uint64_t>(table.Data() - image.file.Data());
   if (tableBegin < securityEntry + 8) {
     return {};
   }
-  return {head, behindCheckSum, image.file.Part(securityEntry + 8, tableBegin - securityEntry - 8),
+  return {head, afterCheckSum, image.file.Part(securityEntry + 8, tableBegin - securityEntry - 8),
           image.file.From(tableBegin + table.Size())};
 }
 
@@ -46,6 +47,12 @@ std::string ImageDigest(const PeImage& image, const std::string& algorithm) {
   return digest.Bytes();
 }
 
+// For a program that cannot be read, Windows computes no digest at all (Windows SDK blog, "Why
+// CryptCATAdminCalcHashFromFileHandle fails with a seemingly unexpected error code").
+bool HasPeSignature(ByteSpan file) {
+  return file.StartsWith("MZ") && file.From(file.U32(0x3C)).StartsWith(std::string_view("PE\0\0", 4));
+}
+
 }  // namespace
 
 FileDigests::FileDigests(ByteSpan fileBytes) : file(fileBytes) {
@@ -54,39 +61,40 @@ FileDigests::FileDigests(ByteSpan fileBytes) : file(fileBytes) {
   }
 }
 
-const std::string& FileDigests::OfFile(const std::string& algorithm) {
-  const auto [known, isNew] = fileDigests.try_emplace(algorithm);
-  if (isNew) {
+const std::string& FileDigests::Of(const std::string& algorithm) {
+  const auto [known, isNew] = digests.try_emplace(algorithm);
+  if (isNew && image) {
+    known->second = ImageDigest(*image, algorithm);
+  } else if (isNew && !HasPeSignature(file)) {
     known->second = DigestOf(file, algorithm);
   }
   return known->second;
 }
 
-const std::string& FileDigests::OfImage(const std::string& algorithm) {
-  const auto [known, isNew] = imageDigests.try_emplace(algorithm);
-  if (isNew && image) {
-    known->second = ImageDigest(*image, algorithm);
-  }
-  return known->second;
-}
-
-std::string DigestWithLineEnds(ByteSpan text, const std::string& lineEnd, const std::string& algorithm) {
+std::string DigestWithLineEnds(ByteSpan text, std::string_view lineEnd, const std::string& algorithm) {
   constexpr std::size_t kBufferSize = 64 * 1024;
   Digest digest(algorithm);
-  std::string buffer;
-  for (std::string_view rest = text.Text(); !rest.empty();) {
-    const std::size_t end = rest.find('\n');
-    const std::string_view line = rest.substr(0, end);
-    const bool isEnded = end != std::string_view::npos;
-    buffer += isEnded && !line.empty() && line.back() == '\r' ? line.substr(0, end - 1) : line;
-    buffer += isEnded ? lineEnd : "";
-    if (buffer.size() > kBufferSize) {
-      digest.Add(ByteSpan(buffer));
-      buffer.clear();
+  std::string buffer(kBufferSize, '\0');
+  std::size_t size = 0;
+  bool isAfterReturn = false;
+  for (const char character : text.Text()) {
+    if (isAfterReturn && character != '\n') {
+      buffer[size++] = '\r';
     }
-    rest.remove_prefix(isEnded ? end + 1 : rest.size());
+    isAfterReturn = character == '\r';
+    if (character == '\n') {
+      size += lineEnd.copy(&buffer[size], lineEnd.size());
+    } else if (!isAfterReturn) {
+      buffer[size++] = character;
+    }
+    // One character adds at most three.
+    if (size > kBufferSize - 3) {
+      digest.Add(ByteSpan(buffer).Part(0, size));
+      size = 0;
+    }
   }
-  digest.Add(ByteSpan(buffer));
+  digest.Add(ByteSpan(buffer).Part(0, size));
+  digest.Add(ByteSpan(isAfterReturn ? "\r" : ""));
   return digest.Bytes();
 }
 

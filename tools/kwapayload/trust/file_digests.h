@@ -3,37 +3,39 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/byte_span.h"
 #include "pe/pe_image.h"
 
 namespace kwa {
 
-// The digests of one file by which others vouch for it, as Digest has them. Each is made when it is first asked for,
-// and kept: a file may have 1.9 GB.
+// The digests by which signatures and catalogs identify one file. Each is computed when it is first asked for, and
+// kept: a file may have 1.9 GB.
 class FileDigests {
  public:
-  // The bytes must outlive this.
+  // fileBytes  must outlive this object
   explicit FileDigests(ByteSpan fileBytes);
 
   ByteSpan File() const { return file; }
   // Null for what is no Windows program.
   const PeImage* Image() const { return image ? &*image : nullptr; }
 
-  const std::string& OfFile(const std::string& algorithm);
-  // Signing leaves out of a Windows program what it changes: checksum, the security directory's entry and the
-  // certificate table. The rest is padded with zeros to a multiple of 8. "" for what is no Windows program, or where
-  // the certificate table overlaps the headers.
-  const std::string& OfImage(const std::string& algorithm);
+  // For a Windows program, the digest of its image: without what signing changes, which is the checksum, the security
+  // directory's entry and the certificate table, and padded with zeros to a multiple of 8. For any other file, the
+  // digest of all bytes. "" where libcrypto lacks the algorithm, and for a program with damaged headers or a
+  // certificate table that overlaps them.
+  const std::string& Of(const std::string& algorithm);
 
  private:
   ByteSpan file;
   std::optional<PeImage> image;
-  std::map<std::string, std::string> fileDigests;  // by algorithm
-  std::map<std::string, std::string> imageDigests;
+  std::map<std::string, std::string> digests;  // by algorithm
 };
 
 // The digest that a text would have with other line ends.
-std::string DigestWithLineEnds(ByteSpan text, const std::string& lineEnd, const std::string& algorithm);
+//
+// lineEnd  at most 2 characters, in place of each LF or CR LF
+std::string DigestWithLineEnds(ByteSpan text, std::string_view lineEnd, const std::string& algorithm);
 
 }  // namespace kwa

@@ -87,15 +87,15 @@ std::vector<Timestamp> ReadTimestamps(const SignerInfo& signer, Certificates& ce
   std::vector<Timestamp> timestamps;
   for (const char* const type : {kTimestampToken, kCounterSignature}) {
     const bool isRfc3161 = type == kTimestampToken;
-    ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), type, [&](ByteSpan value) {
+    ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), type, [&](const Asn1Element& value) {
       if (timestamps.size() == kMaxTimestamps) {
         timestamps.push_back({isRfc3161, "", Failure("is one of more than 4, and not read")});
       }
       if (timestamps.size() > kMaxTimestamps) {
         return false;
       }
-      timestamps.push_back(isRfc3161 ? ReadTimestampToken(value, signer)
-                                     : ReadCounterSignature(value, signer, certificates));
+      timestamps.push_back(isRfc3161 ? ReadTimestampToken(value.whole, signer)
+                                     : ReadCounterSignature(value.whole, signer, certificates));
       return true;
     });
   }
@@ -112,11 +112,12 @@ bool HasRoom(std::vector<Signature>& signatures) {
 // Appends the signatures of signed data itself, and to `nested` the signed data within them.
 void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentCheck& checkContent,
                          std::vector<Signature>& signatures, std::deque<std::string>& nested) {
+  if (!HasRoom(signatures)) {
+    return;
+  }
   const Result<SignedData> data = ReadSignedData(bytes);
   if (!data) {
-    if (HasRoom(signatures)) {
-      signatures.push_back({"", tl::unexpected(data.error()), isNested, {}});
-    }
+    signatures.push_back({"", tl::unexpected(data.error()), isNested, {}});
     return;
   }
   Certificates certificates(data->certificates);
@@ -130,8 +131,8 @@ void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentCheck& chec
     }
     signatures.push_back(
         {std::move(result.name), std::move(result.check), isNested, ReadTimestamps(signer, certificates)});
-    ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), kNestedSignature, [&](ByteSpan value) {
-      nested.emplace_back(value.Text());
+    ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), kNestedSignature, [&](const Asn1Element& value) {
+      nested.emplace_back(value.whole.Text());
       return nested.size() <= kMaxSignatures;
     });
   }

@@ -134,8 +134,8 @@ Result<SignedData> ReadSignedData(ByteSpan bytes) {
     }
   }
   bool isSound = true;
-  const bool isList = ForEachElement(EncodedOf(fields->signers), [&](ByteSpan element) {
-    Result<SignerInfo> signer = ReadSignerInfo(element);
+  const bool isList = ForEachElement(EncodedOf(fields->signers), [&](const Asn1Element& element) {
+    Result<SignerInfo> signer = ReadSignerInfo(element.whole);
     isSound = signer.has_value();
     if (isSound) {
       data.signers.push_back(std::move(*signer));

@@ -7,6 +7,7 @@
 #include <openssl/x509v3.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 
 #include "trust/asn1_list.h"
@@ -103,6 +104,11 @@ Check CheckSignature(const SignerInfo& signer, ByteSpan content, const X509* cer
   }
   std::string digest = DigestOf(content, signer.digestAlgorithm);
   const ByteSpan attributes(signer.signedAttributes);
+  constexpr std::uint8_t kIndefiniteLength = 0x80;
+  if (attributes.U8(1) == kIndefiniteLength) {
+    // Their DER form is signed.
+    return Failure("has signed attributes of indefinite length, which are not known here");
+  }
   if (!attributes.Empty()) {
     const Asn1Value<ASN1_OCTET_STRING> stated(AttributeValue(attributes, kMessageDigest),
                                               ASN1_ITEM_rptr(ASN1_OCTET_STRING));
@@ -135,9 +141,9 @@ struct Certificates::Entry {
 
 Certificates::Certificates(const std::string& encodedList) {
   std::size_t count = 0;
-  ForEachElement(ByteSpan(encodedList), [&](ByteSpan element) {
-    if (element.Size() <= kMaxCertificateSize) {
-      entries.push_back({element, false, nullptr});
+  ForEachElement(ByteSpan(encodedList), [&](const Asn1Element& element) {
+    if (element.whole.Size() <= kMaxCertificateSize) {
+      entries.push_back({element.whole, false, nullptr});
     }
     return ++count < kMaxCertificates;
   });
