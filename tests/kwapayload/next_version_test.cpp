@@ -6,7 +6,6 @@
 
 #include "built_archive.h"
 #include "built_image.h"
-#include "inf/driver_version.h"
 #include "installer/comparison.h"
 #include "installer_image.h"
 #include "temporary_folder.h"
@@ -33,20 +32,6 @@ TEST(Contents, RefusesANameOfBothFolders) {
   ExpectFailure(RunTool({"contents", folder.Path(), "--output", folder / "list"}), folder.Path(),
                 {"b/ONE: is to Windows the same name as " + (folder / "a/one")});
   EXPECT_EQ(NamesIn(folder.Path()), (std::vector<std::string>{"a", "b"}));
-}
-
-TEST(DriverVersion, IsOfADateThatExistsAndOneToFourNumbers) {
-  // clang-format off
-  const std::pair<const char*, const char*> cases[] = {
-      {"02/13/2014,1.0.42.0", "1.0.42.0"}, {"02/29/2012,1", "1.0.0.0"}, {"12-31-1999 , 65535.007 ; built", "65535.7.0.0"},
-      {"02/29/2014,1", ""}, {"02/29/1900,1", ""}, {"13/01/2014,1", ""}, {"00/01/2014,1", ""}, {"04/31/2014,1", ""},
-      {"04/00/2014,1", ""}, {"2/13/2014,1", ""}, {"02/13/14,1", ""}, {"02/13/2014", ""}, {"02/13/2014,1.", ""},
-      {"02/13/2014,65536", ""}, {"02/13/2014,1.2.3.4.5", ""}, {"02/13/2014,1.0.42.0 beta", ""}, {"2014/02/13,1", ""},
-  };
-  // clang-format on
-  for (const auto& [driverVer, version] : cases) {
-    EXPECT_EQ(kwa::DriverVersion(driverVer), version) << driverVer;
-  }
 }
 
 TEST(Compare, PrintsDifferencesAndNothingElse) {

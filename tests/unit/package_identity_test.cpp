@@ -11,7 +11,7 @@
 
 #include "dpinst/dpinst_config.h"
 #include "dpinst/package_identity.h"
-#include "inf_cases.h"
+#include "inf/inf_cases.h"
 #include "installer/preview.h"
 #include "package/package_identity.h"
 #include "test_folder.h"

@@ -59,10 +59,10 @@ std::string_view InfFields::ReadHeader() {
 
 std::string InfFields::ReadField() {
   std::string field;
-  std::size_t quotedSize = 0;  // up to here, blanks are part of the field
+  std::size_t keptSize = 0;  // blanks before this position are part of the field
   separator = 0;
   const auto trimEnd = [&] {
-    while (field.size() > quotedSize && IsBlank(field.back())) {
+    while (field.size() > keptSize && IsBlank(field.back())) {
       field.pop_back();
     }
   };
@@ -76,12 +76,14 @@ std::string InfFields::ReadField() {
       ++at;
     } else if (character == '"') {
       ReadQuoted(&field);
-      quotedSize = field.size();
+      keptSize = field.size();
     } else if (character != '\\') {
       field += character;
       ++at;
     } else if (ReadBackslashes(&field)) {
       trimEnd();
+    } else {
+      keptSize = field.size();
     }
   }
   isFirstField = false;

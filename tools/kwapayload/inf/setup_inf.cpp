@@ -116,6 +116,21 @@ void SubstituteAll(Sections* sections, Limits* limits) {
   }
 }
 
+// Microsoft's pages name CR as an end of line too, but Wine's tests show that Windows reads it as a blank.
+void CheckCharacters(std::string_view text, InfFields* fields) {
+  std::size_t line = 1;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\n') {
+      ++line;
+    } else if (text[i] == '\r' && text.substr(i + 1, 1) != "\n") {
+      fields->AddFault(Severity::Warning, "inf-lone-cr", line,
+                       "has a CR without an LF, and Windows may see the end of a line there");
+    } else if (text[i] == '\0') {
+      fields->AddFault(Severity::Warning, "inf-nul", line, "has a NUL, and Windows may take the file for UTF-16 text");
+    }
+  }
+}
+
 }  // namespace
 
 SetupInf::SetupInf(const InfText& inf) {
@@ -123,6 +138,7 @@ SetupInf::SetupInf(const InfText& inf) {
   Limits limits;
   sections = ReadSections(&fields, &limits);
   SubstituteAll(&sections, &limits);
+  CheckCharacters(inf.Text(), &fields);
   if (!limits.AreKept()) {
     fields.AddFault(Severity::Error, "inf-too-large", fields.LineNumber(),
                     "is too large to be read in full: more than 100,000 entries, 500,000 values or 16 MB of text");

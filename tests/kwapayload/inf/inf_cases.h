@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-// INFs and what is read from them, for two readers that must agree: the platform's profile reader, which the installer
-// calls, and the host tool's. What is expected was seen of the platform (Wine 8) under the ANSI code page 1252.
+// INFs and what two readers must read of them: the profile API, which the installer calls, and ReadProfileValue. The
+// expected values are those of Wine 8 with the ANSI code page 1252.
 
 struct InfCase {
   std::string bytes;        // the whole file
@@ -14,5 +14,5 @@ struct InfCase {
 
 std::vector<InfCase> InfCases();
 
-// A text of ASCII as a UTF-16 file with the little-endian mark.
+// ASCII text as a little-endian UTF-16 file with the byte-order mark.
 std::string Utf16Inf(const std::string& text);

@@ -12,7 +12,7 @@ struct Row {
 };
 
 // clang-format off
-// What stands behind "DriverVer=".
+// The text after "DriverVer=".
 const Row kValues[] = {
     {"02/13/2014,1.0.42.0", "02/13/2014,1.0.42.0"}, {"", ""}, {" \t1 2\t ", "1 2"},
     {"\x01\x08\x1C\x1F\x7F", "\x01\x08\x1C\x1F\x7F"}, {"\xA0" "1\xA0", "\xA0" "1\xA0"}, {"1\x1A" "2", "1\x1A" "2"},
@@ -61,7 +61,7 @@ std::vector<InfCase> InfCases() {
        "DriverPackageDisplayName = \"Marlin USB\"\r\n[Strings]\r\nKWA=\"KWA\"\r\n",
        "02/13/2014,1.0.42.0", "Marlin USB"},
       {"[Version]\r\nDriverVer=1\r\n[Strings]\r\nDriverPackageDisplayName=x\r\n", "1", ""},
-      {Utf16Inf("[Version]\r\nDriverVer=1\r\n").substr(2), "", ""},  // without the mark
+      {Utf16Inf("[Version]\r\nDriverVer=1\r\n").substr(2), "", ""},  // without the byte-order mark
   };
   for (const Row& row : kValues) {
     cases.push_back({"[Version]\r\nDriverVer=" + row.text + "\r\n", row.version, ""});
@@ -72,7 +72,7 @@ std::vector<InfCase> InfCases() {
   for (const Row& row : kFiles) {
     cases.push_back({row.text, row.version, ""});
   }
-  // All that is plain ASCII means the same in UTF-16.
+  // Plain ASCII means the same in UTF-16.
   for (std::size_t i = 0, count = cases.size(); i < count; ++i) {
     const InfCase narrow = cases[i];
     if (std::all_of(narrow.bytes.begin(), narrow.bytes.end(), [](char c) { return (c & 0x80) == 0; })) {
