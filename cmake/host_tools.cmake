@@ -1,22 +1,25 @@
 # Programs for the build machine: kwapayload and the generator of the sample payload. They are a project of their own,
-# because they need the compiler of the build machine.
+# because they need the compiler of the build machine. All presets use the same programs, build/kwapayload and
+# build/samplepayload. The lock is for builds that run at the same time.
 include(ExternalProject)
 
-set(kwaPayloadTool ${CMAKE_BINARY_DIR}/kwapayload)
-set(kwaSampleTool ${CMAKE_BINARY_DIR}/samplepayload)
+set(kwaPayloadTool ${CMAKE_SOURCE_DIR}/build/kwapayload)
+set(kwaSampleTool ${CMAKE_SOURCE_DIR}/build/samplepayload)
 
-# With a tool that is already built, a release takes much less time.
-set(KWA_PAYLOAD_TOOL "" CACHE FILEPATH "kwapayload for a release; empty: the build makes its own")
-if(KWA_PAYLOAD_TOOL AND KWA_PAYLOAD STREQUAL "release")
+# For a copy of this tree, whose tools would be the same.
+set(KWA_PAYLOAD_TOOL "" CACHE FILEPATH "kwapayload of the same sources; empty: the build makes its own")
+if(KWA_PAYLOAD_TOOL)
   set(kwaPayloadTool ${KWA_PAYLOAD_TOOL})
   return()
 endif()
 
-ExternalProject_Add(host_tools
-  SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools
-  BINARY_DIR ${CMAKE_BINARY_DIR}/host
-  CMAKE_GENERATOR ${CMAKE_GENERATOR}
-  CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DCMAKE_RUNTIME_OUTPUT_DIRECTORY=${CMAKE_BINARY_DIR} -DKWA_WERROR=${KWA_WERROR}
-  INSTALL_COMMAND ""
-  BUILD_ALWAYS TRUE
-  BUILD_BYPRODUCTS ${kwaPayloadTool} ${kwaSampleTool})
+set(hostDir ${CMAKE_SOURCE_DIR}/build/host)
+file(MAKE_DIRECTORY ${hostDir})
+add_custom_target(host_tools
+  COMMAND flock ${hostDir}.lock ${CMAKE_COMMAND} -G ${CMAKE_GENERATOR} -S ${CMAKE_SOURCE_DIR}/tools -B ${hostDir}
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_RUNTIME_OUTPUT_DIRECTORY=${CMAKE_SOURCE_DIR}/build -DKWA_WERROR=${KWA_WERROR}
+    --log-level=WARNING
+  COMMAND flock ${hostDir}.lock ${CMAKE_COMMAND} --build ${hostDir}
+  BYPRODUCTS ${kwaPayloadTool} ${kwaSampleTool}
+  COMMENT "Building the host tools"
+  VERBATIM)

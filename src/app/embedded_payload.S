@@ -5,7 +5,7 @@
 #define JOIN(prefix, name) JOIN_(prefix, name)
 #define SYMBOL(name) JOIN(__USER_LABEL_PREFIX__, name)
 
-    .section .rdata, "dr"
+    .section .payload, "dr"
 
     .balign 4
     .globl SYMBOL(embeddedArchiveA)

@@ -23,8 +23,9 @@ int Run(int argc, char** argv) {
     return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' shows the usage\n";
   });
   const std::vector<kwa::Command> commands = {
-      kwa::AddCompareCommand(app), kwa::AddContentsCommand(app), kwa::AddPackCommand(app),    kwa::AddListCommand(app),
-      kwa::AddExtractCommand(app), kwa::AddVerifyCommand(app),   kwa::AddPreviewCommand(app),
+      kwa::AddCompareCommand(app), kwa::AddContentsCommand(app),      kwa::AddPackCommand(app),
+      kwa::AddListCommand(app),    kwa::AddExtractCommand(app),       kwa::AddVerifyCommand(app),
+      kwa::AddPreviewCommand(app), kwa::AddConfigurationCommand(app),
   };
   // An empty value comes from a script's unset variable. Taken for no value, it would silently drop what the option
   // asks for.

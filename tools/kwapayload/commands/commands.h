@@ -20,6 +20,7 @@ struct Command {
 
 // Each adds a command to the program.
 Command AddCompareCommand(CLI::App& program);
+Command AddConfigurationCommand(CLI::App& program);
 Command AddContentsCommand(CLI::App& program);
 Command AddExtractCommand(CLI::App& program);
 Command AddListCommand(CLI::App& program);

@@ -21,13 +21,20 @@ struct PreviewOptions {
 
 int RunPreview(const PreviewOptions& options) {
   const InstallerInput input(options.file);
-  const std::optional<DriverPackage> package = ReadDriverPackage(input.SoundInstaller().items);
+  const InstallerFile& installer = input.SoundInstaller();
+  const std::optional<DriverPackage> package = ReadDriverPackage(installer.items);
   // Without an INF, the installer writes its configuration with nothing about the package.
   const PackageIdentity identity = package ? package->identity : PackageIdentity();
   std::cout << PreviewDpinstConfig(identity, options.windows == "xp");
+  std::string doubt;
   if (!identity.certainty) {
-    std::cerr << "kwapayload: " << Escaped(options.file.string()) << ": " << Escaped(package->inf.name) << ' '
-              << Escaped(identity.certainty.error().what) << ": what is printed is a guess\n";
+    doubt = std::string(package->inf.name) + " " + identity.certainty.error().what;
+  } else if (!HasKnownTexts(installer)) {
+    doubt = "has other texts than this tool";
+  }
+  if (!doubt.empty()) {
+    std::cerr << "kwapayload: " << Escaped(options.file.string()) << ": " << Escaped(doubt)
+              << ": what is printed is a guess\n";
     return kExitFindings;
   }
   return kExitInOrder;
@@ -46,8 +53,9 @@ Command AddPreviewCommand(CLI::App& program) {
       ->default_val("vista");
   preview->footer(
       "Byte for byte what the installer writes, line ends of Windows included. Where that\n"
-      "cannot be known, because the INF's version or display name is not plain text for\n"
-      "every Windows, prints what is likely, says so on the error stream and exits with 1.\n"
+      "cannot be known, prints what is likely, says so on the error stream and exits with 1:\n"
+      "the installer has other wizard texts than this program, or the INF's version or\n"
+      "display name is not plain text for every Windows.\n"
       "\n"
       "Example:\n"
       "  kwapayload preview kwa_installer.exe --windows xp > dpinst.xml");

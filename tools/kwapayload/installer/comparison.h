@@ -32,10 +32,10 @@ struct Comparison {
   std::vector<const InspectedFile*> removed;
   std::vector<const InspectedFile*> added;
   std::vector<ChangedFile> changed;
-  bool isOrderChanged;     // of the files that both have
-  bool isPackageChanged;   // the INF's name, and what the installer reads of it
-  bool areSignersChanged;  // of the installer
-  bool areTextsChanged;    // the wizard's texts, as far as the version records tell them
+  bool isOrderChanged;                      // of the files that both have
+  bool isPackageChanged;                    // the INF's name, and what the installer reads of it
+  bool areSignersChanged;                   // of the installer
+  bool areTextsChanged;                     // the wizard's texts, as far as the version records tell them
   std::vector<std::string> programParts;    // the parts of the program around the payload that differ, raw
   std::vector<ChangedLines> configuration;  // of the dpinst.xml for Windows Vista and later, with this tool's texts
 

@@ -9,7 +9,7 @@
 namespace kwa {
 
 Inspection Inspect(InstallerFile installer) {
-  Inspection inspection;
+  Inspection inspection = {};
   inspection.installer = std::move(installer);
   const std::vector<ArchiveItem>& items = inspection.installer.items;
   const ByteSpan bytes = inspection.installer.bytes;
@@ -18,7 +18,8 @@ Inspection Inspect(InstallerFile installer) {
   FileDigests digests(bytes);
   inspection.signatures = ReadEmbeddedSignatures(digests);
   inspection.program = ReadProgram(inspection.installer);
-  inspection.configuration = inspection.version ? inspection.version->Text("Configuration") : "";
+  inspection.configuration = ReadConfiguration(inspection.installer);
+  inspection.hasKnownTexts = HasKnownTexts(inspection.installer);
   inspection.package = ReadDriverPackage(items);
   inspection.trust = ReadPackageTrust(items, inspection.package);
   for (std::size_t i = 0; i < items.size(); ++i) {
@@ -27,10 +28,6 @@ Inspection Inspect(InstallerFile installer) {
         {items[i], ReadFileKind(body), Sha256Hex(body), FileVersionRecord(body), inspection.trust.files[i]});
   }
   return inspection;
-}
-
-bool HasKnownTexts(const Inspection& inspection) {
-  return !inspection.installer.image || inspection.configuration == KnownConfiguration();
 }
 
 }  // namespace kwa

@@ -29,16 +29,12 @@ struct Inspection {
   std::optional<VersionRecord> version;  // of the installer itself
   std::vector<Signature> signatures;     // likewise
   Program program;
-  // The digest of the wizard's texts that the installer writes, as its version record gives it; "" where it does not.
-  std::string configuration;
+  std::string configuration;             // see ReadConfiguration
+  bool hasKnownTexts;                    // see HasKnownTexts
   std::optional<DriverPackage> package;  // nothing where there is no INF
   PackageTrust trust;
   std::vector<InspectedFile> files;  // one for each item of the installer, in that order
 };
-
-// Whether an installer has the wizard's texts that this program has: only then is a preview what it writes. An archive
-// without an installer around it has no other texts.
-bool HasKnownTexts(const Inspection& inspection);
 
 // installer  a sound one: its findings have no error
 Inspection Inspect(InstallerFile installer);

@@ -8,6 +8,7 @@
 
 #include "dpinst/device_families.h"
 #include "dpinst/dpinst_document.h"
+#include "pe/version_record.h"
 #include "trust/digest.h"
 
 namespace kwa {
@@ -58,6 +59,15 @@ std::string KnownConfiguration() {
     add(kDeviceFamilies[i].key);
   }
   return Hex(digest.Bytes());
+}
+
+std::string ReadConfiguration(const InstallerFile& installer) {
+  const std::optional<VersionRecord> version = FileVersionRecord(installer.bytes);
+  return version ? version->Text("Configuration") : "";
+}
+
+bool HasKnownTexts(const InstallerFile& installer) {
+  return !installer.image || ReadConfiguration(installer) == KnownConfiguration();
 }
 
 }  // namespace kwa

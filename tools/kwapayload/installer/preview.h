@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "installer/installer_file.h"
 #include "package/package_identity.h"
 
 namespace kwa {
@@ -16,5 +17,12 @@ std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode
 // family and one of none, on both kinds of Windows. The build writes it into the installer's version record, so that
 // another build of this program can tell whether its texts are those of an installer.
 std::string KnownConfiguration();
+
+// The digest of the wizard's texts that an installer's version record gives; "" where it gives none.
+std::string ReadConfiguration(const InstallerFile& installer);
+
+// Whether an installer has the wizard's texts that this program has: only then is a preview what it writes. An archive
+// without an installer around it has no other texts.
+bool HasKnownTexts(const InstallerFile& installer);
 
 }  // namespace kwa

@@ -23,10 +23,10 @@ struct Program {
 
 // Of a single archive, only the bytes after its terminator are a part, if there are any.
 //
-// Left out are the archives in the section ".payload", the certificate table at the end of the file, and the values that
-// follow from their sizes: SizeOfInitializedData, SizeOfImage, CheckSum, the entry of the security directory, and the
-// sizes of ".payload". A relocated address of an archive in ".payload" counts as the letter of the archive. An installer
-// without that section has its archives among other data: they are a part of its program here.
+// Left out are the archives in the section ".payload", the certificate table at the end of the file, and the values
+// that follow from their sizes: SizeOfInitializedData, SizeOfImage, CheckSum, the entry of the security directory, and
+// the sizes of ".payload". A relocated address of an archive in ".payload" counts as the letter of the archive. An
+// installer without that section has its archives among other data: they are a part of its program here.
 Program ReadProgram(const InstallerFile& installer);
 
 }  // namespace kwa

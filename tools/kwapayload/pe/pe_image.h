@@ -34,7 +34,7 @@ enum PeDirectoryIndex : unsigned {
 struct PeSection {
   std::uint64_t headerOffset;  // of its entry in the table of sections, in the file
   std::string name;            // raw, up to 8 characters
-  std::uint32_t virtualSize;  // bytes in memory
+  std::uint32_t virtualSize;   // bytes in memory
   std::uint32_t virtualAddress;
   std::uint32_t fileOffset;
   std::uint32_t fileSize;  // as the header says

@@ -115,7 +115,7 @@ std::string ListJson(const std::string& file, const Inspection& inspection) {
   if (isInstaller) {
     program = {{"fingerprint", inspection.program.fingerprint},
                {"configuration", TextOrNull(inspection.configuration)},
-               {"textsKnown", HasKnownTexts(inspection)}};
+               {"textsKnown", inspection.hasKnownTexts}};
   }
   ordered_json files = ordered_json::array();
   for (const InspectedFile& carried : inspection.files) {

@@ -75,7 +75,7 @@ std::string PackageText(const Inspection& inspection) {
   }
   const DriverPackage& package = *inspection.package;
   // The installer's families and device names are among its texts.
-  const char* const doubt = HasKnownTexts(inspection) ? "" : " (a guess: the installer has other texts than this tool)";
+  const char* const doubt = inspection.hasKnownTexts ? "" : " (a guess: the installer has other texts than this tool)";
   std::string text = Line("Package:", Escaped(package.inf.name)) +
                      Line("Version:", Escaped(package.identity.version.text)) +
                      Line("Display name:", Escaped(package.identity.displayName.text));
