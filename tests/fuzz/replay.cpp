@@ -1,4 +1,4 @@
-// Gives the fuzzing target every file of some folders, and beginnings of each, as an ordinary test.
+// An ordinary test: gives the fuzzing target every file of some folders, and up to 1,000 beginnings of each file.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -13,8 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 int main(int argc, char** argv) {
   int count = 0;
   for (int i = 1; i < argc; ++i) {
-    std::error_code nothingWentWrongYet;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[i], nothingWentWrongYet)) {
+    std::error_code noFolder;
+    for (const auto& entry : std::filesystem::directory_iterator(argv[i], noFolder)) {
       ++count;
       std::puts(entry.path().c_str());
       std::fflush(stdout);
@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
       std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
       for (const std::size_t step = std::max<std::size_t>(1, bytes.size() / 1000); !bytes.empty();
            bytes.resize(bytes.size() - std::min(step, bytes.size()))) {
-        // In memory of exactly this size, so that the sanitizer sees a read beyond the end.
+        // A block of exactly this size lets the sanitizer detect a read after the end.
         const std::vector<std::uint8_t> beginning(bytes);
         LLVMFuzzerTestOneInput(beginning.data(), beginning.size());
       }

@@ -1,4 +1,4 @@
-// Stands for the ASIO driver library: a COM server that registers nothing and has no classes.
+// Takes the place of the ASIO driver library: a COM server that registers nothing and has no classes.
 #include <objbase.h>
 
 STDAPI DllRegisterServer() {

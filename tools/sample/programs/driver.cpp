@@ -1,4 +1,4 @@
-// Stands for the audio driver: a kernel-mode driver that refuses to start.
+// Takes the place of the audio driver: a kernel-mode driver that refuses to start.
 #include <windows.h>
 
 extern "C" LONG NTAPI DriverEntry(void* driverObject, void* registryPath);

@@ -1,4 +1,4 @@
-// Stands for the settings program and for the mixer: a Windows program that ends at once.
+// Takes the place of the settings program and of the mixer: a Windows program that ends at once.
 #include <windows.h>
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
