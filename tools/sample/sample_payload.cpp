@@ -10,7 +10,7 @@
 #include "files/mapped_file.h"
 #include "files/output_file.h"
 #include "padding.h"
-#include "payload/payload_contents.h"
+#include "files/contents_input.h"
 #include "program.h"
 #include "signer.h"
 
@@ -102,7 +102,7 @@ void MakeSamplePayload(const SampleRequest& request) {
     throw std::runtime_error(request.output.string() + ": is not an empty folder");
   }
   const Signer signer = ReadSigner(request.files / "signer.pem");
-  PayloadContents list = ReadPayloadContents(request.contents);
+  PayloadContents list = ReadContentsFile(request.contents);
   for (ContentsFile& file : list) {
     file.size += request.isNextVersion && fs::path(file.name).extension() == ".sys" ? kNextDriverGrowth : 0;
   }
