@@ -20,66 +20,47 @@ std::string ActualSection(const SetupInf& inf, const std::string& name, InfPlatf
   return name;
 }
 
-class CopiedFilesReader {
- public:
-  explicit CopiedFilesReader(const SetupInf& parsed) : inf(parsed) {}
+}  // namespace
 
-  void ReadInstallSection(const std::string& section) {
-    if (!knownSections.insert(UpperCase(section)).second) {
-      return;
+// Microsoft, "INF CopyFiles Directive": a value "@file" is a file, another value is a section of lines "target,
+// source". Such a section has no decorated forms.
+std::vector<InfCopiedFile> ReadCopiedFiles(const SetupInf& inf, InfPlatform platform) {
+  std::vector<std::string> installSections = {ActualSection(inf, "ClassInstall32", platform)};
+  for (const std::string& name : ReadModels(inf, platform).installSections) {
+    const std::string section = ActualSection(inf, name, platform);
+    installSections.push_back(section);
+    installSections.push_back(section + ".CoInstallers");
+  }
+  std::vector<InfCopiedFile> files;
+  std::set<std::pair<std::string, std::string>> knownFiles;
+  const auto add = [&](const std::string& target, const std::string& source, std::size_t line) {
+    if (!target.empty() && knownFiles.emplace(UpperCase(target), UpperCase(source)).second) {
+      files.push_back({target, source, line});
     }
-    for (const InfLine& line : inf.Lines(section)) {
+  };
+  // Each section is read once, however many others name it.
+  std::set<std::string> knownLists;
+  std::set<std::string> knownSections;
+  for (const std::string& installSection : installSections) {
+    if (!knownSections.insert(UpperCase(installSection)).second) {
+      continue;
+    }
+    for (const InfLine& line : inf.Lines(installSection)) {
       if (!IsSameText(line.key, "CopyFiles")) {
         continue;
       }
       for (const std::string& value : line.values) {
         if (value.substr(0, 1) == "@") {
-          Add(value.substr(1), value.substr(1), line.number);
-        } else {
-          ReadList(value);
+          add(value.substr(1), value.substr(1), line.number);
+        } else if (knownLists.insert(UpperCase(value)).second) {
+          for (const InfLine& file : inf.Lines(value)) {
+            add(file.Value(0), file.Value(1).empty() ? file.Value(0) : file.Value(1), file.number);
+          }
         }
       }
     }
   }
-
-  std::vector<InfCopiedFile> TakeFiles() { return std::move(files); }
-
- private:
-  // Reads a section of lines "target, source, unused, flags". Microsoft, "INF CopyFiles Directive": such a section has
-  // no decorated forms.
-  void ReadList(const std::string& section) {
-    if (!knownLists.insert(UpperCase(section)).second) {
-      return;
-    }
-    for (const InfLine& line : inf.Lines(section)) {
-      Add(line.Value(0), line.Value(1).empty() ? line.Value(0) : line.Value(1), line.number);
-    }
-  }
-
-  void Add(const std::string& target, const std::string& source, std::size_t line) {
-    if (!target.empty() && knownFiles.emplace(UpperCase(target), UpperCase(source)).second) {
-      files.push_back({target, source, line});
-    }
-  }
-
-  const SetupInf& inf;
-  std::vector<InfCopiedFile> files;
-  std::set<std::string> knownSections;
-  std::set<std::string> knownLists;
-  std::set<std::pair<std::string, std::string>> knownFiles;
-};
-
-}  // namespace
-
-std::vector<InfCopiedFile> ReadCopiedFiles(const SetupInf& inf, InfPlatform platform) {
-  CopiedFilesReader reader(inf);
-  for (const std::string& name : ReadModels(inf, platform).installSections) {
-    const std::string section = ActualSection(inf, name, platform);
-    reader.ReadInstallSection(section);
-    reader.ReadInstallSection(section + ".CoInstallers");
-  }
-  reader.ReadInstallSection(ActualSection(inf, "ClassInstall32", platform));
-  return reader.TakeFiles();
+  return files;
 }
 
 }  // namespace kwa

@@ -1,8 +1,7 @@
 #include "inf/models.h"
 
-#include <map>
+#include <algorithm>
 #include <set>
-#include <utility>
 
 #include "base/ascii_text.h"
 
@@ -10,76 +9,64 @@ namespace kwa {
 namespace {
 
 // Microsoft, "INF Manufacturer Section": the form is nt[Architecture][.version and more]. Without an architecture, the
-// models are for x86 alone since Windows Server 2003 SP1, the first Windows for x64 included.
+// models are for x86 alone since Windows Server 2003 SP1, the first Windows for x64.
 bool IsForPlatform(const std::string& decoration, InfPlatform platform) {
   const std::string name = UpperCase(decoration.substr(0, decoration.find('.')));
   return name == UpperCase("NT" + PlatformName(platform)) || (name == "NT" && platform == InfPlatform::X86);
 }
 
-class ModelsReader {
+// Texts in their order, each once without regard to case.
+class UniqueTexts {
  public:
-  ModelsReader(const SetupInf& parsed, InfPlatform wanted) : inf(parsed), platform(wanted) {}
-
-  InfModels Read() {
-    for (const InfLine& line : inf.Lines("Manufacturer")) {
-      // Also with decorations: Windows 2000 and a Windows that no decoration fits use the undecorated section.
-      if (platform == InfPlatform::X86) {
-        ReadSection(line.Value(0));
-      }
-      for (std::size_t i = 1; i < line.values.size(); ++i) {
-        const std::string& decoration = line.values[i];
-        if (IsForPlatform(decoration, platform)) {
-          const bool hasModels = ReadSection(line.Value(0) + "." + decoration);
-          AddTarget(decoration, hasModels);
-        }
-      }
+  void Add(const std::string& text) {
+    if (!text.empty() && known.insert(UpperCase(text)).second) {
+      texts.push_back(text);
     }
-    return std::move(models);
   }
+  const std::vector<std::string>& Texts() const { return texts; }
 
  private:
-  // Returns whether the section has models: "description = install section, hardware ID, compatible IDs".
-  bool ReadSection(const std::string& name) {
-    const std::vector<InfLine>& lines = inf.Lines(name);
-    if (knownSections.insert(UpperCase(name)).second) {
-      for (const InfLine& line : lines) {
-        AddOnce(line.Value(0), &knownInstallSections, &models.installSections);
-        for (std::size_t i = 1; i < line.values.size(); ++i) {
-          AddOnce(line.values[i], &knownIds, &models.hardwareIds);
-        }
-      }
-    }
-    return !lines.empty();
-  }
-
-  void AddTarget(const std::string& decoration, bool hasModels) {
-    const auto added = knownTargets.emplace(UpperCase(decoration), models.targets.size());
-    if (added.second) {
-      models.targets.push_back({decoration, false});
-    }
-    InfTarget& target = models.targets[added.first->second];
-    target.hasModels = target.hasModels || hasModels;
-  }
-
-  static void AddOnce(const std::string& text, std::set<std::string>* known, std::vector<std::string>* list) {
-    if (!text.empty() && known->insert(UpperCase(text)).second) {
-      list->push_back(text);
-    }
-  }
-
-  const SetupInf& inf;
-  const InfPlatform platform;
-  InfModels models;
-  std::set<std::string> knownSections;
-  std::set<std::string> knownInstallSections;
-  std::set<std::string> knownIds;
-  std::map<std::string, std::size_t> knownTargets;  // indexes of models.targets
+  std::vector<std::string> texts;
+  std::set<std::string> known;
 };
 
 }  // namespace
 
 InfModels ReadModels(const SetupInf& inf, InfPlatform platform) {
-  return ModelsReader(inf, platform).Read();
+  UniqueTexts sections;
+  UniqueTexts decorations;
+  std::set<std::string> usedDecorations;
+  for (const InfLine& line : inf.Lines("Manufacturer")) {
+    // Also beside decorations: Windows 2000, and a Windows that no decoration fits, use the undecorated section.
+    if (platform == InfPlatform::X86) {
+      sections.Add(line.values[0]);
+    }
+    for (std::size_t i = 1; i < line.values.size(); ++i) {
+      const std::string& decoration = line.values[i];
+      if (IsForPlatform(decoration, platform)) {
+        const std::string section = line.values[0] + "." + decoration;
+        sections.Add(section);
+        decorations.Add(decoration);
+        if (!inf.Lines(section).empty()) {
+          usedDecorations.insert(UpperCase(decoration));
+        }
+      }
+    }
+  }
+  // The lines of the sections are "description = install section, hardware ID, compatible IDs".
+  UniqueTexts installSections;
+  UniqueTexts hardwareIds;
+  for (const std::string& section : sections.Texts()) {
+    for (const InfLine& line : inf.Lines(section)) {
+      installSections.Add(line.values[0]);
+      std::for_each(line.values.begin() + 1, line.values.end(), [&](const std::string& id) { hardwareIds.Add(id); });
+    }
+  }
+  InfModels models = {{}, installSections.Texts(), hardwareIds.Texts()};
+  for (const std::string& decoration : decorations.Texts()) {
+    models.targets.push_back({decoration, usedDecorations.count(UpperCase(decoration)) != 0});
+  }
+  return models;
 }
 
 }  // namespace kwa

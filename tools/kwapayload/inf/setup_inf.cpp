@@ -118,16 +118,20 @@ void SubstituteAll(Sections* sections, Limits* limits) {
 
 // Microsoft's pages name CR as an end of line too, but Wine's tests show that Windows reads it as a blank.
 void CheckCharacters(std::string_view text, InfFields* fields) {
-  std::size_t line = 1;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\n') {
-      ++line;
-    } else if (text[i] == '\r' && text.substr(i + 1, 1) != "\n") {
-      fields->AddFault(Severity::Warning, "inf-lone-cr", line,
-                       "has a CR without an LF, and Windows may see the end of a line there");
-    } else if (text[i] == '\0') {
-      fields->AddFault(Severity::Warning, "inf-nul", line, "has a NUL, and Windows may take the file for UTF-16 text");
-    }
+  const auto lineOf = [text](std::size_t at) {
+    return 1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+  };
+  std::size_t at = text.find('\r');
+  while (at != std::string_view::npos && text.substr(at + 1, 1) == "\n") {
+    at = text.find('\r', at + 1);
+  }
+  if (at != std::string_view::npos) {
+    fields->AddFault(Severity::Warning, "inf-lone-cr", lineOf(at),
+                     "has a CR without an LF, and Windows may see the end of a line there");
+  }
+  if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
+    fields->AddFault(Severity::Warning, "inf-nul", lineOf(nul),
+                     "has a NUL, and Windows may take the file for UTF-16 text");
   }
 }
 
