@@ -32,12 +32,10 @@ void ReadExecutable(const kwa::PeImage& image) {
 
 void ReadTrust(kwa::ByteSpan bytes) {
   kwa::FileDigests digests(bytes);
-  kwa::ReadEmbeddedSignatures(&digests);
-  kwa::Catalog catalog;
-  std::string fault;
-  if (kwa::ReadCatalog(bytes, &catalog, &fault)) {
-    kwa::Covers(catalog, &digests);
-    kwa::CoveringLineEnds(catalog, bytes);
+  kwa::ReadEmbeddedSignatures(digests);
+  if (const kwa::Result<kwa::Catalog> catalog = kwa::ReadCatalog(bytes)) {
+    kwa::Covers(*catalog, digests);
+    kwa::CoveringLineEnds(*catalog, bytes);
   }
 }
 
@@ -55,7 +53,7 @@ void ReadInf(kwa::ByteSpan bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const kwa::ByteSpan bytes(data, size);
-  kwa::FileKind(bytes);
+  kwa::ReadFileKind(bytes);
   ReadTrust(bytes);
   ReadInf(bytes);
   // Whatever surrounds an archive: also as the read-only data of a program.
@@ -80,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     kwa::ProgramParts(installer);
     for (const kwa::LocatedArchive& located : installer.archives) {
       for (const kwa::ArchiveItem& item : located.archive.items) {
-        kwa::FileKind(item.body);
+        kwa::ReadFileKind(item.body);
       }
     }
   } catch (const kwa::ToolFailure&) {

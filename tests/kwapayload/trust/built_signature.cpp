@@ -36,12 +36,16 @@ std::string Algorithm(const char* name) {
   return Der(kDerSequence, ObjectId(name) + kNull);
 }
 
+void SetCommonName(X509_NAME* name, const char* text) {
+  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>(text), -1, -1, 0);
+}
+
 struct Identity {
   Identity() {
     X509_set_version(certificate, X509_VERSION_3);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), 7);
     X509_NAME* const name = X509_get_subject_name(certificate);
-    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("Tester"), -1, -1, 0);
+    SetCommonName(name, "Tester");
     X509_set_issuer_name(certificate, name);
     X509_gmtime_adj(X509_getm_notBefore(certificate), 0);
     X509_gmtime_adj(X509_getm_notAfter(certificate), 60);
@@ -51,10 +55,30 @@ struct Identity {
     X509_add1_ext_i2d(certificate, NID_subject_key_identifier, identifier, 0, 0);
     ASN1_OCTET_STRING_free(identifier);
     X509_sign(certificate, key, EVP_sha256());
+    certificates = OtherCertificate(true, 8) + OtherCertificate(false, 7) + Encoded(certificate, i2d_X509);
   }
+
+  std::string OtherCertificate(bool hasSameIssuer, long serialNumber) const {
+    X509* const other = X509_dup(certificate);
+    X509_NAME* const name = X509_NAME_new();
+    SetCommonName(name, "Other");
+    X509_set_subject_name(other, name);
+    if (!hasSameIssuer) {
+      X509_set_issuer_name(other, name);
+    }
+    X509_NAME_free(name);
+    ASN1_INTEGER_set(X509_get_serialNumber(other), serialNumber);
+    X509_EXTENSION_free(X509_delete_ext(other, 0));
+    X509_sign(other, key, EVP_sha256());
+    std::string bytes = Encoded(other, i2d_X509);
+    X509_free(other);
+    return bytes;
+  }
+
   // Weak on purpose: old signatures are to be read on systems that refuse such keys elsewhere.
   EVP_PKEY* key = EVP_RSA_gen(1024);
   X509* certificate = X509_new();
+  std::string certificates;  // two others before it, of the same issuer and with the same serial number
 };
 
 const Identity& Tester() {
@@ -169,8 +193,7 @@ std::string BuildSignedData(const SignedParts& parts) {
   for (unsigned i = 0; i < parts.signerCount; ++i) {
     signers += BuildSigner(octets, "", parts);
   }
-  const std::string certificates =
-      parts.hasCertificate ? list(0xA0, Encoded(Tester().certificate, i2d_X509)) : std::string();
+  const std::string certificates = parts.hasCertificate ? list(0xA0, Tester().certificates) : std::string();
   return list(
       kDerSequence,
       ObjectId("1.2.840.113549.1.7.2") +

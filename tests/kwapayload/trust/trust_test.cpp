@@ -264,7 +264,7 @@ TEST(Trust, EmbeddedSignatures) {
       {otherCheckSum, "Tester: \n"},
       {WithTable(program, signature + "stuffed"), "Tester: \n"},
       {otherByte, kChanged},
-      {good + "after the", kChanged},
+      {good + "8 bytes.", kChanged},
       {good.substr(0, good.size() - 8), kDamaged},
       {shortEntry, kDamaged},
       {tableInHeaders, kDamaged},
@@ -272,6 +272,8 @@ TEST(Trust, EmbeddedSignatures) {
       {WithTable(program, BuildSignedData({kIndirectDataType, TrustList(2, ""), 0})),
        ": is missing: the certificate table holds nothing that is signed\n"},
       {WithTable(program, BuildCatalog(2, "")), "Tester: is not one of a program\n"},
+      {WithTable(program, BuildSignedData({kIndirectDataType, IndirectData(kMd2, "digest")})),
+       "Tester: is made with the algorithm 1.2.840.113549.2.2, which is not known here\n"},
       {WithTable(program, BuildSignedData({kIndirectDataType, TrustList(2, "")})), "Tester: is not one of a program\n"},
   };
   for (const auto& [file, shown] : cases) {
@@ -297,6 +299,9 @@ TEST(Trust, NestedSignaturesAndTimestamps) {
        "Tester:  [old : states no time]\n"},
       {[](const std::string& signature) { return CounterSignature("another") + CounterSignature(signature); },
        old + "does not fit what it signs] [old 2014-02-13 12:00:00 UTC: ]\n"},
+      {[](const std::string&) { return DerAttribute("1.2.840.113549.1.9.6", std::string(10, '\0')); },
+       "Tester:  [old : is unreadable] [old : is unreadable] [old : is unreadable] [old : is unreadable]"
+       " [old : is one of more than 4, and not read]\n"},
       {[](const std::string& signature) { return TimestampToken(signature); }, token + "]\n"},
       {[](const std::string& signature) { return TimestampToken(signature, SignerForm::Indefinite); }, token + "]\n"},
       {[](const std::string& signature) { return TimestampToken(signature) + TimestampToken("another"); },

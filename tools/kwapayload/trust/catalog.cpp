@@ -74,9 +74,7 @@ std::string TagDigest(ByteSpan tag) {
   }
   std::array<unsigned char, EVP_MAX_MD_SIZE> bytes = {};
   std::size_t size = 0;
-  const std::string text = NarrowText(tag);
-  const bool isDigest = text.size() + 1 >= tag.Size() / 2 &&
-                        OPENSSL_hexstr2buf_ex(bytes.data(), bytes.size(), &size, text.c_str(), '\0') == 1 &&
+  const bool isDigest = OPENSSL_hexstr2buf_ex(bytes.data(), bytes.size(), &size, NarrowText(tag).c_str(), '\0') == 1 &&
                         AlgorithmOfSize(size) != nullptr;
   return isDigest ? std::string(bytes.begin(), bytes.begin() + size) : "";
 }
