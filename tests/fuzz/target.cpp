@@ -1,33 +1,45 @@
-// Fuzzes the readers of untrusted files: all that kwapayload reads of an installer, an archive or an INF.
+// Fuzzes the readers of untrusted files: all that kwapayload reads of an installer, an archive or an INF, and all that
+// it reports of it.
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
-#include "files/tool_failure.h"
-#include "inf/catalog_names.h"
-#include "inf/inf_reader.h"
-#include "inf/inf_source_files.h"
-#include "package/package_identity.h"
 #include "content/file_kind.h"
-#include "installer/installer_file.h"
-#include "installer/listing.h"
-#include "installer/program_form.h"
+#include "inf/catalog_name.h"
+#include "inf/copied_files.h"
+#include "inf/inf_platform.h"
+#include "inf/models.h"
+#include "inf/profile_value.h"
+#include "inf/setup_inf.h"
+#include "inf/source_files.h"
+#include "installer/comparison.h"
+#include "installer/preview.h"
+#include "package/package_identity.h"
+#include "payload/payload_contents.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
-#include "pe/version_record.h"
+#include "report/bill_of_materials.h"
+#include "report/json_report.h"
+#include "report/list_report.h"
+#include "report/text_report.h"
 #include "trust/authenticode.h"
 #include "trust/catalog.h"
 #include "verify/verification.h"
 
 namespace {
 
-void ReadExecutable(const kwa::PeImage& image) {
-  kwa::ReadImports(image);
-  const auto resources = kwa::ReadResources(image);
-  kwa::VersionRecord record;
-  kwa::ReadVersionRecord(kwa::FirstResource(resources, kwa::kResourceTypeVersion), &record);
-  image.CertificateTable();
-  image.HasBaseRelocations();
+void Require(bool condition) {
+  if (!condition) {
+    __builtin_trap();
+  }
+}
+
+// Nothing of a file reaches a terminal but printable text and line feeds.
+void RequireClean(const std::string& report) {
+  for (const char c : report) {
+    Require(c == '\n' || (static_cast<unsigned char>(c) >= ' ' && c != '\x7F'));
+  }
 }
 
 void ReadTrust(kwa::ByteSpan bytes) {
@@ -40,48 +52,70 @@ void ReadTrust(kwa::ByteSpan bytes) {
 }
 
 void ReadInf(kwa::ByteSpan bytes) {
-  const kwa::InfText inf(bytes);
-  const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(inf);
-  if (identity.version.size() > kwa::kInfValueLimit || identity.displayName.size() > kwa::kInfValueLimit) {
-    __builtin_trap();
+  const kwa::InfText text(bytes);
+  const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(text);
+  for (const kwa::IdentityValue& value : {identity.version, identity.displayName}) {
+    Require(value.text.size() <= kwa::kProfileValueLimit);
   }
-  kwa::ReadInfSourceFiles(inf);
-  kwa::CatalogName(inf, "amd64");
+  kwa::PreviewDpinstConfig(identity, false);
+  const kwa::SetupInf inf(text);
+  for (const kwa::InfPlatform platform : kwa::kInfPlatforms) {
+    kwa::CatalogName(inf, platform);
+    kwa::ReadModels(inf, platform);
+    kwa::ReadCopiedFiles(inf, platform);
+    kwa::ReadSourceFiles(inf, platform);
+  }
+}
+
+// verify leaves these out if something before them is damaged.
+void ReadExecutable(const kwa::PeImage& image) {
+  kwa::ReadImports(image);
+  kwa::ReadResources(image);
+  image.CertificateTable();
+  image.HasBaseRelocations();
+}
+
+void ReadArchives(kwa::ByteSpan bytes) {
+  for (const kwa::ParsedArchive& archive : kwa::FindArchives(bytes)) {
+    // A sound archive has every byte that it promises.
+    for (const kwa::ArchiveItem& item : archive.items) {
+      Require(bytes.Contains(item.fileOffset, item.body.Size() + item.padding.Size()));
+    }
+  }
+  kwa::FindBrokenArchives(bytes);
+}
+
+void Report(kwa::InstallerFile installer) {
+  const kwa::Findings findings = kwa::VerifyInstaller(installer, {});
+  kwa::VerifyJson("file", findings);
+  RequireClean(kwa::VerifyText("file", findings));
+  if (installer.findings.HasError()) {
+    return;
+  }
+  const kwa::Inspection inspection = kwa::Inspect(std::move(installer));
+  const kwa::Comparison comparison = kwa::Compare(inspection, inspection);
+  kwa::ListJson(inspection);
+  kwa::BillOfMaterials("file", inspection);
+  kwa::CompareJson(comparison);
+  RequireClean(kwa::ListText(inspection));
+  RequireClean(kwa::CompareText(comparison));
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const kwa::ByteSpan bytes(data, size);
-  kwa::ReadFileKind(bytes);
+  kwa::KindText(kwa::ReadFileKind(bytes));
+  kwa::ReadPayloadContents(bytes);
+  kwa::FileVersionRecord(bytes);
   ReadTrust(bytes);
   ReadInf(bytes);
-  // Whatever surrounds an archive: also as the read-only data of a program.
-  for (const kwa::ParsedArchive& archive : kwa::FindArchives(bytes)) {
-    // A sound archive has every byte that it promises.
-    for (const kwa::ArchiveItem& item : archive.items) {
-      if (item.body.Size() != item.size) {
-        __builtin_trap();
-      }
+  ReadArchives(bytes);
+  if (kwa::Result<kwa::InstallerFile> installer = kwa::ReadInstallerFile(bytes)) {
+    if (installer->image) {
+      ReadExecutable(*installer->image);
     }
-  }
-  kwa::FindBrokenArchives(bytes);
-  try {
-    const kwa::InstallerFile installer = kwa::ReadInstallerFile(bytes, "file");
-    kwa::VerifyInstaller(installer, {});
-    // verify leaves these out where something before them is damaged.
-    if (installer.image) {
-      ReadExecutable(*installer.image);
-    }
-    kwa::FindInf(installer);
-    kwa::MakeListing(installer);
-    kwa::ProgramParts(installer);
-    for (const kwa::LocatedArchive& located : installer.archives) {
-      for (const kwa::ArchiveItem& item : located.archive.items) {
-        kwa::ReadFileKind(item.body);
-      }
-    }
-  } catch (const kwa::ToolFailure&) {
+    Report(std::move(*installer));
   }
   return 0;
 }

@@ -110,7 +110,8 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::Write(std::string_view bytes) {
-  if (std::fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size()) {
+  // No bytes may have no address, which fwrite does not take.
+  if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size()) {
     throw ToolFailure(target, WithSystemText("cannot be written", errno));
   }
 }

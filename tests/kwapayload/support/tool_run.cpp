@@ -14,7 +14,7 @@ ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& be
     command += " '" + argument + "'";
   }
   command += " >'" + (folder / "out") + "' 2>'" + (folder / "err") + "'";
-  // The shell that redirects the output is wanted here.
+  // A shell redirects the output.
   const int result = std::system(command.c_str());  // NOLINT(cert-env33-c)
   const int status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
   return {status, ReadWholeFile(folder / "out"), ReadWholeFile(folder / "err")};
@@ -25,7 +25,7 @@ void ExpectFailure(const ToolRun& run, const std::string& folder, const std::vec
   for (const std::string& fault : faults) {
     expected += "kwapayload: " + folder + "/" + fault + "\n";
   }
-  EXPECT_EQ(1, run.status);
+  EXPECT_EQ(2, run.status);
   EXPECT_EQ(expected, run.errors);
   EXPECT_EQ("", run.output);
 }

@@ -12,6 +12,6 @@ struct ToolRun {
 // Runs the built kwapayload. `before` is put in front of the command, for the shell.
 ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& before = "");
 
-// Expects exit status 1, no output, and on the error stream one line for each fault, which begins with the name of a
+// Expects exit status 2, no output, and on the error stream one line for each fault. A fault begins with the name of a
 // file in the folder.
 void ExpectFailure(const ToolRun& run, const std::string& folder, const std::vector<std::string>& faults);

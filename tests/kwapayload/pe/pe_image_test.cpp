@@ -8,14 +8,9 @@
 #include "built_image.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
+#include "pe/version_record.h"
 
 namespace {
-
-// Returns the fault, or "".
-std::string Read(const std::string& file, kwa::PeImage* image) {
-  std::string fault;
-  return kwa::ReadPeImage(kwa::ByteSpan(file), image, &fault) ? "" : fault;
-}
 
 TEST(PeImage, NoImages) {
   BuiltImage built;
@@ -35,8 +30,9 @@ TEST(PeImage, NoImages) {
       {many, "has 97 sections; Windows loads at most 96"},
   };
   for (const auto& [file, fault] : kFiles) {
-    kwa::PeImage image;
-    EXPECT_EQ(fault, Read(file, &image));
+    const auto image = kwa::ReadPeImage(kwa::ByteSpan(file));
+    ASSERT_FALSE(image);
+    EXPECT_EQ(fault, image.error().what);
   }
 }
 
@@ -71,9 +67,7 @@ std::string Imports(const std::string& section, bool isPlus, std::uint32_t addre
   built.directories[kwa::kPeImportDirectory] = {address, 40};
   built.directories[kwa::kPeDelayImportDirectory] = {SectionAddress(0) + 240, 96};
   const std::string file = BuildImage(built);
-  kwa::PeImage image;
-  EXPECT_EQ("", Read(file, &image));
-  const kwa::ImportTable table = ReadImports(image);
+  const kwa::ImportTable table = kwa::ReadImports(kwa::ReadPeImage(kwa::ByteSpan(file)).value());
   std::string text;
   for (const auto& library : table.libraries) {
     text += library.name + ":";
@@ -97,20 +91,13 @@ TEST(PeImage, Imports) {
   EXPECT_EQ("incomplete", endless.substr(endless.rfind(' ') + 1));
 }
 
-// One branch of a resource tree: directory, entry.
-std::string TreeNode(std::uint32_t id, std::uint32_t target) {
-  return std::string(14, '\0') + HalfBytes(1) + WordBytes(id) + WordBytes(target);
-}
-
 std::vector<std::string> Manifests(const std::string& tree) {
   BuiltImage built;
   built.sections = {{".rsrc", kReadOnlyData, tree}};
   built.directories = {{0, 0}, {0, 0}, {SectionAddress(0), 100}};
   const std::string file = BuildImage(built);
-  kwa::PeImage image;
-  EXPECT_EQ("", Read(file, &image));
   std::vector<std::string> texts;
-  for (const kwa::PeResource& resource : kwa::ReadResources(image)) {
+  for (const kwa::PeResource& resource : kwa::ReadResources(kwa::ReadPeImage(kwa::ByteSpan(file)).value())) {
     EXPECT_EQ(kwa::kResourceTypeManifest, resource.type);
     texts.emplace_back(resource.bytes.Text());
   }
@@ -119,18 +106,43 @@ std::vector<std::string> Manifests(const std::string& tree) {
 
 TEST(PeImage, Resources) {
   constexpr std::uint32_t kDirectory = 0x80000000;
-  const std::string branches = TreeNode(24, kDirectory | 24) + TreeNode(1, kDirectory | 48);
+  const std::string branches = ResourceBranch(24, kDirectory | 24) + ResourceBranch(1, kDirectory | 48);
   const std::string data = WordBytes(SectionAddress(0) + 88) + WordBytes(4) + std::string(8, '\0') + "dataMORE";
-  EXPECT_EQ(std::vector<std::string>{"data"}, Manifests(branches + TreeNode(0x409, 72) + data));
+  EXPECT_EQ(std::vector<std::string>{"data"}, Manifests(branches + ResourceBranch(0x409, 72) + data));
   // A tree that ends a level too early, and one with a level too many.
-  EXPECT_TRUE(Manifests(TreeNode(24, 24) + data).empty());
-  EXPECT_TRUE(Manifests(branches + TreeNode(0x409, kDirectory | 72) + TreeNode(1, 72) + data).empty());
-  // A tree whose branches lead back to its root ends all the same.
+  EXPECT_TRUE(Manifests(ResourceBranch(24, 24) + data).empty());
+  EXPECT_TRUE(Manifests(branches + ResourceBranch(0x409, kDirectory | 72) + ResourceBranch(1, 72) + data).empty());
+  // A tree with branches that lead back to its root.
   std::string circle = std::string(14, '\0') + HalfBytes(0xFFFF);
   for (int i = 0; i < 0xFFFF; ++i) {
     circle += WordBytes(1) + WordBytes(kDirectory);
   }
   EXPECT_TRUE(Manifests(circle).empty());
+}
+
+TEST(PeImage, VersionRecord) {
+  const std::string whole = BuildVersionRecord({{"CompanyName", "K\xC3\xA4"}, {"FileVersion", "1.2"}});
+  const std::string file = BuildResourceImage(kwa::kResourceTypeVersion, whole);
+  const auto record = kwa::FileVersionRecord(kwa::ByteSpan(file));
+  ASSERT_TRUE(record);
+  EXPECT_EQ("1.2.3.4 1.2.3.4 K\xC3\xA4 1.2 ", record->fileVersion + " " + record->productVersion + " " +
+                                                  record->Text("CompanyName") + " " + record->Text("FileVersion") +
+                                                  " " + record->Text("none"));
+  // UTF-16 that is no text: a pair, halves of a pair.
+  const std::pair<std::string, std::string> kTexts[] = {
+      {std::string("\x34\xD8\0\xDC\x1E\xDD", 6), "\xF0\x9D\x80\x80\xEF\xBF\xBD"},
+      {std::string("\0\xD8z\0\x34\xD8", 6), "\xEF\xBF\xBDz\xEF\xBF\xBD"},
+  };
+  for (const auto& [units, text] : kTexts) {
+    std::string changed = whole;
+    changed.replace(whole.rfind(std::string("1\0.\0002\0", 6)), 6, units);
+    EXPECT_EQ(text, kwa::ReadVersionRecord(kwa::ByteSpan(changed)).value().Text("FileVersion"));
+  }
+  // No beginning of it reads beyond its end.
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    const std::vector<char> part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    EXPECT_FALSE(kwa::ReadVersionRecord(kwa::ByteSpan(std::string_view(part.data(), part.size()))));
+  }
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
-// Windows programs made by hand: headers and sections, as far as a reader looks at them.
+// Windows programs made by hand: the parts of them that a reader looks at.
 
 struct BuiltSection {
   const char* name;
@@ -27,9 +28,18 @@ struct BuiltImage {
       std::vector<std::pair<std::uint32_t, std::uint32_t>>(16);
 };
 
-// Section i lies at the address SectionAddress(i), and in the file behind the headers and the sections before it, at a
+// Section i is at the address SectionAddress(i). In the file it follows the headers and the sections before it, at a
 // multiple of 512.
 std::string BuildImage(const BuiltImage& image);
+
+// One branch of a resource tree: a directory with one entry.
+std::string ResourceBranch(std::uint32_t id, std::uint32_t target);
+
+// An image with a resource of a type as its only section.
+std::string BuildResourceImage(std::uint32_t type, const std::string& resource);
+
+// A version record of version 1.2.3.4 with texts by key, in UTF-8.
+std::string BuildVersionRecord(const std::map<std::string, std::string>& texts);
 
 constexpr std::uint32_t SectionAddress(std::uint32_t index) {
   return 0x1000 + index * 0x100000;

@@ -1,41 +1,17 @@
-// The pack command: which names an archive may hold and how Windows compares them, archives byte for byte, and that a
-// failure says what is wrong and leaves nothing behind.
-
-#include "files/pack_archive.h"
+// The pack command: archives byte for byte, and that a failure says what is wrong and leaves no file.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 
-#include "base/ascii_text.h"
-#include "files/tool_failure.h"
 #include "built_archive.h"
-#include "payload/entry_name.h"
+#include "files/output_file.h"
+#include "files/tool_failure.h"
 #include "temporary_folder.h"
 #include "tool_run.h"
 
 namespace {
-
-TEST(EntryName, GoodAndBadNames) {
-  const std::string kRefused = "which Windows refuses in a bare file name";
-  const std::string kDevice = "the name is a device's on Windows";
-  const std::string kCharacters = "the name is not plain printable ASCII";
-  const std::string kEnd = "the name ends in a dot or blank, which Windows drops";
-  // clang-format off
-  const std::pair<std::string, std::string> kCases[] = {
-      {"marlin_usb.inf", ""}, {".x", ""}, {"COM10", ""}, {"nul_.txt", ""}, {"xNUL", ""}, {"~!@#$%^&()[]{}'`,=+-", ""},
-      {std::string(259, 'n'), ""}, {std::string(260, 'n'), "the name has 260 bytes; an archive holds at most 259"},
-      {"", "the name is empty"}, {"..", kEnd}, {"a ", kEnd}, {"nul.txt", kDevice}, {"Con .log", kDevice},
-      {"com0", kDevice}, {"LPT9.x.y", kDevice}, {"CONIN$", kDevice}, {"\xC3\xBC", kCharacters}, {"a\x1F", kCharacters},
-      {"a\x7F", kCharacters}, {"C:x", "the name holds a ':', " + kRefused}, {"a\\b", "the name holds a '\\', " + kRefused},
-      {"a;b", "the name holds a ';', at which the build's lists of files are split"},
-  };
-  // clang-format on
-  for (const auto& [name, fault] : kCases) {
-    EXPECT_EQ(fault, kwa::EntryNameFault(name)) << name;
-  }
-  EXPECT_EQ("[\\]{|}AZ", kwa::UpperCase("[\\]{|}az"));
-}
 
 // A folder `in` to be packed and a folder `out` for the archive, in a folder of the test's own.
 class Pack : public testing::Test {
@@ -80,26 +56,36 @@ TEST_F(Pack, OrderNamesBodiesAndPadding) {
   EXPECT_EQ(std::vector<std::string>{"archive"}, NamesIn(folder / "out"));
 }
 
-TEST_F(Pack, DepfileEscapesWhatMakeReads) {
-  AddFile("a b#c$d");
-  AddFile("e");
+TEST_F(Pack, EveryDifferenceFromTheListIsNamed) {
   WriteWholeFile(folder / "contents.json",
-                 R"({"files": [{"archive": "B", "order": 1, "name": "a b#c$d", "size": 1, "kind": "k"},
-                               {"archive": "B", "order": 2, "name": "e", "size": 1, "kind": "k"}]})");
-  EXPECT_EQ(0, RunTool({"pack", folder / "in", folder / "out/archive", "--contents", folder / "contents.json",
-                        "--archive", "B", "--depfile", folder / "out/d"})
-                   .status);
-  const std::string& root = folder.Path();
-  EXPECT_EQ(root + "/out/archive: \\\n  " + root + "/in/a\\ b\\#c$$d \\\n  " + root + "/in/e \\\n  " + root +
-                "/contents.json\n",
-            ReadWholeFile(folder / "out/d"));
+                 R"({"files": [{"archive": "B", "name": "other", "size": 1, "kind": "k"},
+                               {"archive": "A", "name": "same", "size": 3, "kind": "7-bit ASCII text, no line ends"},
+                               {"archive": "A", "name": "short", "size": 2147483647, "kind": "k"},
+                               {"archive": "A", "name": "gone", "size": 1, "kind": "k"}]})");
+  AddFile("same", "123");
+  AddFile("short", "12");
+  AddFile("other", "1");
+  const auto run = [this] {
+    return RunTool(
+        {"pack", folder / "in", folder / "out/archive", "--contents", folder / "contents.json", "--archive", "A"});
+  };
+  ExpectFailure(
+      run(), folder.Path(),
+      {"in: archive A, other: is in the place of gone", "in: archive A, short: has 2 bytes instead of 2147483647",
+       "contents.json: does not fit; if the files are right, 'kwapayload contents " + folder.Path() + "/ --output " +
+           (folder / "contents.json") + "' makes a new list"});
+  EXPECT_EQ(std::vector<std::string>{}, NamesIn(folder / "out"));
+  WriteWholeFile(folder / "contents.json", R"({"files": [{"archive": "A"}]})");
+  const ToolRun bad = run();
+  EXPECT_EQ(3, std::count(bad.errors.begin(), bad.errors.end(), '\n')) << bad.errors;
+  EXPECT_EQ(2, bad.status);
 }
 
 TEST_F(Pack, PlacesThatDoNotDo) {
   ExpectFaults({"in: holds no files"});
   AddFile("a");
   ExpectFaults({"none/archive: cannot be created: No such file or directory"}, "none/archive");
-  ExpectFaults({"in/archive: lies in the folder that is to be packed"}, "in/archive");
+  ExpectFaults({"in/archive: is in the folder that is to be packed"}, "in/archive");
   std::filesystem::create_directory(folder / "out/archive");
   ExpectFaults({"out/archive: exists and is not a file"});
   std::filesystem::remove_all(folder / "in");
@@ -111,7 +97,7 @@ TEST_F(Pack, EveryFaultOfAFolderIsNamed) {
     AddFile(name);
   }
   std::filesystem::resize_file(folder / "in/large", 0x80000000U);
-  ExpectFaults({"in/Abc: is to Windows the same name as ABC", "in/l\\x0Af: the name is not plain printable ASCII",
+  ExpectFaults({"in/Abc: is the same name for Windows as ABC", "in/l\\x0Af: the name is not plain printable ASCII",
                 "in/large: has 2147483648 bytes; the installer reads bodies below 2147483648",
                 "in/nul.x: the name is a device's on Windows", "in/sub: is a folder; an archive holds only files"});
 }
@@ -139,37 +125,19 @@ TEST_F(Pack, EndedBySignalLeavesNothing) {
   EXPECT_EQ(std::vector<std::string>{}, NamesIn(out));
 }
 
-TEST_F(Pack, KeepsWhatCameToBeMeanwhile) {
+TEST_F(Pack, KeepsAFileThatAppearsMeanwhile) {
   kwa::OutputFile output(folder / "out/archive", kwa::Existing::Kept);
   WriteWholeFile(folder / "out/archive", "of another");
   EXPECT_THROW(output.Commit(), kwa::ToolFailure);
   EXPECT_EQ("of another", ReadWholeFile(folder / "out/archive"));
+}
+
+TEST_F(Pack, FailedRenameLeavesNothing) {
+  kwa::OutputFile output(folder / "out/archive", kwa::Existing::Kept);
   std::filesystem::remove_all(folder / "out");  // with the temporary file
   std::filesystem::create_directory(folder / "out");
   EXPECT_THROW(output.Commit(), kwa::ToolFailure);
   EXPECT_EQ(std::vector<std::string>{}, NamesIn(folder / "out"));
-}
-
-// A file that another program writes to meanwhile.
-TEST_F(Pack, SizeChangesWhilePacking) {
-  AddFile("a", std::string(200000, 'x'));
-  for (const std::uint64_t size : {199999, 200001}) {
-    kwa::OutputFile output(folder / "out/archive");
-    EXPECT_THROW(kwa::PackArchive({{"a", folder / "in/a", size}}, folder / "out/archive", output), kwa::ToolFailure);
-  }
-  EXPECT_EQ(std::vector<std::string>{}, NamesIn(folder / "out"));
-}
-
-TEST(Misuse, EndsWithStatus2) {
-  for (const std::string arguments :
-       {"", "unpack in", "pack in", "pack in out more", "pack in out --contents c", "pack in out --archive A",
-        "pack in out --contents c --archive C", "pack in out --contents \"\" --archive A", "list", "extract a",
-        "verify", "preview", "preview a --windows 95"}) {
-    const ToolRun run = RunTool({}, "sh -c '\"$@\" " + arguments + "' sh ");
-    EXPECT_EQ(2, run.status) << arguments;
-    EXPECT_EQ(0U, run.errors.find("kwapayload: ")) << run.errors;
-    EXPECT_EQ("", run.output);
-  }
 }
 
 }  // namespace

@@ -1,0 +1,212 @@
+// Every kind of finding: each file has one fault, and gives its findings and no others.
+
+#include "verify/verification.h"
+
+#include <gtest/gtest.h>
+
+#include "pe/built_image.h"
+#include "temporary_folder.h"
+#include "trust/built_signature.h"
+#include "verify/faulty_file.h"
+
+namespace {
+
+constexpr kwa::Severity kWarning = kwa::Severity::Warning;
+
+struct Found {
+  std::string code;
+  std::string where;  // without the offset of an archive
+  kwa::Severity severity = kwa::Severity::Error;
+};
+
+struct Row {
+  const char* fault;
+  FaultyFile file;
+  std::vector<Found> findings;
+};
+
+const char kInf[] = "package, marlin_usb.inf";
+const char kPackage[] = "package, a.inf";
+const char kArchive[] = "archive at offset ";
+const std::string kVersionText = Wide("FileVersion") + std::string(4, '\0');
+
+// Places in the archive of InArchive.
+constexpr std::size_t Record(std::size_t index) {
+  return 8 + index * 264;
+}
+constexpr std::size_t kTerminator = Record(2) + 8 + 4;
+
+// More files than findings are kept, and what is kept.
+std::string ManyFiles() {
+  return BuildArchive(std::vector<ArchiveBody>(1001, {"a/b", ""}));
+}
+
+std::vector<Found> ManyFindings() {
+  std::vector<Found> findings(1000, {"name-unfit", "a/b"});
+  findings.push_back({"more-findings", ""});
+  return findings;
+}
+
+std::string ProgramWithBrokenSignature() {
+  BuiltImage image;
+  image.sections = {{".text", kCode, "code"}};
+  image.directories[4] = {static_cast<std::uint32_t>(BuildImage(image).size()), 9};
+  return BuildImage(image) + WordBytes(9) + WordBytes(0x00020200) + "x";
+}
+
+// script/lint compares the codes with those in the sources.
+// clang-format off
+const Row kRows[] = {
+    {"none", Installer([](InstallerImage&) {}), {}},
+    {"none, without a list", Unlisted(Installer([](InstallerImage&) {})), {}},
+
+    // The archives.
+    {"count", Installer([](InstallerImage& image) { image.SetCount(image.B(), 6); }),
+     {{"archive-count", ""}, {"name-not-zero-filled", kArchive}}},
+    {"cut off", Installer([](InstallerImage& image) { image.Resize(image.Find("Panorama.exe").bodyPosition + 1000); }),
+     {{"truncated", "section .rdata"}, {"body-past-end", kArchive}}},
+    {"no entries", InArchive(4, WordBytes(0)), {{"no-entries", ""}}},
+    {"count beyond the end", InArchive(4, WordBytes(0xFFFFFFFF)), {{"table-past-end", ""}}},
+    {"name of 260 bytes", InArchive(Record(1), std::string(260, 'n')), {{"name-not-ended", ""}}},
+    {"no name", InArchive(Record(1), std::string(4, '\0')), {{"name-empty", ""}}},
+    {"control character in a name", InArchive(Record(1), "\x1F"), {{"name-control", ""}}},
+    {"size of 2 GiB", InArchive(Record(1) - 4, WordBytes(0x80000000)), {{"size-too-large", "one"}}},
+    {"size beyond the end", InArchive(Record(2) - 4, WordBytes(99)), {{"body-past-end", "two"}}},
+    {"no terminator", InArchive(kTerminator, "x"), {{"closing-word", ""}}},
+    {"more after the terminator", InArchive(kTerminator + 4, "x"), {{"trailing-bytes", "", kWarning}}},
+    {"padding", InBody("marlin_usb.cat", 11519, "x"), {{"padding", "archive A, marlin_usb.cat", kWarning}}},
+    {"more findings than are kept", {ManyFiles}, ManyFindings()},
+
+    // The list of contents and the files that the installer names.
+    {"folder in a name", Renamed("dpinst.exe", "dp\\nst.exe"), {{"name-unfit", "archive B, dp\\nst.exe"}}},
+    {"name twice", Renamed("kwa.bmp", "Panorama.EXE"),
+     {{"name-twice", "archive B, Panorama.EXE"}, {"unexpected-file", "archive B, Panorama.EXE"}}},
+    {"name out of order", Renamed("kwa.bmp", "dwa.bmp"),
+     {{"order", "archive B, dwa.bmp", kWarning}, {"unexpected-file", "archive B, dwa.bmp"}}},
+    {"size", Installer([](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); }),
+     {{"size", "archive B, eula_en.txt"}}},
+    {"driver of the wrong machine", MachineX86("marlin_usb_64.sys"), {{"kind", "archive A, marlin_usb_64.sys"}}},
+    {"bitmap of other geometry", InBody("kwa.bmp", 18, "2"), {{"kind", "archive B, kwa.bmp"}}},
+    {"missing, without a list", Unlisted(Renamed("eula_de.txt", "eula_da.txt")), {{"missing-file", "eula_de.txt"}}},
+    {"wrong machine, without a list", Unlisted(MachineX86("dpinst64.exe")), {{"kind", "archive B, dpinst64.exe"}}},
+    {"licence text, without a list", Unlisted(InBody("eula_en.txt", 100, "\xFF")), {{"not-utf8", "archive B, eula_en.txt"}}},
+
+    // The INF.
+    {"no INF", Unlisted(Renamed("marlin_usb.inf", "marlin_usb.inx")), {{"no-inf", "package"}}},
+    {"second INF", Package({}, [](PackageFiles& files) { files["b.info"] = ""; }), {{"second-inf", kPackage}}},
+    {"no version", InInf("DriverVer ", "DriverVex "), {{"version-key-missing", kInf}}},
+    {"no display name", InInf("PackageDisplayName", "PackageDisplayNamx"), {{"version-key-missing", kInf}}},
+    {"no catalog", Package({{"CatalogFile", "CatalogFile.ntia64"}}), {{"version-key-missing", kPackage}}},
+    {"a catalog of one platform", Package({{"CatalogFile", "CatalogFile.ntx86"}}), {{"version-key-missing", kPackage}}},
+    {"no such date", InInf("02/13/2014,1.0.42.0", "02/30/2014,1.0.42.1"), {{"driver-ver", kInf}}},
+    {"version other than the drivers'", InInf("02/13/2014,1.0.42.0", "02/13/2014,1.0.42.1"),
+     {{"driver-version", "archive A, marlin_usb.sys", kWarning},
+      {"driver-version", "archive A, marlin_usb_64.sys", kWarning}}},
+    {"ampersand", InInf("= \"Marlin USB\"", "= \"Marlin&USB\""), {{"value-breaks-xml", kInf}}},
+    {"end of CDATA", InInf("= \"Marlin USB\"", "= \"Marli]]>B\""), {{"value-breaks-xml", kInf}}},
+    // Neither a control character nor such a byte is in a 7-bit text.
+    {"control character", InInf("= \"Marlin USB\"", "= \"Marlin\x01USB\""),
+     {{"kind", "archive A, marlin_usb.inf"}, {"value-breaks-xml", kInf}}},
+    {"umlaut", InInf("Name = \"Marlin", "Name = \"Marl\xEFn"),
+     {{"kind", "archive A, marlin_usb.inf"}, {"value-breaks-xml", kInf}}},
+    {"byte-order mark", InBody("marlin_usb.inf", 0, "\xEF\xBB\xBF"),
+     {{"kind", "archive A, marlin_usb.inf"}, {"inf-encoding", kInf}}},
+    {"long name", Package({{"Marlin USB", "Marlin USB" + std::string(250, '.')}}), {{"value-too-long", kPackage}}},
+    {"longest name", Package({{"Marlin USB", "Marlin USB" + std::string(249, '.')}}), {}},
+    {"no family", InInf("= \"Marlin USB\"", "= \"Heron XYZ!\""), {{"no-family", kInf}}},
+    {"catalog", InInf("marlin_usb.cat", "marlin_usc.cat"), {{"catalog-missing", kInf}}},
+    {"source file", InInf("marlin_usb.sys = 1", "marlin_usc.sys = 1"), {{"source-file-missing", kInf}}},
+    {"folder of a file", Package({{"a.sys=1", "a.sys=1,amd64"}}), {{"source-file-in-folder", kPackage}}},
+    {"folder of a disk", Package({{"1=Disk", "1=\"d,e\",,,\\x"}}), {{"source-file-in-folder", kPackage}}},
+    {"no source files", Package({{"[SourceDisksFiles]", "[SourceDisksFilez]"}}), {{"no-source-files", kPackage}}},
+
+    // Catalogs and signatures.
+    {"none, in a package", Package({}), {}},
+    {"none, with a catalog for each platform",
+     Package({{"CatalogFile=a.cat", "CatalogFile.NTx86=a.cat\nCatalogFile.ntAMD64 = \"%Name%.c%Name%t\""}, {"", "Name=a"}}), {}},
+    {"rebuilt driver", Package({}, [](PackageFiles& files) { files["a.sys"] = "rebuilt"; }), {{"not-in-catalog", "a.sys"}}},
+    {"driver in one of two catalogs",
+     Package({{"CatalogFile=a.cat", "CatalogFile.ntx86=a.cat\nCatalogFile.ntamd64=b.cat"}},
+             [](PackageFiles& files) { files["b.cat"] = CatalogOf({files["a.inf"]}); }), {{"not-in-catalog", "a.sys"}}},
+    {"none, a driver of one platform",
+     Package({{"CatalogFile=a.cat", "CatalogFile.ntx86=a.cat\nCatalogFile.ntamd64=b.cat"}, {"DisksFiles]", "DisksFiles.x86]"}},
+             [](PackageFiles& files) { files["b.cat"] = CatalogOf({files["a.inf"]}); }), {}},
+    {"damaged catalog", Package({}, [](PackageFiles& files) { files["a.cat"].resize(100); }), {{"catalog-unreadable", "a.cat"}}},
+    {"unsigned catalog", Package({}, [](PackageFiles& files) { files["a.cat"] = CatalogOf({files["a.inf"], "driver"}, 0); }),
+     {{"catalog-unsigned", "a.cat"}}},
+    {"broken catalog", Package({}, [](PackageFiles& files) { files["a.cat"].back() ^= 1; }), {{"catalog-signature-broken", "a.cat"}}},
+    {"timestamp of another signature", Package({}, [](PackageFiles& files) {
+       files["a.cat"] = CatalogOf({files["a.inf"], "driver"}, 1, [](const std::string&) { return TimestampToken("other"); });
+     }), {{"timestamp-broken", "a.cat", kWarning}}},
+    {"catalog of other files", Package({}, [](PackageFiles& files) { files["a.cat"] = CatalogOf({"other"}); }),
+     {{"catalog-of-other-files", "a.cat", kWarning}, {"not-in-catalog", "a.inf"}, {"not-in-catalog", "a.sys"}}},
+    {"signature of a program", Package({}, [](PackageFiles& files) { files["p.exe"] = ProgramWithBrokenSignature(); }),
+     {{"signature-broken", "p.exe"}}},
+
+    // The program.
+    {"machine", InHeader(4, "\x64\x86"), {{"machine", "executable"}}},
+    {"console", InHeader(92, "\x03"), {{"subsystem", "executable"}}},
+    {"none, Windows 2000", InHeader(72, "\x05"), {}},
+    {"later Windows", InHeader(72, "\x06"), {{"windows-version", "executable"}}},
+    {"library", InHeader(23, "\x23"), {{"not-a-program", "executable"}}},
+    {"ASLR", InHeader(94, std::string("\0\x81", 2)), {{"no-aslr", "executable"}}},
+    {"relocations", InHeader(160, std::string(8, '\0')), {{"no-relocations", "executable"}}},
+    {"DEP", InHeader(94, "\x40\x80"), {{"no-dep", "executable"}}},
+    {"terminal server", InHeader(94, "\x40\x01"), {{"not-terminal-server-aware", "executable", kWarning}}},
+    {"writable code", InHeader(248 + 39, "\xE0"), {{"writable-code", "executable, section .text"}}},
+    {"no manifest", ResourceType(24, 23), {{"no-manifest", "executable"}}},
+    {"manifest", InProgram("requireAdministrator", "requireAdministrat0r"), {{"manifest-level", "executable, manifest"}}},
+    {"no version record", ResourceType(16, 15), {{"no-version", "executable"}}},
+    {"version record", InProgram(Wide("VS_VERSION_INFO"), Wide("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
+    {"version number", InProgram("\xBD\x04\xEF\xFE", "\xBD\x04\xEF\xFF"), {{"version-damaged", "executable"}}},
+    {"file version", Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE") + 10, "\x02"); }),
+     {{"versions-differ", "executable, version record"}}},
+    {"no version text", InProgram(Wide("FileVersion"), Wide("FileVersiom")), {{"versions-differ", "executable, version record"}}},
+    {"version text", InProgram(kVersionText + Wide("1.0"), kVersionText + Wide("1.") + Wide({0})),
+     {{"versions-differ", "executable, version record"}}},
+    {"import table", InHeader(128, WordBytes(0x70000000)), {{"imports-damaged", "executable"}}},
+    {"library", InProgram("SHELL32.dll", "SHELL33.dll"), {{"library-not-allowed", "executable, imports of SHELL33.dll"}}},
+    {"later function", InProgram("GetVersionExA", "GetVersionExB"), {{"import-too-new", "executable, imports of KERNEL32.dll"}}},
+    {"bytes at the end", Installer([](InstallerImage& image) { image.Resize(image.Bytes().size() + 100); }),
+     {{"overlay", "executable", kWarning}}},
+    {"signature", WithSignature(0), {{"signature-broken", "executable"}}},
+    {"signature after padding", WithSignature(8), {{"signature-broken", "executable"}, {"overlay", "executable", kWarning}}},
+    {"signature in an odd place", WithSignature(4), {{"signature-broken", "executable"}, {"signature-place", "executable"}}},
+};
+// clang-format on
+
+std::string Line(const std::string& code, std::string where, kwa::Severity severity) {
+  if (where.rfind(kArchive, 0) == 0) {
+    where = kArchive;
+  }
+  return (severity == kwa::Severity::Error ? "" : "warning ") + code + ": " + where;
+}
+
+TEST(Verify, EachFaultGivesItsFindingsAndNoOthers) {
+  const std::string list = ReadWholeFile(KWA_CONTENTS);
+  const kwa::PayloadContents contents = kwa::ReadPayloadContents(kwa::ByteSpan(list)).value();
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.fault);
+    const std::string bytes = row.file.make();
+    const kwa::InstallerFile installer = kwa::ReadInstallerFile(kwa::ByteSpan(bytes)).value();
+    std::vector<std::string> found;
+    for (const kwa::Finding& finding :
+         kwa::VerifyInstaller(installer, installer.image && row.file.isListed ? contents : kwa::PayloadContents())) {
+      // Every change of a file of the payload breaks what signs it.
+      const bool isConsequence = installer.image &&
+                                 (finding.code == "not-in-catalog" || finding.code == "signature-broken") &&
+                                 finding.where != "executable";
+      if (!isConsequence) {
+        found.push_back(Line(finding.code, finding.where, finding.severity));
+        EXPECT_NE(finding.what, "");
+      }
+    }
+    std::vector<std::string> expected;
+    for (const Found& finding : row.findings) {
+      expected.push_back(Line(finding.code, finding.where, finding.severity));
+    }
+    EXPECT_EQ(expected, found);
+  }
+}
+
+}  // namespace
