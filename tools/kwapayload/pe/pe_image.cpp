@@ -33,6 +33,11 @@ PeSection ReadSection(ByteSpan file, ByteSpan header) {
 
 void ReadOptionalHeader(ByteSpan optional, PeImage* image) {
   image->isPlus = optional.U16(0) == kOptionalMagic64;
+  image->entryPoint = optional.U32(16);
+  image->sectionAlignment = optional.U32(32);
+  image->fileAlignment = optional.U32(36);
+  image->imageSize = optional.U32(56);
+  image->headersSize = optional.U32(60);
   image->imageBase = image->isPlus ? optional.U64(24) : optional.U32(28);
   image->majorOperatingSystemVersion = optional.U16(40);
   image->majorSubsystemVersion = optional.U16(48);

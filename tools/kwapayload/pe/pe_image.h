@@ -64,6 +64,11 @@ struct PeImage {
   std::uint16_t minorSubsystemVersion;
   std::uint16_t majorOperatingSystemVersion;
   std::uint64_t imageBase;
+  std::uint32_t entryPoint;        // relative to the image base
+  std::uint32_t sectionAlignment;  // bytes
+  std::uint32_t fileAlignment;     // bytes
+  std::uint32_t imageSize;         // bytes in memory
+  std::uint32_t headersSize;       // bytes in the file
   std::vector<PeSection> sections;
   std::vector<PeDirectory> directories;  // 16 at most
 

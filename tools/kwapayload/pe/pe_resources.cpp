@@ -19,14 +19,16 @@ class ResourceTree {
       : image(peImage), root(peImage.At(peImage.Directory(kPeResourceDirectory).address)) {}
 
   std::vector<PeResource> Read() {
-    ReadDirectory(0, 0, 0);
+    ReadDirectory(0, 0, {});
     return std::move(resources);
   }
 
  private:
-  void ReadDirectory(std::uint32_t offset, unsigned level, std::uint32_t type) {
+  // path  the type and name of the directory, as far as the level has them
+  void ReadDirectory(std::uint32_t offset, unsigned level, PeResource path) {
     constexpr std::uint32_t kHeaderSize = 16;
     constexpr std::uint32_t kEntrySize = 8;
+    std::uint32_t ignored = 0;
     const ByteSpan directory = root.From(offset);
     const std::uint32_t named = directory.U16(12);
     const std::uint32_t count = named + directory.U16(14);
@@ -35,13 +37,13 @@ class ResourceTree {
       if (entry.Size() < kEntrySize || ++entriesSeen > kMaxTreeEntries || resources.size() >= kMaxResources) {
         return;
       }
-      const std::uint32_t entryType = level == 0 ? entry.U32(0) : type;
+      (level == 0 ? path.type : level == 1 ? path.name : ignored) = entry.U32(0);
       const bool isDirectory = (entry.U32(4) & kHighBit) != 0;
       const std::uint32_t target = entry.U32(4) & ~kHighBit;
       if (level + 1 < kTreeDepth && isDirectory) {
-        ReadDirectory(target, level + 1, entryType);
+        ReadDirectory(target, level + 1, path);
       } else if (level + 1 == kTreeDepth && !isDirectory) {
-        resources.push_back({entryType, image.At(root.U32(target)).Part(0, root.U32(target + 4ULL))});
+        resources.push_back({path.type, path.name, image.At(root.U32(target)).Part(0, root.U32(target + 4ULL))});
       }
     }
   }

@@ -13,6 +13,7 @@ constexpr std::uint32_t kResourceTypeManifest = 24;
 // One resource with a number for type, name and language; those with texts are left out.
 struct PeResource {
   std::uint32_t type;
+  std::uint32_t name;
   ByteSpan bytes;
 };
 

@@ -61,7 +61,11 @@ Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& 
     if (package) {
       VerifyVersions(items, *package, &findings);
     }
-    VerifyTrust(installer, ReadPackageTrust(items, package), &findings);
+    const PackageTrust trust = ReadPackageTrust(items, package);
+    if (installer.image || package) {
+      VerifyUse(items, package, trust, &findings);
+    }
+    VerifyTrust(installer, trust, &findings);
   }
   if (installer.image) {
     VerifyExecutable(*installer.image, &findings);

@@ -26,13 +26,17 @@ void VerifyLayout(const InstallerFile& installer, Findings* findings);
 void VerifyContents(const std::vector<ArchiveItem>& items, const PayloadContents& contents, char archive,
                     Findings* findings);
 
-// The files that the installer and its configuration name: both editions of DPInst, licence texts, watermark. Files
-// that `contents` lists are left to VerifyContents.
+// The files that the installer and its configuration name: both editions of DPInst, licence texts, watermark. Missing
+// files that `contents` lists are left to VerifyContents.
 void VerifyCompanions(const std::vector<ArchiveItem>& items, const PayloadContents& contents, Findings* findings);
 
 // The driver package as its INF describes it.
 void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package,
                    Findings* findings);
+
+// Whether something refers to each item.
+void VerifyUse(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package,
+               const PackageTrust& trust, Findings* findings);
 
 // What DriverVer says, to Setup and about the drivers' own versions.
 void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& package, Findings* findings);
@@ -40,6 +44,9 @@ void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& 
 // Whether the package's catalogs cover its files, and whether signatures hold: those of the catalogs, of the programs
 // and of the installer. Whether a signer is trusted, and when, is left to Windows.
 void VerifyTrust(const InstallerFile& installer, const PackageTrust& trust, Findings* findings);
+
+// Where the parts of the program are in memory and in the file.
+void VerifyImageLayout(const PeImage& image, Findings* findings);
 
 // The program itself.
 void VerifyExecutable(const PeImage& image, Findings* findings);

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <string>
 
+#include "base/ascii_text.h"
 #include "content/file_kind.h"
 #include "content/text_kind.h"
 #include "payload/entry_name.h"
@@ -30,7 +32,7 @@ void CompareFile(const ArchiveItem& item, const ContentsFile& wanted, Findings* 
 // A file that the installer and its configuration refer to by name.
 struct Companion {
   const char* name;
-  const char* kind;  // the beginning of its KindText; null for a text that only has to be UTF-8
+  const char* kind;  // the beginning of its KindText; null for a licence text
 };
 
 constexpr Companion kCompanions[] = {
@@ -40,6 +42,30 @@ constexpr Companion kCompanions[] = {
     {"eula_en.txt", nullptr},
     {"kwa.bmp", "Windows bitmap, 51 x 305 pixels"},
 };
+
+void VerifyText(const ArchiveItem& item, Findings* findings) {
+  const std::optional<TextKind> text = ReadTextKind(item.body);
+  if (!IsUtf8(item.body)) {
+    findings->AddError(Where(item), "is not valid UTF-8, as which DPInst reads it", "not-utf8");
+  } else if (!text || text->lineEnds != LineEnds::CrLf) {
+    findings->AddWarning(Where(item), "is not a text with CR LF line ends: DPInst may show it as one line",
+                         "line-ends");
+  }
+}
+
+// What no list can switch off.
+void VerifyCompanion(const ArchiveItem& item, const Companion& companion, Findings* findings) {
+  if (companion.kind == nullptr) {
+    VerifyText(item, findings);
+    return;
+  }
+  const FileKind kind = ReadFileKind(item.body);
+  if (KindText(kind).rfind(companion.kind, 0) != 0) {
+    findings->AddError(Where(item), "is " + KindText(kind) + " instead of " + companion.kind, "companion-kind");
+  } else if (kind.program && !kind.program->isSigned) {
+    findings->AddError(Where(item), "is not signed, as Microsoft's DPInst is", "dpinst-unsigned");
+  }
+}
 
 }  // namespace
 
@@ -80,18 +106,48 @@ void VerifyContents(const std::vector<ArchiveItem>& items, const PayloadContents
 void VerifyCompanions(const std::vector<ArchiveItem>& items, const PayloadContents& contents, Findings* findings) {
   for (const Companion& companion : kCompanions) {
     const ArchiveItem* const item = FindItem(items, companion.name);
-    if (FindName(contents, companion.name) != nullptr) {
-      continue;
-    }
-    if (item == nullptr) {
+    if (item != nullptr) {
+      VerifyCompanion(*item, companion, findings);
+    } else if (FindName(contents, companion.name) == nullptr) {
       findings->AddError(companion.name, "is missing", "missing-file");
-      continue;
     }
-    const std::string kind = KindText(ReadFileKind(item->body));
-    if (companion.kind != nullptr && kind.rfind(companion.kind, 0) != 0) {
-      findings->AddError(Where(*item), "is " + kind + " instead of " + companion.kind, "kind");
-    } else if (companion.kind == nullptr && !IsUtf8(item->body)) {
-      findings->AddError(Where(*item), "is not valid UTF-8, as which DPInst reads it", "not-utf8");
+  }
+  if (const ArchiveItem* const item = FindItem(items, "dpinst.xml")) {
+    findings->AddError(Where(*item), "is carried, but the installer overwrites it", "dpinst-xml-carried");
+  }
+}
+
+void VerifyUse(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package,
+               const PackageTrust& trust, Findings* findings) {
+  std::set<std::string> used;
+  for (const Companion& companion : kCompanions) {
+    used.insert(UpperCase(companion.name));
+  }
+  const bool isSetupKnown = package && package->setup && !package->setup->inf.HasError();
+  if (isSetupKnown) {
+    used.insert(UpperCase(package->inf.name));
+    for (const PackagePlatform& platform : package->setup->platforms) {
+      for (const InfSourceFile& source : platform.sourceFiles) {
+        used.insert(UpperCase(source.name));
+      }
+      for (const InfCopiedFile& copied : platform.copiedFiles) {
+        used.insert(UpperCase(copied.source));
+      }
+    }
+    for (const PackageCatalog& catalog : trust.catalogs) {
+      used.insert(UpperCase(catalog.name));
+      if (catalog.catalog && *catalog.catalog) {
+        used.insert((*catalog.catalog)->fileNames.begin(), (*catalog.catalog)->fileNames.end());
+      }
+    }
+  }
+  for (const ArchiveItem& item : items) {
+    const bool isOfPackage = item.archive != 'B';
+    if ((!isOfPackage || isSetupKnown) && CheckEntryName(item.name) && used.count(UpperCase(item.name)) == 0) {
+      findings->AddWarning(Where(item),
+                           isOfPackage ? "is named by neither the INF nor a catalog"
+                                       : "is used by neither the installer nor its dpinst.xml",
+                           "not-used");
     }
   }
 }

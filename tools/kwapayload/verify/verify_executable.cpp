@@ -6,6 +6,7 @@
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
 #include "pe/version_record.h"
+#include "verify/installer_manifest.h"
 #include "verify/old_windows_imports.h"
 #include "verify/verification.h"
 
@@ -84,21 +85,24 @@ void VerifyImports(const PeImage& image, Findings* findings) {
   }
 }
 
-// The value of the attribute `level` of the manifest's requestedExecutionLevel, or "".
-std::string RequestedLevel(std::string_view manifest) {
-  const std::size_t element = manifest.find("<requestedExecutionLevel");
-  if (element == std::string_view::npos) {
-    return "";
-  }
-  const std::string_view tag = manifest.substr(element, manifest.find('>', element) - element);
-  for (const char quote : {'"', '\''}) {
-    const std::string start = std::string("level=") + quote;
-    if (const std::size_t at = tag.find(start); at != std::string_view::npos) {
-      const std::string_view value = tag.substr(at + start.size());
-      return std::string(value.substr(0, value.find(quote)));
+void VerifyManifest(const std::vector<PeResource>& resources, Findings* findings) {
+  constexpr std::uint32_t kProcessManifest = 1;  // CREATEPROCESS_MANIFEST_RESOURCE_ID
+  std::size_t count = 0;
+  bool isExpected = true;
+  for (const PeResource& resource : resources) {
+    if (resource.type == kResourceTypeManifest) {
+      ++count;
+      isExpected = isExpected && resource.name == kProcessManifest && resource.bytes.Text() == kInstallerManifest;
     }
   }
-  return "";
+  if (count == 0) {
+    findings->AddError("executable", "has no manifest", "no-manifest");
+  } else if (count > 1 || !isExpected) {
+    findings->AddError("executable, manifest",
+                       "is not the one manifest with the number 1 that asks for administrator rights, byte for byte as "
+                       "this tool knows it",
+                       "manifest");
+  }
 }
 
 // Whether a text gives the version: all four parts, or without zeros at the end.
@@ -111,13 +115,7 @@ bool MeansVersion(std::string text, const std::string& number) {
 
 void VerifyResources(const PeImage& image, Findings* findings) {
   const std::vector<PeResource> resources = ReadResources(image);
-  const ByteSpan manifest = FirstResource(resources, kResourceTypeManifest);
-  if (manifest.Empty()) {
-    findings->AddError("executable", "has no manifest", "no-manifest");
-  } else if (const std::string level = RequestedLevel(manifest.Text()); level != "requireAdministrator") {
-    findings->AddError("executable, manifest",
-                       "asks for the level \"" + level + "\" instead of \"requireAdministrator\"", "manifest-level");
-  }
+  VerifyManifest(resources, findings);
   const ByteSpan version = FirstResource(resources, kResourceTypeVersion);
   const std::optional<VersionRecord> record = ReadVersionRecord(version);
   if (version.Empty()) {
@@ -166,6 +164,7 @@ void VerifyExecutable(const PeImage& image, Findings* findings) {
     return;  // a finding of the layout, and missing bytes cannot be judged
   }
   VerifyHeaders(image, findings);
+  VerifyImageLayout(image, findings);
   VerifyImports(image, findings);
   VerifyResources(image, findings);
   VerifyEnd(image, findings);

@@ -4,8 +4,10 @@
 #include <string>
 
 #include "base/ascii_text.h"
+#include "content/file_kind.h"
 #include "content/text_kind.h"
 #include "inf/profile_value.h"
+#include "pe/pe_image.h"
 #include "verify/verification.h"
 
 namespace kwa {
@@ -85,12 +87,22 @@ void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>
   }
 }
 
+// What Setup refuses or may read in another way.
+void VerifyInfFaults(const std::string& where, const SetupInf& inf, Findings* findings) {
+  for (const InfFault& fault : inf.Faults()) {
+    const std::string line = fault.line == 0 ? "" : ", line " + std::to_string(fault.line);
+    findings->Add({fault.severity, where + line, fault.what, fault.code});
+  }
+}
+
+// Microsoft, "INF SourceDisksFiles Section": a file of a package needs an entry there, and its disk one in
+// [SourceDisksNames].
 void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>& items,
                        const std::vector<PackagePlatform>& platforms, Findings* findings) {
-  std::set<std::string> seen;  // a file of both platforms is one finding
+  std::set<std::size_t> seen;  // a line for both platforms is one finding
   for (const PackagePlatform& platform : platforms) {
     for (const InfSourceFile& source : platform.sourceFiles) {
-      if (!seen.insert(source.name + '\\' + source.folder).second) {
+      if (!seen.insert(source.line).second) {
         continue;
       }
       const std::string named = "[SourceDisksFiles] names \"" + source.name + "\", ";
@@ -101,11 +113,45 @@ void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>&
                            named + "for which Setup will look in the folder \"" + source.folder +
                                "\", but all files are beside the INF",
                            "source-file-in-folder");
+      } else if (!source.isDiskListed) {
+        findings->AddError(where, named + "on disk \"" + source.disk + "\", which [SourceDisksNames] does not have",
+                           "disk-missing");
       }
     }
   }
   if (seen.empty()) {
     findings->AddError(where, "has no [SourceDisksFiles]", "no-source-files");
+  }
+}
+
+bool IsListed(const std::vector<InfSourceFile>& sources, const std::string& name) {
+  return std::any_of(sources.begin(), sources.end(),
+                     [&name](const InfSourceFile& source) { return IsSameText(source.name, name); });
+}
+
+// The files that install sections copy, and whether the drivers among them fit the platform.
+void VerifyCopiedFiles(const std::string& where, const std::vector<ArchiveItem>& items,
+                       const std::vector<PackagePlatform>& platforms, Findings* findings) {
+  std::set<std::size_t> seen;
+  for (const PackagePlatform& platform : platforms) {
+    const std::uint16_t machine =
+        platform.platform == InfPlatform::X86 ? kImageFileMachineI386 : kImageFileMachineAmd64;
+    for (const InfCopiedFile& copied : platform.copiedFiles) {
+      const ArchiveItem* const item = FindItem(items, copied.source);
+      const std::string place = where + ", line " + std::to_string(copied.line);
+      if (!IsListed(platform.sourceFiles, copied.source) && seen.insert(copied.line).second) {
+        const std::string what = "CopyFiles names \"" + copied.source + "\", which [SourceDisksFiles] does not list";
+        // A file that is not carried may be one of Windows.
+        findings->Add({item != nullptr ? Severity::Error : Severity::Warning, place,
+                       what + (item != nullptr ? "" : ": Setup may not find it"), "copied-file-not-listed"});
+      }
+      const FileKind kind = item != nullptr ? ReadFileKind(item->body) : FileKind();
+      if (kind.program && kind.program->subsystem == kImageSubsystemNative && kind.program->machine != machine) {
+        findings->AddError(Where(*item),
+                           "is " + KindText(kind) + ", but is copied on " + PlatformName(platform.platform),
+                           "driver-machine");
+      }
+    }
   }
 }
 
@@ -130,10 +176,16 @@ void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<Dr
     findings->AddError(where, "is not the only INF: there is " + name, "second-inf");
   }
   VerifyIdentity(where, *package, findings);
-  if (package->setup) {
-    VerifyCatalogNames(where, items, package->setup->platforms, findings);
-    VerifySourceFiles(where, items, package->setup->platforms, findings);
+  if (!package->setup) {
+    return;
   }
+  VerifyInfFaults(where, package->setup->inf, findings);
+  if (package->setup->inf.HasError()) {
+    return;  // Setup reads nothing of it
+  }
+  VerifyCatalogNames(where, items, package->setup->platforms, findings);
+  VerifySourceFiles(where, items, package->setup->platforms, findings);
+  VerifyCopiedFiles(where, items, package->setup->platforms, findings);
 }
 
 }  // namespace kwa
