@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 #include "built_archive.h"
 #include "built_image.h"
@@ -24,6 +25,20 @@ std::string Member(const std::string& tag, const std::string& attributes) {
 
 std::string IndirectMember(const std::string& tag, const char* algorithm, const std::string& digest) {
   return Member(tag, DerAttribute(kIndirectDataType, IndirectData(algorithm, digest)));
+}
+
+std::string Utf16(const std::string& text) {
+  std::string wide;
+  for (const char character : text) {
+    wide += {character, '\0'};
+  }
+  return wide;
+}
+
+std::string FileNameAttribute(const std::string& name) {
+  const std::string bigEndianFile("\0F\0i\0l\0e", 8);
+  return DerAttribute("1.3.6.1.4.1.311.12.2.1",
+                      Der(kDerSequence, Der(0x1E, bigEndianFile) + Der(0x02, "\1") + Der(kDerOctets, Utf16(name))));
 }
 
 std::string BuildCatalog(unsigned version, const std::string& members) {
@@ -95,14 +110,6 @@ std::string ShownCatalog(const std::string& file) {
   return catalog ? Shown(catalog->signatures) : catalog.error().what;
 }
 
-std::string Utf16(const std::string& text) {
-  std::string wide;
-  for (const char character : text) {
-    wide += {character, '\0'};
-  }
-  return wide;
-}
-
 TEST(Trust, CatalogCovers) {
   const std::string text = "[Version]\r\n";
   const std::string hexTag = Utf16("39488A95FF3BD1C8E34DC7B728BB935F5032E1EE") + std::string(2, '\0');
@@ -150,6 +157,11 @@ TEST(Trust, CatalogCovers) {
     EXPECT_EQ(test.version, catalog->version);
     EXPECT_EQ("Tester: \n", Shown(catalog->signatures));
   }
+}
+
+TEST(Trust, FileNamesInCatalogs) {
+  const std::string file = BuildCatalog(2, Member("tag", FileNameAttribute("b.Inf") + FileNameAttribute("A.sys")));
+  EXPECT_EQ((std::set<std::string>{"A.SYS", "B.INF"}), kwa::ReadCatalog(kwa::ByteSpan(file))->fileNames);
 }
 
 TEST(Trust, LineEndsThatACatalogCovers) {

@@ -1,5 +1,6 @@
 #include "content/file_kind.h"
 
+#include <cstddef>
 #include <string_view>
 #include <tuple>
 
@@ -48,41 +49,14 @@ std::string BitmapText(const BitmapKind& bitmap) {
          (bitmap.isTopDown ? ", top-down" : "");
 }
 
-const char* EncodingText(TextEncoding encoding) {
-  switch (encoding) {
-    case TextEncoding::Ascii:
-      return "7-bit ASCII text";
-    case TextEncoding::Utf8:
-      return "UTF-8 text";
-    case TextEncoding::EightBit:
-      return "8-bit text";
-    case TextEncoding::Utf16LittleEndian:
-      return "UTF-16 text, little-endian,";
-    case TextEncoding::Utf16BigEndian:
-      return "UTF-16 text, big-endian,";
-  }
-  return "";
-}
-
-const char* LineEndsText(LineEnds lineEnds) {
-  switch (lineEnds) {
-    case LineEnds::None:
-      return "no line ends";
-    case LineEnds::CrLf:
-      return "CR LF line ends";
-    case LineEnds::Lf:
-      return "LF line ends";
-    case LineEnds::Cr:
-      return "CR line ends";
-    case LineEnds::Mixed:
-      return "mixed line ends";
-  }
-  return "";
-}
-
 std::string TextKindText(const TextKind& text) {
-  return std::string(EncodingText(text.encoding)) + (text.hasByteOrderMark ? " with byte-order mark, " : ", ") +
-         LineEndsText(text.lineEnds);
+  constexpr const char* kEncodings[] = {"7-bit ASCII text", "UTF-8 text", "8-bit text", "UTF-16 text, little-endian,",
+                                        "UTF-16 text, big-endian,"};
+  constexpr const char* kLineEnds[] = {"no line ends", "CR LF line ends", "LF line ends", "CR line ends",
+                                       "mixed line ends"};
+  return std::string(kEncodings[static_cast<std::size_t>(text.encoding)]) +
+         (text.hasByteOrderMark ? " with byte-order mark, " : ", ") +
+         kLineEnds[static_cast<std::size_t>(text.lineEnds)];
 }
 
 std::optional<BitmapKind> ReadBitmapKind(ByteSpan file) {

@@ -6,6 +6,7 @@
 
 namespace kwa {
 
+// KindText has words for the values of both in this order.
 enum class TextEncoding { Ascii, Utf8, EightBit, Utf16LittleEndian, Utf16BigEndian };
 
 enum class LineEnds { None, CrLf, Lf, Cr, Mixed };

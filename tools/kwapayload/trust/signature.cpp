@@ -35,7 +35,7 @@ std::string TimeText(const ASN1_TIME* time) {
   return std::string(text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S UTC", &parts));
 }
 
-Timestamp ReadCounterSignature(ByteSpan element, const SignerInfo& signer, Certificates& certificates) {
+Timestamp ReadCounterSignature(ByteSpan element, const SignerInfo& signer, const Certificates& certificates) {
   const Result<SignerInfo> counterSigner = ReadSignerInfo(element);
   if (!counterSigner) {
     return {false, "", tl::unexpected(counterSigner.error())};
@@ -60,7 +60,7 @@ Timestamp ReadTimestampToken(ByteSpan element, const SignerInfo& signer) {
   if (!token || token->signers.empty() || token->contentType != kTimestampContent) {
     return unreadable;
   }
-  const unsigned char* at = reinterpret_cast<const unsigned char*>(token->content.data());
+  const unsigned char* at = ByteSpan(token->content).Data();
   const std::unique_ptr<TS_TST_INFO, decltype(&TS_TST_INFO_free)> info(
       d2i_TS_TST_INFO(nullptr, &at, static_cast<long>(token->content.size())), &TS_TST_INFO_free);
   ERR_clear_error();
@@ -76,14 +76,14 @@ Timestamp ReadTimestampToken(ByteSpan element, const SignerInfo& signer) {
   } else if (TextOf(TS_MSG_IMPRINT_get_msg(imprint)) != digest) {
     timestamp.check = Failure("is one of another signature");
   } else {
-    Certificates certificates(token->certificates);
+    const Certificates certificates(token->certificates);
     timestamp.check =
         CheckSigner(token->signers.front(), token->SignedOctets(), certificates, SignerKind::Signer).check;
   }
   return timestamp;
 }
 
-std::vector<Timestamp> ReadTimestamps(const SignerInfo& signer, Certificates& certificates) {
+std::vector<Timestamp> ReadTimestamps(const SignerInfo& signer, const Certificates& certificates) {
   std::vector<Timestamp> timestamps;
   for (const char* const type : {kTimestampToken, kCounterSignature}) {
     const bool isRfc3161 = type == kTimestampToken;
@@ -120,7 +120,7 @@ void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentCheck& chec
     signatures.push_back({"", tl::unexpected(data.error()), isNested, {}});
     return;
   }
-  Certificates certificates(data->certificates);
+  const Certificates certificates(data->certificates);
   for (const SignerInfo& signer : data->signers) {
     if (!HasRoom(signatures)) {
       return;

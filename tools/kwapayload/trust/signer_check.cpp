@@ -26,7 +26,6 @@ constexpr std::size_t kMaxNameSize = 256;  // bytes; the 64 characters of X.520 
 constexpr char kMessageDigest[] = "1.2.840.113549.1.9.4";
 
 struct Free {
-  void operator()(X509* certificate) const { X509_free(certificate); }
   void operator()(EVP_PKEY_CTX* context) const { EVP_PKEY_CTX_free(context); }
   void operator()(unsigned char* text) const { OPENSSL_free(text); }
 };
@@ -99,7 +98,7 @@ Check CheckWithKey(EVP_PKEY* key, const SignerInfo& signer, ByteSpan digest, boo
 Check CheckAlgorithms(const SignerInfo& signer) {
   const PssParameters pss = signer.pss.value_or(PssParameters{signer.digestAlgorithm, signer.digestAlgorithm});
   for (const std::string& algorithm : {signer.digestAlgorithm, pss.digestAlgorithm, pss.maskDigestAlgorithm}) {
-    if (EVP_get_digestbyname(algorithm.c_str()) == nullptr) {
+    if (DigestOf({}, algorithm).empty()) {
       return Failure(UnknownAlgorithmText(algorithm));
     }
   }
@@ -123,7 +122,7 @@ Check CheckSignature(const SignerInfo& signer, ByteSpan content, const X509* cer
   if (!attributes.Empty()) {
     const Asn1Value<ASN1_OCTET_STRING> stated(AttributeValue(attributes, kMessageDigest),
                                               ASN1_ITEM_rptr(ASN1_OCTET_STRING));
-    if (digest.empty() || BytesOf(stated.Get()).Text() != digest) {
+    if (BytesOf(stated.Get()).Text() != digest) {
       return Failure("does not fit what it signs");
     }
     digest = DigestOf(attributes, signer.digestAlgorithm);
@@ -144,39 +143,29 @@ Check CheckSignature(const SignerInfo& signer, ByteSpan content, const X509* cer
 
 }  // namespace
 
-struct Certificates::Entry {
-  ByteSpan encoded;
-  bool isRead = false;
-  Owned<X509> decoded;  // null until it is read, and where it is no certificate
-};
+void Certificates::Free::operator()(X509* certificate) const {
+  X509_free(certificate);
+}
 
 Certificates::Certificates(const std::string& encodedList) {
   std::size_t count = 0;
   ForEachElement(ByteSpan(encodedList), [&](const Asn1Element& element) {
+    const unsigned char* at = element.whole.Data();
     if (element.whole.Size() <= kMaxCertificateSize) {
-      entries.push_back({element.whole, false, nullptr});
+      list.emplace_back(d2i_X509(nullptr, &at, static_cast<long>(element.whole.Size())));
     }
     return ++count < kMaxCertificates;
   });
 }
 
-Certificates::~Certificates() = default;
-
-const X509* Certificates::Find(const SignerInfo& signer) {
-  for (Entry& entry : entries) {
-    if (!entry.isRead) {
-      const unsigned char* at = entry.encoded.Data();
-      entry.decoded.reset(d2i_X509(nullptr, &at, static_cast<long>(entry.encoded.Size())));
-      entry.isRead = true;
-    }
-    if (entry.decoded && BelongsTo(entry.decoded.get(), signer)) {
-      return entry.decoded.get();
-    }
-  }
-  return nullptr;
+const X509* Certificates::Find(const SignerInfo& signer) const {
+  const auto found = std::find_if(list.begin(), list.end(), [&signer](const auto& certificate) {
+    return certificate && BelongsTo(certificate.get(), signer);
+  });
+  return found == list.end() ? nullptr : found->get();
 }
 
-SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, Certificates& certificates, SignerKind kind) {
+SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, const Certificates& certificates, SignerKind kind) {
   const X509* const certificate = certificates.Find(signer);
   SignerCheck result = {certificate != nullptr ? CommonName(certificate) : "",
                         CheckSignature(signer, content, certificate, kind)};

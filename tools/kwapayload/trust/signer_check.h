@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,19 +12,19 @@ struct x509_st;  // libcrypto's certificate
 
 namespace kwa {
 
-// The certificates that come with signed data. Each is decoded once, however many signers ask for it.
+// The certificates that come with signed data. Those after the 64th, and those larger than 16 KiB, are left out.
 class Certificates {
  public:
-  // encodedList  must outlive this object; certificates after the 64th, or larger than 16 KiB, are left out
   explicit Certificates(const std::string& encodedList);
-  ~Certificates();
 
   // The signer's certificate, which belongs to this object, or null.
-  const x509_st* Find(const SignerInfo& signer);
+  const x509_st* Find(const SignerInfo& signer) const;
 
  private:
-  struct Entry;
-  std::vector<Entry> entries;
+  struct Free {
+    void operator()(x509_st* certificate) const;
+  };
+  std::vector<std::unique_ptr<x509_st, Free>> list;
 };
 
 struct SignerCheck {
@@ -37,7 +38,7 @@ enum class SignerKind { Signer, CounterSigner };
 //
 // content  what is signed
 // kind     some old counter-signatures sign a digest alone, without its algorithm
-SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, Certificates& certificates, SignerKind kind);
+SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, const Certificates& certificates, SignerKind kind);
 
 // Why something that is made with an algorithm that libcrypto lacks cannot be checked.
 std::string UnknownAlgorithmText(const std::string& algorithm);
