@@ -120,6 +120,10 @@ void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentCheck& chec
     signatures.push_back({"", tl::unexpected(data.error()), isNested, {}});
     return;
   }
+  if (data->signers.empty()) {
+    // Its certificates would be decoded in vain: a file has room for thousands.
+    return;
+  }
   const Certificates certificates(data->certificates);
   for (const SignerInfo& signer : data->signers) {
     if (!HasRoom(signatures)) {
