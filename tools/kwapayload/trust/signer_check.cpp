@@ -19,7 +19,7 @@
 namespace kwa {
 namespace {
 
-constexpr std::size_t kMaxCertificates = 64;
+constexpr std::size_t kMaxCertificates = 32;
 constexpr std::size_t kMaxCertificateSize = 16 * 1024;
 constexpr std::size_t kMaxNameSize = 256;  // bytes; the 64 characters of X.520 take no more
 

@@ -12,7 +12,7 @@ struct x509_st;  // libcrypto's certificate
 
 namespace kwa {
 
-// The certificates that come with signed data. Those after the 64th, and those larger than 16 KiB, are left out.
+// The certificates that come with signed data. Those after the 32nd, and those larger than 16 KiB, are left out.
 class Certificates {
  public:
   explicit Certificates(const std::string& encodedList);
