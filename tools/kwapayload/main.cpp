@@ -13,15 +13,24 @@
 
 namespace {
 
+// One line that names the command's own help.
+std::string FailureMessage(const CLI::App* app, const CLI::Error& error) {
+  const std::vector<CLI::App*> commands = app->get_subcommands();
+  const std::string help = "kwapayload" + (commands.empty() ? "" : ' ' + commands.front()->get_name()) + " --help";
+  const std::vector<std::string> unknown = app->remaining();
+  const std::string what =
+      commands.empty() && !unknown.empty() ? "unknown command '" + unknown.front() + "'" : error.what();
+  return "kwapayload: " + kwa::Escaped(what) + "; '" + help + "' shows the usage\n";
+}
+
 int Run(int argc, char** argv) {
   CLI::App app("Packs payload archives and looks into built installers.", "kwapayload");
   app.require_subcommand(1);
   app.footer(
       "Exit status: 0 in order or alike, 1 findings or different, 2 could not be done or misuse.\n"
       "'kwapayload COMMAND --help' shows an example.");
-  app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return std::string("kwapayload: ") + error.what() + "; 'kwapayload --help' shows the usage\n";
-  });
+  app.set_version_flag("--version", "kwapayload " KWA_VERSION);
+  app.failure_message(FailureMessage);
   const std::vector<kwa::Command> commands = {
       kwa::AddCompareCommand(app), kwa::AddContentsCommand(app),      kwa::AddPackCommand(app),
       kwa::AddListCommand(app),    kwa::AddExtractCommand(app),       kwa::AddVerifyCommand(app),

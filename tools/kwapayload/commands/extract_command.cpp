@@ -17,7 +17,7 @@ struct ExtractOptions {
 
 int RunExtract(const ExtractOptions& options) {
   const InstallerInput input(options.file);
-  ExtractFiles(options.file, input.SoundInstaller().items, options.request);
+  ExtractFiles(options.file, input.SoundInstaller(), options.request);
   return kExitInOrder;
 }
 
@@ -30,7 +30,12 @@ Command AddExtractCommand(CLI::App& program) {
   extract->add_option("FILE", options->file, "Installer, signed or not, or payload archive")->required();
   extract->add_option("FOLDER", options->request.folder, "Folder for the files; created when it is missing")
       ->required();
-  extract->add_option("NAME", options->request.names, "Files to be written (default: all)");
+  CLI::Option* const names =
+      extract->add_option("NAME", options->request.names, "Files to be written, upper or lower case (default: all)");
+  extract
+      ->add_flag("--payload", options->request.asPayload,
+                 "Writes FOLDER/a, FOLDER/b and FOLDER/contents.json, from which a release is built again")
+      ->excludes(names);
   extract->add_flag("--force", options->request.mayOverwrite, "Overwrites files that exist");
   extract->footer(
       "Refuses names that are not bare file names: nothing is written outside FOLDER.\n"

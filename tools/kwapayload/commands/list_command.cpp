@@ -1,5 +1,8 @@
 #include "commands/commands.h"
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
@@ -20,6 +23,12 @@ struct ListOptions {
   bool asCycloneDx = false;
 };
 
+// The columns of the terminal on standard output; 0 where it is no terminal.
+std::size_t TerminalWidth() {
+  winsize size = {};
+  return ::isatty(STDOUT_FILENO) == 1 && ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
 int RunList(const ListOptions& options) {
   const InstallerInput input(options.file);
   const Inspection inspection = Inspect(input.SoundInstaller());
@@ -27,7 +36,7 @@ int RunList(const ListOptions& options) {
   if (options.asCycloneDx) {
     std::cout << BillOfMaterials(name, inspection);
   } else {
-    std::cout << (options.asJson ? ListJson(name, inspection) : ListText(name, inspection));
+    std::cout << (options.asJson ? ListJson(name, inspection) : ListText(name, inspection, TerminalWidth()));
   }
   return kExitInOrder;
 }
@@ -37,7 +46,7 @@ int RunList(const ListOptions& options) {
 Command AddListCommand(CLI::App& program) {
   const auto options = std::make_shared<ListOptions>();
   CLI::App* const list = program.add_subcommand("list", "Shows what an installer or a payload archive holds");
-  list->add_option("FILE", options->file, "Installer, signed or not, or payload archive")->required();
+  list->add_option("FILE", options->file, kFileHelp)->required();
   CLI::Option* const json = list->add_flag("--json", options->asJson, "Writes JSON");
   list->add_flag("--cyclonedx", options->asCycloneDx, "Writes a bill of materials in CycloneDX 1.6 (JSON)")
       ->excludes(json);

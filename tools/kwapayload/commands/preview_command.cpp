@@ -45,8 +45,7 @@ int RunPreview(const PreviewOptions& options) {
 Command AddPreviewCommand(CLI::App& program) {
   const auto options = std::make_shared<PreviewOptions>();
   CLI::App* const preview = program.add_subcommand("preview", "Prints the dpinst.xml that an installer will write");
-  preview->add_option("FILE", options->file, "Installer, signed or not, or the payload archive with the INF")
-      ->required();
+  preview->add_option("FILE", options->file, kFileHelp)->required();
   preview
       ->add_option("--windows", options->windows, "The Windows that it will run on: vista (or later) or xp (or 2000)")
       ->check(CLI::IsMember({"vista", "xp"}))

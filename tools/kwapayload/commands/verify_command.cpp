@@ -28,15 +28,16 @@ int RunVerify(const VerifyOptions& options) {
   const PayloadContents contents = options.contents.empty() ? PayloadContents() : ReadContentsFile(options.contents);
   const InstallerInput input(options.file);
   InstallerFile installer = input.Installer();
-  if (!contents.empty() && !installer.image) {
+  if (!contents.empty() && !installer.HoldsBothArchives()) {
     if (options.archiveLetter.empty()) {
-      throw ToolFailure(options.file, "is a single archive; --archive says which one of the list it must be");
+      throw ToolFailure(options.file, "is only one of two archives; --archive says which one of the list it must be");
     }
     installer.SetSingleArchive(options.archiveLetter[0]);
   }
-  const Findings findings = VerifyInstaller(installer, contents);
+  const Verification verification = VerifyInstaller(installer, contents);
+  const Findings& findings = verification.findings;
   const std::string file = options.file.string();
-  std::cout << (options.asJson ? VerifyJson(file, findings) : VerifyText(file, findings));
+  std::cout << (options.asJson ? VerifyJson(file, verification) : VerifyText(file, verification));
   return findings.HasError() || (!findings.Empty() && !options.allowWarnings) ? kExitFindings : kExitInOrder;
 }
 
@@ -45,7 +46,7 @@ int RunVerify(const VerifyOptions& options) {
 Command AddVerifyCommand(CLI::App& program) {
   const auto options = std::make_shared<VerifyOptions>();
   CLI::App* const verify = program.add_subcommand("verify", "Checks an installer for all that could make it fail");
-  verify->add_option("FILE", options->file, "Installer, signed or not, or payload archive")->required();
+  verify->add_option("FILE", options->file, kFileHelp)->required();
   CLI::Option* const contents =
       verify->add_option("--contents", options->contents,
                          "List of the files that it must hold (default: those that the installer itself names)");
@@ -55,9 +56,9 @@ Command AddVerifyCommand(CLI::App& program) {
   verify->add_flag("--json", options->asJson, "Prints the findings as JSON");
   verify->add_flag("--allow-warnings", options->allowWarnings, "Exits with 0 when no finding is an error");
   verify->footer(
-      "Prints one line a finding:\n"
-      "  error: …     the installer fails, or installs something wrong\n"
-      "  warning: …   no run fails because of it, but somebody should look\n"
+      "Prints who signed the installer, and one line a finding with its code:\n"
+      "  error: … [CODE]     the installer fails, or installs something wrong\n"
+      "  warning: … [CODE]   no run fails because of it, but somebody should look\n"
       "Checks whether signatures fit what they sign and their certificates. Whether Windows\n"
       "trusts those, by chain, date and revocation, is not judged.\n"
       "Exit status: 0 in order, 1 findings, 2 could not be checked, or misuse.\n"

@@ -1,18 +1,47 @@
 #include "files/installer_input.h"
 
+#include <algorithm>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "files/tool_failure.h"
+#include "payload/entry_name.h"
 
 namespace kwa {
 
-InstallerInput::InstallerInput(const std::filesystem::path& filePath) : path(filePath), file(filePath) {
-  Result<InstallerFile> read = ReadInstallerFile(file.Bytes());
+InstallerInput::InstallerInput(const std::filesystem::path& filePath) : path(filePath) {
+  std::error_code ignored;
+  std::filesystem::is_directory(path, ignored) ? ReadFolder() : ReadFile();
+}
+
+void InstallerInput::ReadFile() {
+  file.emplace(path);
+  Result<InstallerFile> read = ReadInstallerFile(file->Bytes());
   if (!read) {
     throw ToolFailure(path, read.error().what);
   }
   installer = std::move(*read);
+}
+
+void InstallerInput::ReadFolder() {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path / "a", ignored) && std::filesystem::is_directory(path / "b", ignored)) {
+    installer.form = InputForm::PayloadFolder;
+    folders.emplace_back(path / "a", 'A');
+    folders.emplace_back(path / "b", 'B');
+  } else {
+    installer.form = InputForm::PackageFolder;
+    folders.emplace_back(path, '-');
+    const std::vector<ArchiveItem>& items = folders.front().Items();
+    if (std::none_of(items.begin(), items.end(), [](const ArchiveItem& item) { return IsInfName(item.name); })) {
+      throw ToolFailure(path,
+                        "is neither a payload folder with a and b nor the folder of a driver package with an INF");
+    }
+  }
+  for (const PayloadFolder& folder : folders) {
+    installer.items.insert(installer.items.end(), folder.Items().begin(), folder.Items().end());
+  }
 }
 
 const InstallerFile& InstallerInput::SoundInstaller() const {

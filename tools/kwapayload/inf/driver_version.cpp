@@ -1,6 +1,8 @@
 #include "inf/driver_version.h"
 
+#include <algorithm>
 #include <regex>
+#include <tuple>
 
 namespace kwa {
 namespace {
@@ -14,25 +16,29 @@ bool DateExists(int month, int day, int year) {
 
 }  // namespace
 
-std::string DriverVersion(const std::string& driverVer) {
+std::string DriverVersion::VersionText() const {
+  std::string text;
+  for (const int number : version) {
+    text += (text.empty() ? "" : ".") + std::to_string(number);
+  }
+  return text;
+}
+
+bool operator<(const DriverVersion& one, const DriverVersion& other) {
+  return std::tie(one.date, one.version) < std::tie(other.date, other.version);
+}
+
+std::optional<DriverVersion> ReadDriverVersion(const std::string& driverVer) {
   static const std::regex kForm(
       R"(\s*(\d\d)[/-](\d\d)[/-](\d{4})\s*,\s*(\d{1,5})(?:\.(\d{1,5}))?(?:\.(\d{1,5}))?(?:\.(\d{1,5}))?\s*(?:;.*)?)");
   std::smatch parts;
-  if (!std::regex_match(driverVer, parts, kForm) ||
-      !DateExists(std::stoi(parts[1]), std::stoi(parts[2]), std::stoi(parts[3]))) {
-    return "";
+  if (!std::regex_match(driverVer, parts, kForm)) {
+    return std::nullopt;
   }
-  constexpr int kFirst = 4;
-  constexpr int kLast = 7;
-  std::string version;
-  for (int i = kFirst; i <= kLast; ++i) {
-    const int number = parts[i].matched ? std::stoi(parts[i]) : 0;
-    if (number > 65535) {
-      return "";
-    }
-    version += (i == kFirst ? "" : ".") + std::to_string(number);
-  }
-  return version;
+  const auto number = [&parts](std::size_t index) { return parts[index].matched ? std::stoi(parts[index]) : 0; };
+  const DriverVersion read = {{number(3), number(1), number(2)}, {number(4), number(5), number(6), number(7)}};
+  const bool isInRange = std::all_of(read.version.begin(), read.version.end(), [](int part) { return part <= 65535; });
+  return isInRange && DateExists(number(1), number(2), number(3)) ? std::optional(read) : std::nullopt;
 }
 
 }  // namespace kwa

@@ -1,11 +1,14 @@
 #include "installer/comparison.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <set>
 #include <string_view>
 #include <utility>
 
 #include "base/ascii_text.h"
+#include "inf/driver_version.h"
 #include "installer/preview.h"
 
 namespace kwa {
@@ -53,6 +56,56 @@ void CompareFiles(const Inspection& before, const Inspection& after, Comparison*
     comparison->removed.push_back(file);
   }
   comparison->isOrderChanged = !std::is_sorted(kept.begin(), kept.end());  // they are elements of one vector
+}
+
+// The platforms that the INF's models are for; none where Setup's reading is not known.
+const std::vector<PackagePlatform>& PlatformsOf(const Inspection& inspection) {
+  static const std::vector<PackagePlatform> kNone;
+  return inspection.package && inspection.package->setup ? inspection.package->setup->platforms : kNone;
+}
+
+// The texts of one list that another does not have.
+std::vector<std::string> Missing(const std::vector<std::string>& list, const std::vector<std::string>& other) {
+  const std::set<std::string> known(other.begin(), other.end());
+  std::vector<std::string> missing;
+  std::copy_if(list.begin(), list.end(), std::back_inserter(missing),
+               [&known](const std::string& text) { return known.count(text) == 0; });
+  return missing;
+}
+
+void CompareHardware(const Inspection& before, const Inspection& after, Comparison* comparison) {
+  for (const InfPlatform platform : kInfPlatforms) {
+    const auto read = [platform](const Inspection& inspection, auto list) {
+      std::vector<std::string> texts;
+      for (const PackagePlatform& one : PlatformsOf(inspection)) {
+        if (one.platform == platform) {
+          texts = list(one);
+        }
+      }
+      return texts;
+    };
+    const auto hardwareIds = [](const PackagePlatform& one) { return one.models.hardwareIds; };
+    const std::vector<std::string> old = read(before, hardwareIds);
+    const std::vector<std::string> current = read(after, hardwareIds);
+    ChangedHardware changed = {platform, Missing(old, current), Missing(current, old)};
+    if (!changed.removed.empty() || !changed.added.empty()) {
+      comparison->hardware.push_back(std::move(changed));
+    }
+    comparison->isPackageChanged =
+        comparison->isPackageChanged || read(before, WindowsVersions) != read(after, WindowsVersions);
+  }
+}
+
+VersionOrder CompareVersions(const std::optional<DriverPackage>& before, const std::optional<DriverPackage>& after) {
+  const auto read = [](const std::optional<DriverPackage>& package) {
+    return package ? ReadDriverVersion(package->identity.version.text) : std::nullopt;
+  };
+  const std::optional<DriverVersion> old = read(before);
+  const std::optional<DriverVersion> current = read(after);
+  if (!old || !current) {
+    return VersionOrder::Unknown;
+  }
+  return *current < *old ? VersionOrder::Older : *old < *current ? VersionOrder::Newer : VersionOrder::Same;
 }
 
 bool HaveSamePackage(const std::optional<DriverPackage>& before, const std::optional<DriverPackage>& after) {
@@ -122,7 +175,17 @@ std::vector<ChangedLines> CompareLines(const std::vector<std::string>& before, c
 
 bool Comparison::IsAlike() const {
   return removed.empty() && added.empty() && changed.empty() && !isOrderChanged && !isPackageChanged &&
-         !areSignersChanged && !areTextsChanged && programParts.empty() && configuration.empty();
+         hardware.empty() && !areSignersChanged && !areTextsChanged && programParts.empty() && configuration.empty();
+}
+
+std::vector<std::string> WindowsVersions(const PackagePlatform& platform) {
+  std::vector<std::string> versions;
+  for (const InfTarget& target : platform.models.targets) {
+    if (target.hasModels) {
+      versions.push_back(target.decoration);
+    }
+  }
+  return versions;
 }
 
 Comparison Compare(const Inspection& before, const Inspection& after) {
@@ -131,6 +194,8 @@ Comparison Compare(const Inspection& before, const Inspection& after) {
   comparison.after = &after;
   CompareFiles(before, after, &comparison);
   comparison.isPackageChanged = !HaveSamePackage(before.package, after.package);
+  comparison.versionOrder = CompareVersions(before.package, after.package);
+  CompareHardware(before, after, &comparison);
   comparison.areSignersChanged = !HaveSameSigners(before.signatures, after.signatures);
   comparison.areTextsChanged = before.configuration != after.configuration;
   comparison.programParts = ComparePrograms(before.program, after.program);

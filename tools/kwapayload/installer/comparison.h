@@ -24,6 +24,16 @@ struct ChangedLines {
   }
 };
 
+// The hardware IDs that differ for a platform.
+struct ChangedHardware {
+  InfPlatform platform;
+  std::vector<std::string> removed;
+  std::vector<std::string> added;
+};
+
+// How Setup ranks the second DriverVer against the first.
+enum class VersionOrder { Unknown, Older, Same, Newer };
+
 // All that differs between two installers, or two archives, for somebody who reviews a release. The two inspections own
 // the files.
 struct Comparison {
@@ -32,8 +42,10 @@ struct Comparison {
   std::vector<const InspectedFile*> removed;
   std::vector<const InspectedFile*> added;
   std::vector<ChangedFile> changed;
-  bool isOrderChanged;                      // of the files that both have
-  bool isPackageChanged;                    // the INF's name, and what the installer reads of it
+  bool isOrderChanged;    // of the files that both have
+  bool isPackageChanged;  // the INF's name, what the installer reads of it, and its Windows versions
+  VersionOrder versionOrder;
+  std::vector<ChangedHardware> hardware;
   bool areSignersChanged;                   // of the installer
   bool areTextsChanged;                     // the wizard's texts, as far as the version records tell them
   std::vector<std::string> programParts;    // the parts of the program around the payload that differ, raw
@@ -41,6 +53,9 @@ struct Comparison {
 
   bool IsAlike() const;
 };
+
+// The Windows versions that the INF's models of a platform are for, such as "NTamd64.6.1".
+std::vector<std::string> WindowsVersions(const PackagePlatform& platform);
 
 // The inspections must outlive the result.
 Comparison Compare(const Inspection& before, const Inspection& after);

@@ -13,7 +13,7 @@ Inspection Inspect(InstallerFile installer) {
   inspection.installer = std::move(installer);
   const std::vector<ArchiveItem>& items = inspection.installer.items;
   const ByteSpan bytes = inspection.installer.bytes;
-  inspection.sha256 = Sha256Hex(bytes);
+  inspection.sha256 = bytes.Empty() ? "" : Sha256Hex(bytes);
   inspection.version = FileVersionRecord(bytes);
   FileDigests digests(bytes);
   inspection.signatures = ReadEmbeddedSignatures(digests);

@@ -25,7 +25,7 @@ struct InspectedFile {
 // The facts about an installer or archive. Everything in it points into the file's bytes.
 struct Inspection {
   InstallerFile installer;
-  std::string sha256;                    // of the whole file
+  std::string sha256;                    // of the whole file; "" for a folder
   std::optional<VersionRecord> version;  // of the installer itself
   std::vector<Signature> signatures;     // likewise
   Program program;

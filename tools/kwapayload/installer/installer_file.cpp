@@ -103,6 +103,7 @@ Result<InstallerFile> ReadInstallerFile(ByteSpan bytes) {
     FindInSections(&installer);
     return installer;
   }
+  installer.form = InputForm::Archive;
   if (bytes.U32(0) != kArchiveMagic) {
     return Failure("is neither an installer nor a payload archive");
   }

@@ -19,10 +19,18 @@ struct ArchivePlace {
   std::uint64_t size;        // bytes, without the terminator
 };
 
-// An installer, signed or not, or a single archive. Everything in it points into the bytes that it was read from.
+enum class InputForm {
+  Installer,      // signed or not
+  Archive,        // a single payload archive
+  PayloadFolder,  // a folder whose a and b hold what the two archives would
+  PackageFolder,  // a folder with a driver package: what archive A would hold
+};
+
+// What a command looks into. Everything in it points into the bytes that it was read from.
 struct InstallerFile {
-  ByteSpan bytes;                      // the whole file
-  std::optional<PeImage> image;        // nothing for a single archive
+  InputForm form = InputForm::Installer;
+  ByteSpan bytes;                      // the whole file; empty for a folder
+  std::optional<PeImage> image;        // of an installer
   std::vector<ArchivePlace> archives;  // the sound ones: two in a sound installer
   std::vector<ArchiveItem> items;      // of all archives, in their order
   // What is wrong with the structure: an executable that is cut off or does not hold exactly two sound archives, and
@@ -30,8 +38,12 @@ struct InstallerFile {
   Findings findings;
 
   // Whether no archive is missing and none is too many.
-  bool IsWhole() const { return archives.size() == (image ? 2U : 1U); }
-  // Says which archive a file with a single one is: 'A' or 'B'.
+  bool IsWhole() const {
+    return form == InputForm::Installer ? archives.size() == 2 : form != InputForm::Archive || archives.size() == 1;
+  }
+  // Whether both archives' files must be there.
+  bool HoldsBothArchives() const { return form == InputForm::Installer || form == InputForm::PayloadFolder; }
+  // Says which archive a single archive or package folder is: 'A' or 'B'.
   void SetSingleArchive(char letter);
 };
 

@@ -166,7 +166,10 @@ std::vector<Gap> FindGaps(const InstallerFile& installer) {
 }  // namespace
 
 Program ReadProgram(const InstallerFile& installer) {
-  if (!installer.image) {
+  if (installer.form != InputForm::Installer) {
+    if (installer.form != InputForm::Archive) {
+      return {};
+    }
     const ArchivePlace& archive = installer.archives.front();
     const ByteSpan rest = installer.bytes.From(archive.size + kArchiveTerminatorSize);
     std::vector<ProgramPart> parts;

@@ -21,7 +21,7 @@ struct Program {
   std::string fingerprint;         // the digest of all parts: the same for the same program around another payload
 };
 
-// Of a single archive, only the bytes after its terminator are a part, if there are any.
+// Of a single archive, only the bytes after its terminator are a part, if there are any. A folder has no part.
 //
 // Left out are the archives in the section ".payload", the certificate table at the end of the file, and the values
 // that follow from their sizes: SizeOfInitializedData, SizeOfImage, CheckSum, the entry of the security directory, and

@@ -45,6 +45,7 @@ std::string Escaped(std::string_view text) {
   std::string result;
   const char* at = text.data();
   const char* const end = at + text.size();
+  bool isPlain = text.find("\\x") == std::string_view::npos;
   while (at != end) {
     for (const char* const invalid = utf8::find_invalid(at, end); at != invalid;) {
       const char* const begin = at;
@@ -52,15 +53,17 @@ std::string Escaped(std::string_view text) {
       const std::string_view bytes(begin, static_cast<std::size_t>(at - begin));
       if (IsUnsafe(character)) {
         AppendHex(bytes, &result);
+        isPlain = false;
       } else {
         result += bytes == "\\" ? "\\\\" : bytes;
       }
     }
     if (at != end) {
       AppendHex({at++, 1}, &result);
+      isPlain = false;
     }
   }
-  return result;
+  return isPlain ? std::string(text) : result;
 }
 
 }  // namespace kwa

@@ -22,6 +22,14 @@ ordered_json FaultOrNull(const Check& check) {
   return check ? ordered_json() : ordered_json(Escaped(check.error().what));
 }
 
+std::vector<std::string> EscapedLines(const std::vector<std::string>& lines) {
+  std::vector<std::string> escaped;
+  for (const std::string& line : lines) {
+    escaped.push_back(Escaped(line));
+  }
+  return escaped;
+}
+
 ordered_json SignaturesJson(const std::vector<Signature>& signatures) {
   ordered_json list;  // null for none
   for (const Signature& signature : signatures) {
@@ -46,14 +54,16 @@ ordered_json CatalogJson(const PackageCatalog* catalog) {
   const Result<Catalog>& read = *catalog->catalog;
   return {{"version", read ? ordered_json(read->version) : ordered_json()},
           {"members", read ? ordered_json(read->memberCount) : ordered_json()},
+          {"windows", read ? ordered_json(EscapedLines({read->windows.begin(), read->windows.end()})) : ordered_json()},
           {"fault", read ? ordered_json() : ordered_json(Escaped(read.error().what))}};
 }
 
 ordered_json FileJson(const InspectedFile& file, const PackageTrust& trust) {
   const std::optional<VersionRecord>& version = file.version;
+  const bool isInFile = file.item.fileOffset != 0;  // not in a folder
   return {{"archive", std::string(1, file.item.archive)},
-          {"position", file.item.position},
-          {"fileOffset", file.item.fileOffset},
+          {"position", isInFile ? ordered_json(file.item.position) : ordered_json()},
+          {"fileOffset", isInFile ? ordered_json(file.item.fileOffset) : ordered_json()},
           {"name", Escaped(file.item.name)},
           {"size", file.item.body.Size()},
           {"kind", KindText(file.kind)},
@@ -74,6 +84,17 @@ ordered_json FilesJson(const std::vector<const InspectedFile*>& files, const Pac
   return list;
 }
 
+ordered_json PlatformsJson(const DriverPackage& package) {
+  ordered_json list = ordered_json::array();
+  for (const PackagePlatform& platform : package.setup ? package.setup->platforms : std::vector<PackagePlatform>()) {
+    list.push_back({{"platform", PlatformName(platform.platform)},
+                    {"catalog", TextOrNull(platform.catalogName)},
+                    {"windows", EscapedLines(WindowsVersions(platform))},
+                    {"hardwareIds", EscapedLines(platform.models.hardwareIds)}});
+  }
+  return list;
+}
+
 ordered_json PackageJson(const Inspection& inspection) {
   if (!inspection.package) {
     return {};
@@ -87,7 +108,8 @@ ordered_json PackageJson(const Inspection& inspection) {
           {"displayName", TextOrNull(inspection.package->identity.displayName.text)},
           {"family", family == nullptr ? ordered_json() : ordered_json(family->key)},
           {"devices", devices(false)},
-          {"germanDevices", devices(true)}};
+          {"germanDevices", devices(true)},
+          {"platforms", PlatformsJson(*inspection.package)}};
 }
 
 ordered_json ChangesJson(const std::vector<Change>& changes) {
@@ -99,12 +121,18 @@ ordered_json ChangesJson(const std::vector<Change>& changes) {
   return list;
 }
 
-std::vector<std::string> EscapedLines(const std::vector<std::string>& lines) {
-  std::vector<std::string> escaped;
-  for (const std::string& line : lines) {
-    escaped.push_back(Escaped(line));
+ordered_json OrderWord(VersionOrder order) {
+  switch (order) {
+    case VersionOrder::Older:
+      return "older";
+    case VersionOrder::Same:
+      return "same";
+    case VersionOrder::Newer:
+      return "newer";
+    case VersionOrder::Unknown:
+      break;
   }
-  return escaped;
+  return {};
 }
 
 }  // namespace
@@ -121,20 +149,27 @@ std::string ListJson(const std::string& file, const Inspection& inspection) {
   for (const InspectedFile& carried : inspection.files) {
     files.push_back(FileJson(carried, inspection.trust));
   }
-  return Dumped(
-      {{"file", {{"name", Escaped(file)}, {"size", inspection.installer.bytes.Size()}, {"sha256", inspection.sha256}}},
-       {"installer", isInstaller},
-       {"version", TextOrNull(VersionText(inspection.version))},
-       {"program", program},
-       {"signatures", SignaturesJson(inspection.signatures)},
-       {"files", files},
-       {"package", PackageJson(inspection)}});
+  const bool isFolder = inspection.sha256.empty();
+  const ordered_json size = isFolder ? ordered_json() : ordered_json(inspection.installer.bytes.Size());
+  return Dumped({{"file", {{"name", Escaped(file)}, {"size", size}, {"sha256", TextOrNull(inspection.sha256)}}},
+                 {"installer", isInstaller},
+                 {"version", TextOrNull(VersionText(inspection.version))},
+                 {"program", program},
+                 {"signatures", SignaturesJson(inspection.signatures)},
+                 {"files", files},
+                 {"package", PackageJson(inspection)}});
 }
 
 std::string CompareJson(const Comparison& comparison) {
   ordered_json changed = ordered_json::array();
   for (const ChangedFile& file : comparison.changed) {
     changed.push_back({{"name", Escaped(file.after->item.name)}, {"changes", ChangesJson(FileChanges(file))}});
+  }
+  ordered_json hardware = ordered_json::array();
+  for (const ChangedHardware& ids : comparison.hardware) {
+    hardware.push_back({{"platform", PlatformName(ids.platform)},
+                        {"removed", EscapedLines(ids.removed)},
+                        {"added", EscapedLines(ids.added)}});
   }
   ordered_json configuration = ordered_json::array();
   for (const ChangedLines& lines : comparison.configuration) {
@@ -146,20 +181,22 @@ std::string CompareJson(const Comparison& comparison) {
                  {"changed", changed},
                  {"orderChanged", comparison.isOrderChanged},
                  {"package", ChangesJson(PackageChanges(comparison))},
+                 {"driverVersion", OrderWord(comparison.versionOrder)},
+                 {"hardwareIds", hardware},
                  {"installer", ChangesJson(InstallerChanges(comparison))},
                  {"programParts", EscapedLines(comparison.programParts)},
                  {"configuration", configuration}});
 }
 
-std::string VerifyJson(const std::string& file, const Findings& findings) {
+std::string VerifyJson(const std::string& file, const Verification& verification) {
   ordered_json list = ordered_json::array();
-  for (const Finding& finding : findings) {
+  for (const Finding& finding : verification.findings) {
     list.push_back({{"severity", SeverityWord(finding.severity)},
                     {"code", finding.code},
                     {"where", TextOrNull(finding.where)},
                     {"what", Escaped(finding.what)}});
   }
-  return Dumped({{"file", Escaped(file)}, {"findings", list}});
+  return Dumped({{"file", Escaped(file)}, {"signatures", SignaturesJson(verification.signatures)}, {"findings", list}});
 }
 
 }  // namespace kwa

@@ -4,6 +4,7 @@
 
 #include "base/finding.h"
 #include "installer/comparison.h"
+#include "verify/verification.h"
 
 // The reports for programs; docs/json.md lists their fields. A fact that is not there is null.
 
@@ -15,6 +16,6 @@ std::string ListJson(const std::string& file, const Inspection& inspection);
 std::string CompareJson(const Comparison& comparison);
 
 // file  likewise
-std::string VerifyJson(const std::string& file, const Findings& findings);
+std::string VerifyJson(const std::string& file, const Verification& verification);
 
 }  // namespace kwa

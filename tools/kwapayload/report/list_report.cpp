@@ -1,7 +1,10 @@
 #include "report/list_report.h"
 
+#include <utf8.h>
+
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 #include "report/escaped_text.h"
 #include "report/words.h"
@@ -10,7 +13,9 @@ namespace kwa {
 namespace {
 
 constexpr std::size_t kColumnCount = 6;
-constexpr std::size_t kTableWidth = 120;
+constexpr std::size_t kNameColumn = 1;
+constexpr std::size_t kSizeColumn = 2;
+constexpr std::size_t kGap = 2;  // blanks between columns
 using Row = std::array<std::string, kColumnCount>;
 
 std::string Line(const char* label, const std::string& text) {
@@ -20,24 +25,44 @@ std::string Line(const char* label, const std::string& text) {
   return line + text + '\n';
 }
 
-std::string TableText(const std::vector<Row>& rows) {
-  Row widest;
+// The width in a terminal. Escaped text has no character of another width but wide ones, which no package's names have.
+std::size_t WidthOf(const std::string& text) {
+  return static_cast<std::size_t>(utf8::unchecked::distance(text.begin(), text.end()));
+}
+
+std::string Shortened(const std::string& text, std::size_t width) {
+  if (WidthOf(text) <= width) {
+    return text;
+  }
+  auto end = text.begin();
+  utf8::unchecked::advance(end, std::max<std::size_t>(width, 3) - 3);
+  return std::string(text.begin(), end) + "...";
+}
+
+// width  that the table must fit, 0 for any: long names are shortened first, then the kinds in the last column
+std::string TableText(const std::vector<Row>& rows, std::size_t width) {
+  std::array<std::size_t, kColumnCount> widths = {};
   for (const Row& row : rows) {
     for (std::size_t i = 0; i < kColumnCount; ++i) {
-      widest[i].resize(std::max(widest[i].size(), row[i].size()));
+      widths[i] = std::max(widths[i], WidthOf(row[i]));
     }
   }
+  const auto shorten = [&](std::size_t column, std::size_t least) {
+    const std::size_t total = std::accumulate(widths.begin(), widths.end(), (kColumnCount - 1) * kGap);
+    const std::size_t excess = width == 0 || total <= width ? 0 : total - width;
+    widths[column] = std::min(widths[column], std::max(widths[column] - std::min(widths[column], excess), least));
+  };
+  shorten(kNameColumn, 24);
+  shorten(kColumnCount - 1, 12);
   std::string table;
   for (const Row& row : rows) {
     std::string line;
     for (std::size_t i = 0; i < kColumnCount; ++i) {
-      const std::string padding(widest[i].size() - row[i].size(), ' ');
-      const bool isNumber = i == 2;
-      const bool isLast = i + 1 == kColumnCount;
-      line += (isNumber ? padding : "") + row[i] + (isNumber || isLast ? "" : padding) + (isLast ? "" : "  ");
+      const std::string cell = Shortened(row[i], widths[i]);
+      const std::string padding(widths[i] - std::min(widths[i], WidthOf(cell)), ' ');
+      line += (i == kSizeColumn ? padding + cell : cell + padding) + std::string(kGap, ' ');
     }
-    // Only kinds whose end matters little, and names that no package has, are longer.
-    table += (line.size() > kTableWidth ? line.substr(0, kTableWidth - 3) + "..." : line) + '\n';
+    table += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
   }
   return table;
 }
@@ -48,7 +73,10 @@ std::string CatalogText(const InspectedFile& file, const Result<Catalog>& catalo
     return name + "UNREADABLE: " + Escaped(catalog.error().what);
   }
   return name + "catalog version " + std::to_string(catalog->version) + ", " + std::to_string(catalog->memberCount) +
-         " members" + (catalog->signatures.empty() ? ", NOT SIGNED" : "");
+         " members" + (catalog->signatures.empty() ? ", NOT SIGNED" : "") +
+         (catalog->windows.empty()
+              ? ""
+              : ", for Windows " + Escaped(Joined({catalog->windows.begin(), catalog->windows.end()})));
 }
 
 // The catalogs, and who signed what.
@@ -69,6 +97,27 @@ std::string TrustText(const Inspection& inspection) {
                      : "");
 }
 
+// What the INF says for each platform: the Windows versions, and at most ten hardware IDs.
+std::string HardwareText(const DriverPackage& package) {
+  constexpr std::size_t kMaxIds = 10;
+  std::string text;
+  for (const PackagePlatform& platform : package.setup ? package.setup->platforms : std::vector<PackagePlatform>()) {
+    const std::string name = PlatformName(platform.platform);
+    std::vector<std::string> ids = platform.models.hardwareIds;
+    if (ids.empty()) {
+      continue;
+    }
+    if (const std::vector<std::string> windows = WindowsVersions(platform); !windows.empty()) {
+      text += Line(("Windows (" + name + "):").c_str(), Escaped(Joined(windows)));
+    }
+    const std::size_t more = ids.size() - std::min(ids.size(), kMaxIds);
+    ids.resize(ids.size() - more);
+    text += Line(("Hardware (" + name + "):").c_str(),
+                 Escaped(Joined(ids)) + (more == 0 ? "" : " and " + std::to_string(more) + " more"));
+  }
+  return text;
+}
+
 std::string PackageText(const Inspection& inspection) {
   if (!inspection.package) {
     return Line("Package:", "none, there is no INF");
@@ -80,17 +129,19 @@ std::string PackageText(const Inspection& inspection) {
                      Line("Version:", Escaped(package.identity.version.text)) +
                      Line("Display name:", Escaped(package.identity.displayName.text));
   if (package.family == nullptr) {
-    return text + Line("Family:", std::string("none") + doubt);
+    return text + Line("Family:", std::string("none") + doubt) + HardwareText(package);
   }
   const std::vector<std::string> devices = DeviceNames(*package.family, false);
   const std::vector<std::string> germanDevices = DeviceNames(*package.family, true);
   text += Line("Family:", package.family->key + std::string(doubt)) + Line("Devices:", Joined(devices) + doubt);
-  return text + (germanDevices != devices ? Line("Devices (German):", Joined(germanDevices) + doubt) : "");
+  text += germanDevices != devices ? Line("Devices (German):", Joined(germanDevices) + doubt) : "";
+  return text + HardwareText(package);
 }
 
 // The file itself, and the program around the payload.
 std::string InstallerText(const std::string& file, const Inspection& inspection) {
-  std::string text = Line("File:", Escaped(file)) + Line("SHA-256:", inspection.sha256);
+  std::string text = Line("File:", Escaped(file));
+  text += inspection.sha256.empty() ? "" : Line("SHA-256:", inspection.sha256);
   if (!inspection.installer.image) {
     return text;
   }
@@ -104,14 +155,15 @@ std::string InstallerText(const std::string& file, const Inspection& inspection)
 
 }  // namespace
 
-std::string ListText(const std::string& file, const Inspection& inspection) {
+std::string ListText(const std::string& file, const Inspection& inspection, std::size_t width) {
   std::vector<Row> rows = {{"ARCHIVE", "NAME", "SIZE", "VERSION", "CATALOG", "KIND"}};
   for (const InspectedFile& carried : inspection.files) {
     rows.push_back({std::string(1, carried.item.archive), Escaped(carried.item.name),
                     std::to_string(carried.item.body.Size()), VersionText(carried.version), CoverageText(carried),
                     KindText(carried.kind)});
   }
-  return TableText(rows) + '\n' + InstallerText(file, inspection) + TrustText(inspection) + PackageText(inspection);
+  return TableText(rows, width) + '\n' + InstallerText(file, inspection) + TrustText(inspection) +
+         PackageText(inspection);
 }
 
 }  // namespace kwa

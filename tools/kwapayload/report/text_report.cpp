@@ -1,5 +1,7 @@
 #include "report/text_report.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -33,12 +35,44 @@ std::string FilesText(const char* what, const std::vector<const InspectedFile*>&
   return text;
 }
 
+// The number of lines that only one of two texts has, each line as often as it occurs.
+std::size_t CountOnlyIn(const std::vector<std::string_view>& one, const std::vector<std::string_view>& other) {
+  std::vector<std::string_view> rest;
+  std::set_difference(one.begin(), one.end(), other.begin(), other.end(), std::back_inserter(rest));
+  return rest.size();
+}
+
+std::vector<std::string_view> SortedLines(std::string_view text) {
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1);
+    lines.push_back(text.substr(0, end + 1));
+    text.remove_prefix(end + 1);
+  }
+  std::sort(lines.begin(), lines.end());
+  return lines;
+}
+
+// What kind of change a content has that is no change of kind, size or version.
+std::string ContentText(const InspectedFile& before, const InspectedFile& after) {
+  constexpr std::size_t kMaxText = 1024 * 1024;
+  if (!before.kind.text || !after.kind.text || before.item.body.Size() > kMaxText) {
+    return "content alone";
+  }
+  const std::vector<std::string_view> old = SortedLines(before.item.body.Text());
+  const std::vector<std::string_view> current = SortedLines(after.item.body.Text());
+  const std::size_t removed = CountOnlyIn(old, current);
+  const std::size_t added = CountOnlyIn(current, old);
+  return removed + added == 0 ? "the same lines in another order"
+                              : "text, lines removed: " + std::to_string(removed) + ", added: " + std::to_string(added);
+}
+
 std::string ChangedFileText(const ChangedFile& file) {
   const std::vector<Change> changes = FileChanges(file);
   // Nobody reads digests.
   const bool isContentAlone = changes.front().what == std::string_view("content");
   return "changed: " + Escaped(file.after->item.name) + ": " +
-         (isContentAlone ? "content alone" : ChangesText(changes)) + '\n';
+         (isContentAlone ? ContentText(*file.before, *file.after) : ChangesText(changes)) + '\n';
 }
 
 std::string InstallerText(const Comparison& comparison) {
@@ -52,6 +86,20 @@ std::string InstallerText(const Comparison& comparison) {
   if (comparison.areSignersChanged) {
     text += "signature: " + SignersOrNone(comparison.before->signatures) + " -> " +
             SignersOrNone(comparison.after->signatures) + '\n';
+  }
+  return text;
+}
+
+std::string HardwareText(const Comparison& comparison) {
+  std::string text;
+  for (const ChangedHardware& ids : comparison.hardware) {
+    text += "hardware IDs of " + PlatformName(ids.platform) + ":\n";
+    for (const std::string& id : ids.removed) {
+      text += "  -" + Escaped(id) + '\n';
+    }
+    for (const std::string& id : ids.added) {
+      text += "  +" + Escaped(id) + '\n';
+    }
   }
   return text;
 }
@@ -93,16 +141,24 @@ std::string CompareText(const Comparison& comparison) {
   if (comparison.isPackageChanged) {
     text += "package: " + ChangesText(PackageChanges(comparison)) + '\n';
   }
-  return text + ConfigurationText(comparison);
+  if (!comparison.IsAlike() && comparison.versionOrder == VersionOrder::Same) {
+    text += "driver version: the same in both; Setup does not take the new package for a newer one\n";
+  } else if (comparison.versionOrder == VersionOrder::Older) {
+    text += "driver version: OLDER than before; Setup does not take the new package for a newer one\n";
+  }
+  return text + HardwareText(comparison) + ConfigurationText(comparison);
 }
 
-std::string VerifyText(const std::string& file, const Findings& findings) {
+std::string VerifyText(const std::string& file, const Verification& verification) {
   std::string text;
-  for (const Finding& finding : findings) {
-    text += std::string(SeverityWord(finding.severity)) + ": " + Escaped(finding.where) +
-            (finding.where.empty() ? "" : ": ") + Escaped(finding.what) + '\n';
+  for (const Signature& signature : verification.signatures) {
+    text += Escaped(file) + ": signed by " + SignatureText(signature) + '\n';
   }
-  return findings.Empty() ? Escaped(file) + ": in order\n" : text;
+  for (const Finding& finding : verification.findings) {
+    text += std::string(SeverityWord(finding.severity)) + ": " + Escaped(finding.where) +
+            (finding.where.empty() ? "" : ": ") + Escaped(finding.what) + " [" + finding.code + "]\n";
+  }
+  return text + (verification.findings.Empty() ? Escaped(file) + ": in order\n" : "");
 }
 
 }  // namespace kwa

@@ -4,6 +4,7 @@
 
 #include "base/finding.h"
 #include "installer/comparison.h"
+#include "verify/verification.h"
 
 // The reports of compare and verify for people.
 
@@ -12,9 +13,9 @@ namespace kwa {
 // Nothing but differences: "" where there are none.
 std::string CompareText(const Comparison& comparison);
 
-// One line a finding, or that there is none.
+// Who signed the installer, then one line a finding, or that there is none.
 //
 // file  the name under which the file was given, raw
-std::string VerifyText(const std::string& file, const Findings& findings);
+std::string VerifyText(const std::string& file, const Verification& verification);
 
 }  // namespace kwa

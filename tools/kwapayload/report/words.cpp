@@ -74,13 +74,23 @@ std::vector<Change> FileChanges(const ChangedFile& file) {
 
 std::vector<Change> PackageChanges(const Comparison& comparison) {
   struct Facts {
-    std::string inf, version, displayName, family;
+    std::string inf, version, displayName, family, windows;
   };
   const auto read = [](const std::optional<DriverPackage>& package) {
-    return !package ? Facts()
-                    : Facts{Escaped(package->inf.name), Escaped(package->identity.version.text),
-                            Escaped(package->identity.displayName.text),
-                            package->family != nullptr ? package->family->key : ""};
+    Facts facts;
+    if (package) {
+      facts = {Escaped(package->inf.name), Escaped(package->identity.version.text),
+               Escaped(package->identity.displayName.text), package->family != nullptr ? package->family->key : "", ""};
+    }
+    if (package && package->setup) {
+      std::vector<std::string> windows;
+      for (const PackagePlatform& platform : package->setup->platforms) {
+        const std::vector<std::string> versions = WindowsVersions(platform);
+        windows.insert(windows.end(), versions.begin(), versions.end());
+      }
+      facts.windows = Escaped(Joined(windows));
+    }
+    return facts;
   };
   const Facts before = read(comparison.before->package);
   const Facts after = read(comparison.after->package);
@@ -89,6 +99,7 @@ std::vector<Change> PackageChanges(const Comparison& comparison) {
   Add("version", before.version, after.version, &changes);
   Add("display name", before.displayName, after.displayName, &changes);
   Add("family", before.family, after.family, &changes);
+  Add("Windows versions", before.windows, after.windows, &changes);
   return changes;
 }
 

@@ -79,18 +79,38 @@ std::string TagDigest(ByteSpan tag) {
   return isDigest ? std::string(bytes.begin(), bytes.begin() + size) : "";
 }
 
-// Adds the value of an attribute if its name is "File". The attribute is a sequence of name, flags and value.
-void AddFileName(const Asn1Element& attribute, Catalog& catalog) {
+// Adds what an attribute says: a sequence of name, flags and value. MakeCat writes "OSAttr" ("2:5.1,2:6.0") for
+// members, Inf2Cat also "OS" ("XPX86,7X64") for the catalog.
+void AddNameValue(ByteSpan attribute, Catalog& catalog) {
+  constexpr std::size_t kMaxWindows = 64;
   constexpr std::string_view kFile("\0F\0i\0l\0e", 8);
+  constexpr std::string_view kMemberWindows("\0O\0S\0A\0t\0t\0r", 12);
+  constexpr std::string_view kCatalogWindows("\0O\0S", 4);
   std::array<ByteSpan, 3> fields;
   std::size_t count = 0;
-  ForEachElement(attribute.whole, [&](const Asn1Element& field) {
+  ForEachElement(attribute, [&](const Asn1Element& field) {
     fields[count++] = field.content;
     return count < fields.size();
   });
   if (fields[0].Text() == kFile) {
     catalog.fileNames.insert(UpperCase(NarrowText(fields[2])));
+  } else if ((fields[0].Text() == kMemberWindows || fields[0].Text() == kCatalogWindows) &&
+             catalog.windows.size() < kMaxWindows) {
+    catalog.windows.insert(NarrowText(fields[2]));
   }
+}
+
+// The catalog's own attributes are extensions: sequences of a type and an octet string with the attribute.
+void AddExtensions(ByteSpan extensions, Catalog& catalog) {
+  ForEachElement(extensions, [&](const Asn1Element& extension) {
+    ByteSpan last;
+    ForEachElement(extension.whole, [&](const Asn1Element& field) {
+      last = field.content;
+      return true;
+    });
+    AddNameValue(last, catalog);
+    return true;
+  });
 }
 
 bool AddMember(ByteSpan member, Catalog& catalog) {
@@ -114,7 +134,7 @@ bool AddMember(ByteSpan member, Catalog& catalog) {
     catalog.digests[AlgorithmOfSize(digest.size())].insert(digest);
   }
   ForEachAttributeValue(attributes, kNameValue, [&](const Asn1Element& value) {
-    AddFileName(value, catalog);
+    AddNameValue(value.whole, catalog);
     return true;
   });
   return true;
@@ -130,6 +150,7 @@ Result<Catalog> ReadTrustList(ByteSpan content) {
   X509_ALGOR_get0(&memberAlgorithm, nullptr, nullptr, fields->memberAlgorithm);
   const std::string algorithm = DottedNumbers(memberAlgorithm);
   catalog.version = algorithm == kMemberVersion1 ? 1 : algorithm == kMemberVersion2 ? 2 : 0;
+  AddExtensions(EncodedOf(fields->extensions), catalog);
   bool isSound = true;
   const bool isList =
       fields->members == nullptr || ForEachElement(BytesOf(fields->members), [&](const Asn1Element& element) {

@@ -23,6 +23,7 @@ struct Catalog {
   // its indirect data, if it has any.
   std::map<std::string, std::set<std::string>> digests;
   std::set<std::string> fileNames;    // upper-case, of members that name one; Windows ignores them
+  std::set<std::string> windows;      // the Windows versions that the catalog or its members claim, at most 64; raw
   std::vector<Signature> signatures;  // none in an unsigned catalog
 };
 

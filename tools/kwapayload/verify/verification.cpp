@@ -4,6 +4,7 @@
 
 #include "base/ascii_text.h"
 #include "payload/entry_name.h"
+#include "trust/authenticode.h"
 
 namespace kwa {
 namespace {
@@ -42,35 +43,39 @@ void VerifyLayout(const InstallerFile& installer, Findings* findings) {
   }
 }
 
-Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& contents) {
-  Findings findings;
+Verification VerifyInstaller(const InstallerFile& installer, const PayloadContents& contents) {
+  Verification verification;
+  Findings& findings = verification.findings;
   VerifyLayout(installer, &findings);
   // What the files say about each other, or about a list, can be judged only where all of them are there.
   if (installer.IsWhole()) {
     const std::vector<ArchiveItem>& items = installer.items;
     const std::optional<DriverPackage> package = ReadDriverPackage(items);
-    for (const ArchivePlace& archive : installer.archives) {
-      VerifyContents(items, contents, archive.letter, &findings);
+    const PackageTrust trust = ReadPackageTrust(items, package);
+    for (const char archive : {'A', 'B'}) {
+      if (installer.HoldsBothArchives() || (!items.empty() && items.front().archive == archive)) {
+        VerifyContents(items, contents, archive, &findings);
+      }
     }
-    if (installer.image) {
+    if (installer.HoldsBothArchives()) {
       VerifyCompanions(items, contents, &findings);
     }
-    if (installer.image || package) {
+    if (installer.HoldsBothArchives() || package) {
       VerifyPackage(items, package, &findings);
+      VerifyUse(items, package, trust, &findings);
     }
     if (package) {
       VerifyVersions(items, *package, &findings);
     }
-    const PackageTrust trust = ReadPackageTrust(items, package);
-    if (installer.image || package) {
-      VerifyUse(items, package, trust, &findings);
-    }
-    VerifyTrust(installer, trust, &findings);
+    VerifyTrust(items, trust, &findings);
   }
   if (installer.image) {
+    FileDigests digests(installer.bytes);
+    verification.signatures = ReadEmbeddedSignatures(digests);
+    VerifySignatures("executable", verification.signatures, "signature-broken", &findings);
     VerifyExecutable(*installer.image, &findings);
   }
-  return findings;
+  return verification;
 }
 
 }  // namespace kwa

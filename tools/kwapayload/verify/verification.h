@@ -41,9 +41,16 @@ void VerifyUse(const std::vector<ArchiveItem>& items, const std::optional<Driver
 // What DriverVer says, to Setup and about the drivers' own versions.
 void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& package, Findings* findings);
 
-// Whether the package's catalogs cover its files, and whether signatures hold: those of the catalogs, of the programs
-// and of the installer. Whether a signer is trusted, and when, is left to Windows.
-void VerifyTrust(const InstallerFile& installer, const PackageTrust& trust, Findings* findings);
+// Whether the package's catalogs cover its files, and whether signatures hold: those of the catalogs and of the
+// programs. Whether a signer is trusted, and when, is left to Windows.
+void VerifyTrust(const std::vector<ArchiveItem>& items, const PackageTrust& trust, Findings* findings);
+
+// Whether signatures of a program hold.
+//
+// where  the program
+// code   of a signature that does not hold
+void VerifySignatures(const std::string& where, const std::vector<Signature>& signatures, const char* code,
+                      Findings* findings);
 
 // Where the parts of the program are in memory and in the file.
 void VerifyImageLayout(const PeImage& image, Findings* findings);
@@ -51,10 +58,15 @@ void VerifyImageLayout(const PeImage& image, Findings* findings);
 // The program itself.
 void VerifyExecutable(const PeImage& image, Findings* findings);
 
-// All of the above. A single archive need not have what only both archives together have, but if it has an INF, it must
-// be a whole driver package.
+struct Verification {
+  Findings findings;
+  std::vector<Signature> signatures;  // of the installer itself
+};
+
+// All of the above. A single archive or package folder need not have what only both archives together have, but if it
+// has an INF, it must be a whole driver package.
 //
 // contents  the list of what the installer must hold; empty for none
-Findings VerifyInstaller(const InstallerFile& installer, const PayloadContents& contents);
+Verification VerifyInstaller(const InstallerFile& installer, const PayloadContents& contents);
 
 }  // namespace kwa

@@ -1,28 +1,9 @@
 #include <string>
 
-#include "trust/authenticode.h"
 #include "verify/verification.h"
 
 namespace kwa {
 namespace {
-
-// code  of a signature that does not hold
-void AddBrokenSignatures(const std::string& where, const std::vector<Signature>& signatures, const char* code,
-                         Findings* findings) {
-  for (const Signature& signature : signatures) {
-    const std::string text =
-        "its signature" + (signature.signer.empty() ? "" : " by \"" + signature.signer + "\"") + " ";
-    if (!signature.check) {
-      findings->AddError(where, text + signature.check.error().what, code);
-      continue;
-    }
-    for (const Timestamp& timestamp : signature.timestamps) {
-      if (!timestamp.check) {
-        findings->AddWarning(where, text + "has a timestamp that " + timestamp.check.error().what, "timestamp-broken");
-      }
-    }
-  }
-}
 
 void VerifyCatalog(const std::string& where, const PackageCatalog& catalog, Findings* findings) {
   const Result<Catalog>& read = *catalog.catalog;
@@ -33,7 +14,7 @@ void VerifyCatalog(const std::string& where, const PackageCatalog& catalog, Find
   if (read->signatures.empty()) {
     findings->AddError(where, "is not signed", "catalog-unsigned");
   }
-  AddBrokenSignatures(where, read->signatures, "catalog-signature-broken", findings);
+  VerifySignatures(where, read->signatures, "catalog-signature-broken", findings);
   if (catalog.coveredCount == 0) {
     findings->AddWarning(where, "covers no carried file: it is the catalog of other files", "catalog-of-other-files");
   }
@@ -52,18 +33,31 @@ std::string Uncovered(const FileTrust& file) {
 
 }  // namespace
 
-void VerifyTrust(const InstallerFile& installer, const PackageTrust& trust, Findings* findings) {
-  if (installer.image) {
-    FileDigests digests(installer.bytes);
-    AddBrokenSignatures("executable", ReadEmbeddedSignatures(digests), "signature-broken", findings);
+void VerifySignatures(const std::string& where, const std::vector<Signature>& signatures, const char* code,
+                      Findings* findings) {
+  for (const Signature& signature : signatures) {
+    const std::string text =
+        "its signature" + (signature.signer.empty() ? "" : " by \"" + signature.signer + "\"") + " ";
+    if (!signature.check) {
+      findings->AddError(where, text + signature.check.error().what, code);
+      continue;
+    }
+    for (const Timestamp& timestamp : signature.timestamps) {
+      if (!timestamp.check) {
+        findings->AddWarning(where, text + "has a timestamp that " + timestamp.check.error().what, "timestamp-broken");
+      }
+    }
   }
-  for (std::size_t i = 0; i < installer.items.size(); ++i) {
-    const std::string where = Where(installer.items[i]);
+}
+
+void VerifyTrust(const std::vector<ArchiveItem>& items, const PackageTrust& trust, Findings* findings) {
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const std::string where = Where(items[i]);
     const FileTrust& file = trust.files[i];
-    if (const PackageCatalog* const catalog = trust.CatalogOf(installer.items[i])) {
+    if (const PackageCatalog* const catalog = trust.CatalogOf(items[i])) {
       VerifyCatalog(where, *catalog, findings);
     } else {
-      AddBrokenSignatures(where, file.signatures, "signature-broken", findings);
+      VerifySignatures(where, file.signatures, "signature-broken", findings);
     }
     if (!file.uncoveringNames.empty()) {
       findings->AddError(where, Uncovered(file), "not-in-catalog");

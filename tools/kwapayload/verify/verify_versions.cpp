@@ -20,8 +20,8 @@ void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& 
   if (driverVer.empty() || !package.identity.certainty) {
     return;  // a finding of the package
   }
-  const std::string version = DriverVersion(driverVer);
-  if (version.empty()) {
+  const std::optional<DriverVersion> version = ReadDriverVersion(driverVer);
+  if (!version) {
     findings->AddError("package, " + std::string(package.inf.name),
                        "DriverVer \"" + driverVer +
                            "\" is not a date that exists (mm/dd/yyyy), a comma and one to four numbers up to 65535: "
@@ -31,10 +31,11 @@ void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& 
   }
   for (const ArchiveItem& item : items) {
     const std::optional<VersionRecord> record = IsDriver(item) ? FileVersionRecord(item.body) : std::nullopt;
-    if (record && record->fileVersion != version) {
-      findings->AddWarning(Where(item),
-                           "has version " + record->fileVersion + ", but DriverVer says " + version + ": a stale build",
-                           "driver-version");
+    if (record && record->fileVersion != version->VersionText()) {
+      findings->AddWarning(
+          Where(item),
+          "has version " + record->fileVersion + ", but DriverVer says " + version->VersionText() + ": a stale build",
+          "driver-version");
     }
   }
 }
