@@ -94,10 +94,11 @@ void Report(kwa::InstallerFile installer) {
   }
   const kwa::Inspection inspection = kwa::Inspect(std::move(installer));
   const kwa::Comparison comparison = kwa::Compare(inspection, inspection);
-  kwa::ListJson(inspection);
+  kwa::ListJson("file", inspection);
   kwa::BillOfMaterials("file", inspection);
   kwa::CompareJson(comparison);
-  RequireClean(kwa::ListText(inspection));
+  Require(comparison.IsAlike());
+  RequireClean(kwa::ListText("file", inspection));
   RequireClean(kwa::CompareText(comparison));
 }
 

@@ -65,6 +65,8 @@ TEST_F(Commands, ListWritesAReport) {
   EXPECT_EQ(
       "ARCHIVE  NAME  SIZE  VERSION  CATALOG  KIND\n"
       "-        a        1                    7-bit ASCII text, no line ends\n\n"
+      "File:              archive\n"
+      "SHA-256:           652392a35ebc0504828eef1dbfccd0b4a9bcef0cb9bc16d6c21b0704f8603572\n"
       "Package:           none, there is no INF\n",
       run.output);
   const ToolRun full = RunTool({"list", folder / "archive"}, "sh -c '\"$@\" >/dev/full' sh ");

@@ -1,6 +1,6 @@
-// The program around the payload: what of it decides whether two installers have the same.
+// The program around the payload: what of it counts when two installers are compared.
 
-#include "installer/program_form.h"
+#include "installer/program.h"
 
 #include <gtest/gtest.h>
 
@@ -9,56 +9,80 @@
 
 namespace {
 
-// A program with addresses of the section after the archives, in its code and in the data before the archives.
-std::string SmallProgram(std::size_t payloadSize, const std::string& code, const std::string& constant) {
-  const auto shift = static_cast<std::uint32_t>(payloadSize / 0x1000 * 0x1000);
+struct Parts {
+  std::string a = "a";         // the file in archive A
+  std::string code = "\xC3";   // after the addresses of the archives
+  std::string constant = "c";  // in the read-only data
+  std::string afterArchives;   // in their section
+  std::uint16_t subsystem = 2;
+  bool areSwapped = false;  // the addresses of the two archives
+  bool isSigned = false;
+};
+
+std::string Installer(const Parts& parts) {
+  const std::string archiveA = BuildArchive({{"a", parts.a}});
+  const std::string archives = archiveA + BuildArchive({{"b", "b"}});
+  const std::string addressA = WordBytes(0x400000 + SectionAddress(3));
+  const std::string addressB = WordBytes(0x400000 + SectionAddress(3) + static_cast<std::uint32_t>(archiveA.size()));
   BuiltImage image;
-  const std::string pointer = WordBytes(0x400000 + SectionAddress(2) + shift);
-  std::string relocations;
-  for (const std::uint32_t section : {0, 1}) {
-    relocations += WordBytes(SectionAddress(section)) + WordBytes(10) + std::string("\0\x30", 2);
-  }
-  const std::string archives = BuildArchive({{"a", std::string(payloadSize, 'a')}}) + BuildArchive({{"b", "b"}});
-  image.sections = {{".text", kCode, pointer + code},
-                    {".rdata", kReadOnlyData, pointer + archives + std::string(payloadSize % 2, '\0') + constant},
-                    {".reloc", 0x42000040, relocations}};
-  image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2) + shift, 20};
+  image.subsystem = parts.subsystem;
+  image.sections = {
+      {".text", kCode, (parts.areSwapped ? addressB + addressA : addressA + addressB) + parts.code},
+      {".rdata", kReadOnlyData, parts.constant},
+      {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(12) + std::string("\0\x30\4\x30", 4)},
+      {".payload", kReadOnlyData, archives + std::string(parts.a.size() % 7, '\0') + parts.afterArchives}};
+  image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2), 12};
   std::string bytes = BuildImage(image);
-  PutWord(bytes, bytes.find(".reloc") + 12, SectionAddress(2) + shift);
+  if (parts.isSigned) {
+    bytes.resize((bytes.size() + 7) / 8 * 8);
+    image.directories[kwa::kPeSecurityDirectory] = {static_cast<std::uint32_t>(bytes.size()), 16};
+    const std::size_t size = bytes.size();
+    bytes = BuildImage(image);
+    bytes.resize(size);
+    bytes += WordBytes(16) + "a signature.";
+  }
   return bytes;
 }
 
-// The names of the parts that differ.
-std::vector<std::string> Differences(const std::string& one, const std::string& other) {
-  const auto parts = [](const std::string& bytes) {
-    return kwa::ProgramParts(kwa::ReadInstallerFile(kwa::ByteSpan(bytes)).value());
-  };
-  const std::vector<kwa::ProgramPart> before = parts(one);
-  const std::vector<kwa::ProgramPart> after = parts(other);
-  EXPECT_EQ(before.size(), after.size());
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < before.size(); ++i) {
-    if (!(before[i] == after[i])) {
-      names.push_back(before[i].name);
-    }
-  }
-  return names;
+kwa::Program Program(const std::string& bytes) {
+  return kwa::ReadProgram(kwa::ReadInstallerFile(kwa::ByteSpan(bytes)).value());
 }
 
-TEST(ProgramParts, AreTheSameAroundAnotherPayload) {
-  const std::string constant("x\1\0\0", 4);
-  const std::string program = SmallProgram(8, "\xC3", constant);
-  std::string console = program;
-  console[kwa::ByteSpan(console).U32(0x3C) + 92] = 3;
-  const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {SmallProgram(5001, "\xC3", constant), {}},
-      {SmallProgram(5001, std::string("\0\xC3", 2), constant), {".text"}},
-      {SmallProgram(8, "\xC3", std::string("x\0\1\0", 4)), {".rdata"}},
-      {console, {"headers"}},
+TEST(ReadProgram, IsTheSameAroundAnotherPayloadAndSignature) {
+  const auto changed = [](auto change) {
+    Parts parts;
+    change(parts);
+    return Installer(parts);
   };
-  for (const auto& [other, parts] : cases) {
-    EXPECT_EQ(Differences(program, other), parts);
+  // clang-format off
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
+      {changed([](Parts& parts) { parts.a = std::string(5001, 'a'); }), {}},
+      {changed([](Parts& parts) { parts.isSigned = true; }), {}},
+      {changed([](Parts& parts) { parts.a = "other"; parts.isSigned = true; }), {}},
+      {changed([](Parts& parts) { parts.code = "\xC2"; }), {".text"}},
+      {changed([](Parts& parts) { parts.constant = "d"; }), {".rdata"}},
+      {changed([](Parts& parts) { parts.afterArchives = "x"; }), {".payload", "the places of the archives"}},
+      {changed([](Parts& parts) { parts.subsystem = 3; }), {"headers"}},
+      {changed([](Parts& parts) { parts.areSwapped = true; }), {"the places of the archives"}},
+      {Installer({}) + "x", {"the bytes after the last section"}},
+  };
+  // clang-format on
+  const kwa::Program before = Program(Installer({}));
+  for (const auto& [bytes, names] : cases) {
+    const kwa::Program after = Program(bytes);
+    ASSERT_EQ(before.parts.size(), after.parts.size());
+    std::vector<std::string> differing;
+    for (std::size_t i = 0; i < before.parts.size(); ++i) {
+      if (!(before.parts[i] == after.parts[i])) {
+        differing.push_back(before.parts[i].name);
+      }
+    }
+    EXPECT_EQ(names, differing);
+    EXPECT_EQ(names.empty(), before.fingerprint == after.fingerprint);
   }
+  const std::string archive = BuildArchive({{"a", "a"}});
+  EXPECT_TRUE(Program(archive).parts.empty());
+  EXPECT_EQ("the bytes after the archive", Program(archive + "x").parts.at(0).name);
 }
 
 }  // namespace

@@ -60,14 +60,14 @@ void ExpectPart(const std::string& text, const std::string& part) {
 void ExpectFields(const json& object, const char* fields) {
   const json expected = json::parse(fields);
   for (const auto& [key, value] : expected.items()) {
-    EXPECT_EQ(value, object[key]) << key;
+    EXPECT_EQ(value, object.value(key, json("missing"))) << key;
   }
 }
 
 TEST(Report, ListOfAnInstaller) {
   const std::string bytes = Installer({kArchiveA, kArchiveB});
   const kwa::Inspection inspection = Inspection(bytes);
-  const std::string text = kwa::ListText(inspection);
+  const std::string text = kwa::ListText("a.exe", inspection);
   ExpectPart(text,
              "ARCHIVE  NAME        SIZE  VERSION  CATALOG  KIND\n"
              "A        driver.inf    64                    7-bit ASCII text, CR LF line ends\n"
@@ -76,7 +76,7 @@ TEST(Report, ListOfAnInstaller) {
   ExpectPart(text, "\nDevices:           Vireo Series (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), Vireoe ");
   ExpectPart(text, "\nDevices (German):  Vireo Serie (");
 
-  const json list = json::parse(kwa::ListJson(inspection));
+  const json list = json::parse(kwa::ListJson("a.exe", inspection));
   ASSERT_EQ(5U, list["files"].size());
   EXPECT_EQ(true, list["installer"]);
   EXPECT_EQ(kDriver, bytes.substr(list["files"][1]["fileOffset"], list["files"][1]["size"]));
@@ -98,24 +98,28 @@ TEST(Report, BillOfMaterials) {
   };
   const json document = bill("a.exe", bytes);
   ExpectFields(document, R"({"bomFormat": "CycloneDX", "specVersion": "1.6", "version": 1})");
-  ExpectFields(document["metadata"]["component"], R"({"type": "application", "name": "a.exe"})");
+  ExpectFields(document["metadata"]["component"], R"({"type": "application", "name": "a.exe", "version": "missing"})");
+  EXPECT_EQ(document["metadata"]["component"]["hashes"][0]["content"],
+            json::parse(kwa::ListJson("", Inspection(bytes)))["file"]["sha256"]);
   const auto component = [&](std::size_t index, const char* digest, const char* fields) {
+    json properties;  // name and value in place of a list of both
+    for (const json& property : document["components"][index]["properties"]) {
+      properties[property["name"]] = property["value"];
+    }
     json expected = json::parse(fields);
     expected["hashes"] = {{{"alg", "SHA-256"}, {"content", digest}}};
-    json properties = json::array();
-    for (const auto& [name, value] : expected["properties"].items()) {
-      properties.push_back({{"name", "kwapayload:" + name}, {"value", value}});
-    }
-    expected["properties"] = properties;
-    EXPECT_EQ(expected, document["components"][index]);
+    json actual = document["components"][index];
+    actual["properties"] = properties;
+    EXPECT_EQ(expected, actual);
   };
   component(2, kDigestOfNothing, R"({"type": "file", "name": "empty",
-      "properties": {"archive": "A", "kind": "empty", "size": "0"}})");
+      "properties": {"kwapayload:archive": "A", "kwapayload:kind": "empty", "kwapayload:size": "0"}})");
   component(3, kDigestOfAbc, R"({"type": "file", "name": "abc.txt",
-      "properties": {"archive": "B", "kind": "7-bit ASCII text, no line ends", "size": "3"}})");
+      "properties": {"kwapayload:archive": "B", "kwapayload:size": "3",
+      "kwapayload:kind": "7-bit ASCII text, no line ends"}})");
   ExpectFields(document["components"][1], R"({"type": "application", "name": "driver.sys", "version": "1.2.3.4",
       "supplier": {"name": "KWA"}, "description": "Driver"})");
-  ExpectFields(document["components"][4], R"({"name": "DPInst.exe", "supplier": {"name": "Microsoft Corporation"}})");
+  ExpectFields(document["components"][4], R"({"name": "DPInst.exe", "supplier": "missing"})");  // unsigned
   // The number is that of name and content.
   std::set<json> numbers;
   for (const json& one : {document, bill("a.exe", bytes), bill("b.exe", bytes), bill("a.exe", kArchiveA)}) {
@@ -144,7 +148,7 @@ std::string UnsafeFile(char tag) {
             {"same" + kUnsafeName, std::string(1, tag)},
             {std::string(1, tag) + kUnsafeName, DriverImage({{"FileDescription", record}, {"CompanyName", record}})}}),
        BuildArchive({{"b", "b"}})},
-      tag == '1' ? "\x1B\x7F\xC2\x9B" : ".rdata");
+      tag == '2' ? "\x1B\x7F\xC2\x9B" : ".rdata");
 }
 
 void ExpectClean(const std::string& text) {
@@ -178,9 +182,9 @@ TEST(Report, NoTextOfAFileIsShownRaw) {
     std::string text;
     std::vector<std::string> parts;  // that are there, each with escaped text after it
   } kReports[] = {
-      {"list", kwa::ListText(inspection), {"same", "Version:           1", "Display name:      Vireo1"}},
+      {"list", kwa::ListText(name, inspection), {"same", "Version:           1", "Display name:      Vireo1"}},
       {"list --json",
-       TextsOf(kwa::ListJson(inspection)),
+       TextsOf(kwa::ListJson(name, inspection)),
        {"files/1/name same", "files/2/company ", "files/2/description ", "package/version 1",
         "package/displayName Vireo1", "package/inf a"}},
       {"list --cyclonedx",

@@ -103,7 +103,7 @@ const Row kRows[] = {
      {{"driver-version", "archive A, marlin_usb.sys", kWarning},
       {"driver-version", "archive A, marlin_usb_64.sys", kWarning}}},
     {"ampersand", InInf("= \"Marlin USB\"", "= \"Marlin&USB\""), {{"value-breaks-xml", kInf}}},
-    {"end of CDATA", InInf("= \"Marlin USB\"", "= \"Marli]]>B\""), {{"value-breaks-xml", kInf}}},
+    {"end of CDATA", InInf("= \"Marlin USB\"", "= \"Marli]]>SB\""), {{"value-breaks-xml", kInf}}},
     // Neither a control character nor such a byte is in a 7-bit text.
     {"control character", InInf("= \"Marlin USB\"", "= \"Marlin\x01USB\""),
      {{"kind", "archive A, marlin_usb.inf"}, {"value-breaks-xml", kInf}}},

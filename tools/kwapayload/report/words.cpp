@@ -12,6 +12,11 @@ void Add(const char* what, const std::string& before, const std::string& after, 
   }
 }
 
+// "" for zeros, however many the size of the body needs.
+std::string PaddingText(const ArchiveItem& item) {
+  return IsZeroFilled(item.padding) ? "" : Hex(std::string(item.padding.Text()));
+}
+
 }  // namespace
 
 const char* SeverityWord(Severity severity) {
@@ -65,7 +70,7 @@ std::vector<Change> FileChanges(const ChangedFile& file) {
   Add("kind", KindText(before.kind), KindText(after.kind), &changes);
   Add("signer", SignersText(before.trust.signatures), SignersText(after.trust.signatures), &changes);
   Add("in the catalog", CoverageText(before), CoverageText(after), &changes);
-  Add("padding", Hex(std::string(before.item.padding.Text())), Hex(std::string(after.item.padding.Text())), &changes);
+  Add("padding", PaddingText(before.item), PaddingText(after.item), &changes);
   if (changes.empty()) {
     Add("content", before.sha256, after.sha256, &changes);
   }
