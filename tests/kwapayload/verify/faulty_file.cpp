@@ -15,6 +15,11 @@ void Replace(InstallerImage& image, std::size_t at, const std::string& old, cons
   image.SetText(at, text);
 }
 
+// The archives come last in the file, so that a text before them is not one of a carried program.
+std::size_t PlaceInProgram(const InstallerImage& image, const std::string& text) {
+  return image.Bytes().rfind(text, image.A().position);
+}
+
 const char kPackageInf[] = R"([Version]
 Signature="$Windows NT$"
 Class=MEDIA
@@ -74,7 +79,12 @@ FaultyFile InHeader(std::size_t offset, const std::string& bytes) {
 }
 
 FaultyFile InProgram(const std::string& old, const std::string& text) {
-  return Installer([=](InstallerImage& image) { Replace(image, image.Bytes().rfind(old), old, text); });
+  return Installer([=](InstallerImage& image) { Replace(image, PlaceInProgram(image, old), old, text); });
+}
+
+FaultyFile OtherFileVersion() {
+  return Installer(
+      [](InstallerImage& image) { image.SetText(PlaceInProgram(image, "\xBD\x04\xEF\xFE") + 10, "\x02"); });
 }
 
 FaultyFile InBody(const char* file, std::size_t offset, const std::string& bytes) {

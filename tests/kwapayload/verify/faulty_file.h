@@ -19,8 +19,10 @@ using ImageChange = std::function<void(InstallerImage&)>;
 FaultyFile Installer(const ImageChange& change);
 // Offsets count from the program's "PE" signature.
 FaultyFile InHeader(std::size_t offset, const std::string& bytes);
-// The last place of a text in the file, which is the program's own.
+// The last place of a text before the archives.
 FaultyFile InProgram(const std::string& old, const std::string& text);
+// The number of the file version in the version record.
+FaultyFile OtherFileVersion();
 FaultyFile InBody(const char* file, std::size_t offset, const std::string& bytes);
 // The first place of a text in the INF.
 FaultyFile InInf(const std::string& old, const std::string& text);

@@ -54,7 +54,7 @@ std::string ProgramWithBrokenSignature() {
   return BuildImage(image) + WordBytes(9) + WordBytes(0x00020200) + "x";
 }
 
-// script/lint compares the codes with those in the sources.
+// finding_codes_test compares the codes with those in the sources.
 // clang-format off
 const Row kRows[] = {
     {"none", Installer([](InstallerImage&) {}), {}},
@@ -64,7 +64,7 @@ const Row kRows[] = {
     {"count", Installer([](InstallerImage& image) { image.SetCount(image.B(), 6); }),
      {{"archive-count", ""}, {"name-not-zero-filled", kArchive}}},
     {"cut off", Installer([](InstallerImage& image) { image.Resize(image.Find("Panorama.exe").bodyPosition + 1000); }),
-     {{"truncated", "section .rdata"}, {"body-past-end", kArchive}}},
+     {{"truncated", "section .payload"}, {"body-past-end", kArchive}}},
     {"no entries", InArchive(4, WordBytes(0)), {{"no-entries", ""}}},
     {"count beyond the end", InArchive(4, WordBytes(0xFFFFFFFF)), {{"table-past-end", ""}}},
     {"name of 260 bytes", InArchive(Record(1), std::string(260, 'n')), {{"name-not-ended", ""}}},
@@ -158,9 +158,7 @@ const Row kRows[] = {
     {"manifest", InProgram("requireAdministrator", "requireAdministrat0r"), {{"manifest-level", "executable, manifest"}}},
     {"no version record", ResourceType(16, 15), {{"no-version", "executable"}}},
     {"version record", InProgram(Wide("VS_VERSION_INFO"), Wide("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
-    {"version number", InProgram("\xBD\x04\xEF\xFE", "\xBD\x04\xEF\xFF"), {{"version-damaged", "executable"}}},
-    {"file version", Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE") + 10, "\x02"); }),
-     {{"versions-differ", "executable, version record"}}},
+    {"file version", OtherFileVersion(), {{"versions-differ", "executable, version record"}}},
     {"no version text", InProgram(Wide("FileVersion"), Wide("FileVersiom")), {{"versions-differ", "executable, version record"}}},
     {"version text", InProgram(kVersionText + Wide("1.0"), kVersionText + Wide("1.") + Wide({0})),
      {{"versions-differ", "executable, version record"}}},

@@ -74,7 +74,7 @@ Result<ParsedArchive> ReadArchive(ByteSpan area, std::uint64_t offset) {
   const std::string countText = std::to_string(count);
   ParsedArchive archive = {offset, BodiesPosition(count), {}};
   if (area.U32(offset) != kArchiveMagic) {
-    return Failure("does not begin with \"KWAP\"", "magic");
+    return Failure("does not begin with \"KWAP\"");
   }
   if (count == 0) {
     return Failure("has no entries", "no-entries");
