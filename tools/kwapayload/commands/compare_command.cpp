@@ -21,8 +21,8 @@ struct CompareOptions {
 int RunCompare(const CompareOptions& options) {
   const InstallerInput fileBefore(options.before);
   const InstallerInput fileAfter(options.after);
-  const Inspection before = Inspect(fileBefore.SoundInstaller());
-  const Inspection after = Inspect(fileAfter.SoundInstaller());
+  const Inspection before = Inspect(fileBefore.SoundFile());
+  const Inspection after = Inspect(fileAfter.SoundFile());
   const Comparison comparison = Compare(before, after);
   std::cout << (options.asJson ? CompareJson(comparison) : CompareText(comparison));
   return comparison.IsAlike() ? kExitInOrder : kExitFindings;

@@ -17,7 +17,7 @@ struct ExtractOptions {
 
 int RunExtract(const ExtractOptions& options) {
   const InstallerInput input(options.file);
-  ExtractFiles(options.file, input.SoundInstaller(), options.request);
+  ExtractFiles(options.file, input.SoundFile(), options.request);
   return kExitInOrder;
 }
 

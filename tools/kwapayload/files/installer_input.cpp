@@ -9,6 +9,17 @@
 #include "payload/entry_name.h"
 
 namespace kwa {
+namespace {
+
+bool HasInf(const std::filesystem::path& folder) {
+  std::error_code ignored;
+  const std::filesystem::directory_iterator entries(folder, ignored);
+  return std::any_of(begin(entries), end(entries), [](const std::filesystem::directory_entry& entry) {
+    return IsInfName(entry.path().filename().string());
+  });
+}
+
+}  // namespace
 
 InstallerInput::InstallerInput(const std::filesystem::path& filePath) : path(filePath) {
   std::error_code ignored;
@@ -31,17 +42,23 @@ void InstallerInput::ReadFolder() {
     folders.emplace_back(path / "a", 'A');
     folders.emplace_back(path / "b", 'B');
   } else {
-    installer.form = InputForm::PackageFolder;
-    folders.emplace_back(path, '-');
-    const std::vector<ArchiveItem>& items = folders.front().Items();
-    if (std::none_of(items.begin(), items.end(), [](const ArchiveItem& item) { return IsInfName(item.name); })) {
+    if (!HasInf(path)) {
       throw ToolFailure(path,
                         "is neither a payload folder with a and b nor the folder of a driver package with an INF");
     }
+    installer.form = InputForm::PackageFolder;
+    folders.emplace_back(path, '-');
   }
   for (const PayloadFolder& folder : folders) {
     installer.items.insert(installer.items.end(), folder.Items().begin(), folder.Items().end());
   }
+}
+
+const InstallerFile& InstallerInput::SoundFile() const {
+  if (!file) {
+    throw ToolFailure(path, "is a folder, not an installer or payload archive");
+  }
+  return SoundInstaller();
 }
 
 const InstallerFile& InstallerInput::SoundInstaller() const {
