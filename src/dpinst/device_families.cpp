@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <iterator>
+#include <string_view>
 
 namespace kwa {
 namespace {
@@ -49,6 +50,19 @@ constexpr DeviceFamily kDeviceFamilies[] = {
     Family("Vireoe QX", kVireoeQxRows),
     Family("Vireo", kVireoRows, kVireoGermanRows),
 };
+
+// A name that contains the longer of two such keys also contains the shorter one.
+constexpr bool IsEachFamilyReachable() {
+  for (std::size_t i = 0; i < std::size(kDeviceFamilies); ++i) {
+    for (std::size_t j = i + 1; j < std::size(kDeviceFamilies); ++j) {
+      if (std::string_view(kDeviceFamilies[j].key).find(kDeviceFamilies[i].key) != std::string_view::npos) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+static_assert(IsEachFamilyReachable(), "a family comes after one whose key its own key contains: no name reaches it");
 
 const unsigned kDeviceFamilyCount = std::size(kDeviceFamilies);
 

@@ -53,6 +53,21 @@ RequiredFiles ReadCatalogs(const std::vector<ArchiveItem>& items, const DriverPa
   return required;
 }
 
+// The signatures of a file, unless the files before it already have more than any package: each takes time.
+std::vector<Signature> ReadSignatures(FileDigests& digests, std::size_t* count) {
+  constexpr std::size_t kMaxSignatures = 256;
+  if (*count <= kMaxSignatures) {
+    std::vector<Signature> signatures = ReadEmbeddedSignatures(digests);
+    *count += signatures.size();
+    return signatures;
+  }
+  const PeImage* const image = digests.Image();
+  if (image == nullptr || image->CertificateTable().Empty()) {
+    return {};
+  }
+  return {{"", Failure("is one of more than 256 in all files, and not read"), false, {}}};
+}
+
 void JudgeCoverage(const ArchiveItem& item, const RequiredFiles& required, FileDigests& digests, PackageTrust* trust,
                    FileTrust* file) {
   const std::string name = UpperCase(item.name);
@@ -91,12 +106,13 @@ PackageTrust ReadPackageTrust(const std::vector<ArchiveItem>& items, const std::
   if (package && package->setup) {
     required = ReadCatalogs(items, *package, &trust.catalogs);
   }
+  std::size_t signatureCount = 0;
   for (const ArchiveItem& item : items) {
     FileDigests digests(item.body);
     FileTrust& file = trust.files.emplace_back();
     const PackageCatalog* const own = trust.CatalogOf(item);
     const bool isCatalog = own != nullptr && *own->catalog;
-    file.signatures = isCatalog ? (*own->catalog)->signatures : ReadEmbeddedSignatures(digests);
+    file.signatures = isCatalog ? (*own->catalog)->signatures : ReadSignatures(digests, &signatureCount);
     JudgeCoverage(item, required, digests, &trust, &file);
   }
   return trust;

@@ -64,13 +64,13 @@ std::string CommonName(const X509* certificate) {
   return std::string(name.Part(0, end).Text());
 }
 
-// Whether a check with the key takes long: an RSA exponent of more than 64 bits, which libcrypto itself refuses for
-// moduli of more than 3072 bits.
+// Whether a check with the key takes long: keys of more than 8192 bits, or an RSA exponent of more than 32.
+// Certificates have 4096 bits at most and the exponent 65537.
 bool IsSlow(const EVP_PKEY* key) {
   BIGNUM* exponent = nullptr;
-  const bool isSlow = EVP_PKEY_get_bn_param(key, OSSL_PKEY_PARAM_RSA_E, &exponent) == 1 && BN_num_bits(exponent) > 64;
+  const bool isSlow = EVP_PKEY_get_bn_param(key, OSSL_PKEY_PARAM_RSA_E, &exponent) == 1 && BN_num_bits(exponent) > 32;
   BN_free(exponent);
-  return isSlow;
+  return isSlow || EVP_PKEY_get_bits(key) > 8192;
 }
 
 // isBare  whether the digest alone was signed, without its algorithm
