@@ -8,18 +8,20 @@ endif()
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${kwaContents})
 
 # The full paths of the listed files, in payloadFilesA and payloadFilesB. A file that does not exist is left out
-# unless the build makes it: Ninja would stop with a poor message, and kwapayload reports everything that is wrong.
+# unless the build makes it: Ninja would stop with a poor message, and kwapayload reports everything that is wrong, in
+# the list as well.
 file(READ ${kwaContents} contents)
-string(JSON last LENGTH "${contents}" files)
-math(EXPR last "${last} - 1")
-foreach(i RANGE ${last})
-  string(JSON archive GET "${contents}" files ${i} archive)
-  string(JSON name GET "${contents}" files ${i} name)
-  string(TOLOWER ${archive} folder)
+string(JSON count ERROR_VARIABLE fault LENGTH "${contents}" files)
+set(i 0)
+while(NOT fault AND i LESS count)
+  string(JSON archive ERROR_VARIABLE fault GET "${contents}" files ${i} archive)
+  string(JSON name ERROR_VARIABLE fault GET "${contents}" files ${i} name)
+  string(TOLOWER "${archive}" folder)
+  math(EXPR i "${i} + 1")
   if(kwaMakesSample OR EXISTS ${payloadDir}/${folder}/${name})
     list(APPEND payloadFiles${archive} ${payloadDir}/${folder}/${name})
   endif()
-endforeach()
+endwhile()
 
 if(kwaMakesSample)
   # The sample's Windows programs, for both machines.

@@ -24,8 +24,8 @@ ExternalProject_Add(host_tests
   SOURCE_DIR ${CMAKE_SOURCE_DIR}/tools
   BINARY_DIR ${CMAKE_BINARY_DIR}/host-tests
   CMAKE_GENERATOR ${CMAKE_GENERATOR}
-  # With the sanitizers, -O1 compiles in little more than half the time of -O2.
-  CMAKE_ARGS -DCMAKE_CXX_FLAGS=-O1 -DKWA_WERROR=${KWA_WERROR} -DKWA_SANITIZE=ON -DKWA_TESTS=ON
+  # tools/CMakePresets.json has the flags. With the sanitizers, -O1 compiles in little more than half the time of -O2.
+  CMAKE_ARGS --preset test -DKWA_WERROR=${KWA_WERROR}
     -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_PAYLOAD_DIR=${payloadDir} -DKWA_CONTENTS=${kwaContents}
   INSTALL_COMMAND ""
   BUILD_ALWAYS TRUE)
@@ -34,9 +34,20 @@ file(WRITE ${CMAKE_BINARY_DIR}/sub_tests.cmake
   "subdirs(\"${CMAKE_BINARY_DIR}/tests\" \"${CMAKE_BINARY_DIR}/host-tests\")\n")
 set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/sub_tests.cmake)
 
+# The prefixes are made at build time, because CTest runs the Windows test programs, to list their tests, before it runs
+# the fixture.
+set(winePrefixes ${CMAKE_SOURCE_DIR}/tests/wine_prefixes)
+add_custom_target(wine_prefixes ALL COMMAND ${winePrefixes} make ${CMAKE_BINARY_DIR}/wine
+  COMMENT "Making the Wine prefixes" VERBATIM)
+add_test(NAME wine.start COMMAND ${winePrefixes} start ${CMAKE_BINARY_DIR}/wine)
+add_test(NAME wine.stop COMMAND ${winePrefixes} stop ${CMAKE_BINARY_DIR}/wine)
+set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine)
+set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
+
 foreach(test reproducible signed)
   add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
     ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-test/${test})
   # These take by far the longest, so CTest starts them first.
   set_tests_properties(release.${test} PROPERTIES COST 100)
 endforeach()
+set_tests_properties(release.signed PROPERTIES FIXTURES_REQUIRED wine)

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "run_fixture.h"
+#include "same_text.h"
 #include "windows_facts.h"
 
 namespace {
@@ -38,7 +39,7 @@ TEST_F(InstallerTemp, UnsetEmptyOrTooLongMeansTheRootOfTheDrive) {
     EXPECT_EQ(result.invalidParameterLines, expected.lines);
     EXPECT_EQ(result.report["commandLine"], std::string(expected.workFolder) + DpinstName());
     EXPECT_EQ(result.report["program"], std::string("C:") + expected.workFolder + DpinstName());
-    EXPECT_EQ(result.document, ExpectedDocument());
+    EXPECT_TRUE(SameText(result.document, ExpectedDocument()));
     if (std::string(expected.workFolder) == "\\") {
       for (const auto& [name, fingerprint] : files) {
         EXPECT_EQ(Fingerprint(ReadWholeFile("C:\\" + name)), fingerprint) << name;
@@ -63,7 +64,7 @@ TEST_F(InstallerTemp, Of255CharactersFillsTheCurrentFolder) {
   EXPECT_EQ(result.exitStatus, 0U);
   EXPECT_EQ(result.invalidParameterLines, 1);
   EXPECT_EQ(result.report["commandLine"], DpinstName());
-  EXPECT_EQ(result.document, document);
+  EXPECT_TRUE(SameText(result.document, document));
   EXPECT_EQ(result.files, ExpectedFiles(document));
   EXPECT_EQ(NamesIn(current).size(), result.files.size()) << "no file is deleted";
 }

@@ -9,6 +9,7 @@
 #include "built_archive.h"
 #include "installer_image.h"
 #include "pe/built_image.h"
+#include "same_text.h"
 #include "temporary_folder.h"
 #include "tool_run.h"
 
@@ -41,9 +42,9 @@ TEST_F(Commands, MisuseEndsWithStatus2) {
 
 TEST_F(Commands, ContentsWritesTheList) {
   const std::string committed = ReadWholeFile(KWA_CONTENTS);
-  EXPECT_EQ(RunTool({"contents", KWA_PAYLOAD_DIR}).output, committed);
+  EXPECT_TRUE(SameText(RunTool({"contents", KWA_PAYLOAD_DIR}).output, committed));
   EXPECT_EQ(RunTool({"contents", KWA_PAYLOAD_DIR, "--output", folder / "list"}).status, 0);
-  EXPECT_EQ(ReadWholeFile(folder / "list"), committed);
+  EXPECT_TRUE(SameText(ReadWholeFile(folder / "list"), committed));
 
   const TemporaryFolder payload;
   WriteWholeFile(payload / "a/one", "");
@@ -165,8 +166,8 @@ TEST_F(Commands, PreviewIsTheExpectedConfiguration) {
   legacy.insert(legacy.find(flag) + flag.size(), "  <legacyMode/>\r\n");
   const ToolRun run = RunTool({"preview", KWA_INSTALLER});
   EXPECT_EQ(0, run.status);
-  EXPECT_EQ(expected, run.output + run.errors);
-  EXPECT_EQ(legacy, RunTool({"preview", "--windows", "xp", KWA_INSTALLER}).output);
+  EXPECT_TRUE(SameText(run.output + run.errors, expected));
+  EXPECT_TRUE(SameText(RunTool({"preview", "--windows", "xp", KWA_INSTALLER}).output, legacy));
 }
 
 TEST_F(Commands, ComparePrintsDifferencesAndNothingElse) {
