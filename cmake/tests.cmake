@@ -44,10 +44,11 @@ add_test(NAME wine.stop COMMAND ${winePrefixes} stop ${CMAKE_BINARY_DIR}/wine)
 set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine)
 set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
 
-foreach(test reproducible signed)
-  add_test(NAME release.${test} COMMAND ${CMAKE_SOURCE_DIR}/tests/release/${test}_test
-    ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-test/${test})
-  # These take by far the longest, so CTest starts them first.
-  set_tests_properties(release.${test} PROPERTIES COST 100)
-endforeach()
+set(releaseTests ${CMAKE_SOURCE_DIR}/tests/release)
+add_test(NAME release.reproducible COMMAND ${releaseTests}/reproducible_test
+  ${CMAKE_SOURCE_DIR} ${payloadDir} ${kwaPayloadTool} ${CMAKE_BINARY_DIR}/release-test/reproducible)
+add_test(NAME release.signed COMMAND ${releaseTests}/signed_test
+  ${CMAKE_SOURCE_DIR} ${payloadDir} ${CMAKE_BINARY_DIR}/kwa_installer.exe ${CMAKE_BINARY_DIR}/release-test/signed)
+# These take by far the longest, so CTest starts them first.
+set_tests_properties(release.reproducible release.signed PROPERTIES COST 100)
 set_tests_properties(release.signed PROPERTIES FIXTURES_REQUIRED wine)

@@ -6,6 +6,9 @@
 #   fail TEXT…     prints such a line on the error stream and ends with 1
 #   misuse TEXT…   the same for wrong arguments, and ends with 2
 #   usage TEXT…    misuse with a hint at --help
+#   payload_folder FOLDER          prints the full path, or ends with 2 if FOLDER is no payload folder
+#   run_build LOG COMMAND…         runs a build with its output in LOG; on a terminal, shows the count of its steps
+#   build_faults LOG               prints what is wrong with the payload, or else the end of the log
 
 cli_name=${0##*/}
 # shellcheck disable=SC2034 # the scripts use it
@@ -19,6 +22,29 @@ cli_end() {
 fail() { cli_end 1 "$@"; }
 misuse() { cli_end 2 "$@"; }
 usage() { misuse "$*; see 'script/$cli_name --help'"; }
+
+payload_folder() {
+  local folder
+  [ -e "$1" ] || misuse "$1: does not exist"
+  for folder in a b; do [ -d "$1/$folder" ] || misuse "$1: is not a payload folder, because it has no folder $folder"; done
+  realpath -- "$1"
+}
+
+run_build() {
+  local log=$1 line status=0
+  if [ ! -t 1 ]; then
+    "${@:2}" >"$log" 2>&1 </dev/null
+    return
+  fi
+  "${@:2}" 2>&1 </dev/null | tee "$log" | while IFS= read -r line; do
+    if [[ $line =~ ^\[[0-9]+/[0-9]+] ]]; then printf '\r\e[K%s' "${BASH_REMATCH[0]}"; fi
+  done || status=$?
+  printf '\r\e[K'
+  return "$status"
+}
+
+# The tools print a payload's faults after their names, and findings after the severity.
+build_faults() { grep -E '^(kwapayload|samplepayload|error|warning): ' "$1" || tail -n 40 "$1"; }
 
 for cli_argument in "$@"; do
   if [ "$cli_argument" = --help ]; then
