@@ -30,11 +30,7 @@ void AddGap(std::uint64_t offset, std::uint64_t size, char kind, std::vector<Gap
 
 void FindHeaderGaps(const PeImage& image, const PeSection* payload, std::vector<Gap>* gaps) {
   const std::uint64_t optionalHeader = std::uint64_t{image.headerOffset} + 24;
-  const std::uint64_t directories = optionalHeader + (image.isPlus ? 112 : 96);
   AddGap(optionalHeader + 64, 4, ' ', gaps);  // CheckSum
-  if (image.directories.size() > kPeSecurityDirectory) {
-    AddGap(directories + kPeSecurityDirectory * 8, 8, ' ', gaps);
-  }
   if (payload != nullptr) {
     AddGap(optionalHeader + 8, 4, ' ', gaps);          // SizeOfInitializedData
     AddGap(optionalHeader + 56, 4, ' ', gaps);         // SizeOfImage
@@ -86,13 +82,20 @@ void FindAddressGaps(const InstallerFile& installer, const PeSection& payload, s
   gaps->insert(gaps->end(), addresses.begin(), addresses.end());
 }
 
-// A signature ends the file. It begins on a multiple of 8 after zeros.
-void FindSignatureGap(const PeImage& image, std::vector<Gap>* gaps) {
+// A signature ends the file. It begins on a multiple of 8 after zeros. An entry of the security directory that names
+// neither this place nor none counts.
+void FindSignatureGaps(const PeImage& image, std::vector<Gap>* gaps) {
+  const PeDirectory entry = image.Directory(kPeSecurityDirectory);
   const ByteSpan table = image.CertificateTable();
-  std::uint64_t begin = image.file.Size() - table.Size();
-  if (table.Empty() || table.Data() + table.Size() != image.file.end()) {
+  const bool isSigned = !table.Empty() && table.Size() == entry.size && table.end() == image.file.end();
+  if (image.directories.size() > kPeSecurityDirectory && (isSigned || (entry.address == 0 && entry.size == 0))) {
+    const std::uint64_t directories = std::uint64_t{image.headerOffset} + 24 + (image.isPlus ? 112 : 96);
+    AddGap(directories + kPeSecurityDirectory * 8, 8, ' ', gaps);
+  }
+  if (!isSigned) {
     return;
   }
+  std::uint64_t begin = image.file.Size() - table.Size();
   std::uint64_t end = 0;  // of the last section
   for (const PeSection& section : image.sections) {
     end = std::max(end, std::uint64_t{section.fileOffset} + section.bytes.Size());
@@ -146,16 +149,33 @@ std::string PlacesDigest(const std::vector<Gap>& gaps) {
   return Sha256Hex(ByteSpan(places));
 }
 
+// Whether the sizes that are left out follow from the payload, as a linker writes them. Otherwise they count.
+bool HasExpectedSizes(const InstallerFile& installer, const PeSection& payload) {
+  const PeImage& image = *installer.image;
+  const ArchivePlace* const last = installer.archives.empty() ? nullptr : &installer.archives.back();
+  if (last == nullptr || image.sectionAlignment == 0) {
+    return false;
+  }
+  const std::uint64_t size = last->fileOffset + last->size + kArchiveTerminatorSize - payload.fileOffset;
+  const std::uint64_t end = payload.virtualAddress + std::uint64_t{payload.virtualSize};
+  return payload.virtualSize == size && payload.fileSize >= size && payload.fileSize - size < image.fileAlignment &&
+         payload.fileSize % image.fileAlignment == 0 && image.imageSize >= end &&
+         image.imageSize - end < image.sectionAlignment && image.imageSize % image.sectionAlignment == 0;
+}
+
 std::vector<Gap> FindGaps(const InstallerFile& installer) {
   const PeImage& image = *installer.image;
-  const PeSection* const payload = FindPayloadSection(image);
+  const PeSection* payload = FindPayloadSection(image);
+  if (payload != nullptr && !HasExpectedSizes(installer, *payload)) {
+    payload = nullptr;
+  }
   std::vector<Gap> gaps;
   FindHeaderGaps(image, payload, &gaps);
   if (payload != nullptr) {
     FindArchiveGaps(installer, *payload, &gaps);
     FindAddressGaps(installer, *payload, &gaps);
   }
-  FindSignatureGap(image, &gaps);
+  FindSignatureGaps(image, &gaps);
   std::sort(gaps.begin(), gaps.end(), [](const Gap& left, const Gap& right) { return left.begin < right.begin; });
   const auto overlap = std::adjacent_find(gaps.begin(), gaps.end(),
                                           [](const Gap& left, const Gap& right) { return left.end > right.begin; });

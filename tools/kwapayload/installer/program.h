@@ -25,8 +25,9 @@ struct Program {
 //
 // Left out are the archives in the section ".payload", the certificate table at the end of the file, and the values
 // that follow from their sizes: SizeOfInitializedData, SizeOfImage, CheckSum, the entry of the security directory, and
-// the sizes of ".payload". A relocated address of an archive in ".payload" counts as the letter of the archive. An
-// installer without that section has its archives among other data: they are a part of its program here.
+// the sizes of ".payload". A relocated address of an archive in ".payload" counts as the letter of the archive. In an
+// installer without that section, or whose sizes are not those that a linker writes, the archives are a part of the
+// program.
 Program ReadProgram(const InstallerFile& installer);
 
 }  // namespace kwa

@@ -81,7 +81,11 @@ std::string InstallerText(const Comparison& comparison) {
     text += "program: not the same in " + Escaped(Joined(comparison.programParts)) + '\n';
   }
   if (comparison.areTextsChanged) {
-    text += "texts: not the same wizard texts; what is said of dpinst.xml is a guess\n";
+    text += "texts: not the same wizard texts\n";
+  }
+  const bool areTextsKnown = comparison.before->hasKnownTexts && comparison.after->hasKnownTexts;
+  if (!areTextsKnown && (comparison.areTextsChanged || !comparison.configuration.empty())) {
+    text += "dpinst.xml: not all wizard texts are those of this tool; what is said of the file is a guess\n";
   }
   if (comparison.areSignersChanged) {
     text += "signature: " + SignersOrNone(comparison.before->signatures) + " -> " +
