@@ -30,7 +30,7 @@ int Run(int argc, char** argv) {
       "The defaults are paths in the source tree after script/demo.\n"
       "\n"
       "Example:\n"
-      "  build/sample/samplepayload --next ../next");
+      "  build/samplepayload --next ../next");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
