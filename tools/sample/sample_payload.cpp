@@ -7,10 +7,10 @@
 #include <string_view>
 
 #include "catalog.h"
+#include "files/contents_input.h"
 #include "files/mapped_file.h"
 #include "files/output_file.h"
 #include "padding.h"
-#include "files/contents_input.h"
 #include "program.h"
 #include "signer.h"
 
