@@ -25,7 +25,7 @@ ExternalProject_Add(host_tests
   BINARY_DIR ${CMAKE_BINARY_DIR}/host-tests
   CMAKE_GENERATOR ${CMAKE_GENERATOR}
   # tools/CMakePresets.json has the flags. With the sanitizers, -O1 compiles in little more than half the time of -O2.
-  CMAKE_ARGS --preset test -B ${CMAKE_BINARY_DIR}/host-tests -DKWA_WERROR=${KWA_WERROR}
+  CMAKE_ARGS --preset test -B <BINARY_DIR> -DKWA_WERROR=${KWA_WERROR}
     -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_PAYLOAD_DIR=${payloadDir} -DKWA_CONTENTS=${kwaContents}
   INSTALL_COMMAND ""
   BUILD_ALWAYS TRUE)
