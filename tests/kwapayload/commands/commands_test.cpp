@@ -76,31 +76,28 @@ TEST_F(Commands, ListWritesAReport) {
 }
 
 TEST_F(Commands, FilesThatAreNoInstallers) {
-  const std::string archive = BuildArchive({{"driver.inf", "[Version]\r\n"}, {"empty", ""}});
-  const auto installer = [](const std::string& data) {
-    BuiltImage image;
-    image.sections = {{".rdata", kReadOnlyData, data}};
-    return BuildImage(image);
-  };
-  const std::string whole = installer(archive + BuildArchive({{"one", "1"}, {"kwap.bin", std::string(280, 'k')}}));
+  BuiltImage image;
+  image.sections = {
+      {".rdata", kReadOnlyData, BuildArchive({{"a", "1"}}) + BuildArchive({{"b", std::string(80, 'b')}})}};
+  const std::string whole = BuildImage(image);
+  BuiltImage three = image;
+  three.sections.push_back({".data", kReadOnlyData, BuildArchive({{"c", ""}})});
   const std::pair<std::string, std::vector<std::string>> kFiles[] = {
       {"", {"file: is neither an installer nor a payload archive"}},
-      {installer("data"), {"file: holds no payload archives in its read-only data instead of two"}},
-      {installer(archive), {"file: holds one payload archive in its read-only data instead of two"}},
-      {installer(archive + archive + archive),
-       {"file: holds more than two payload archives in its read-only data instead of two"}},
-      {archive.substr(0, 500), {"file: ends within its table of 2 entries"}},
+      {BuildImage(three), {"file: holds more than two payload archives in its read-only data instead of two"}},
       {whole.substr(0, whole.size() - 10),
        {"file: section .rdata: the file ends 10 bytes before it does",
-        "file: archive at offset " + std::to_string(whole.rfind("KWAP\x02")) +
-            ", kwap.bin: its body of 280 bytes runs past the end of the data"}},
+        "file: archive at offset " + std::to_string(whole.rfind("KWAP")) +
+            ", b: its body of 80 bytes runs past the end of the data"}},
   };
   for (const auto& [bytes, faults] : kFiles) {
     const std::string file = MakeFile("file", bytes);
-    ExpectFailure(RunTool({"list", file}), folder.Path(), faults);
-    ExpectFailure(RunTool({"extract", file, folder / "out"}), folder.Path(), faults);
-    ExpectFailure(RunTool({"preview", file}), folder.Path(), faults);
-    ExpectFailure(RunTool({"compare", KWA_INSTALLER, file}), folder.Path(), faults);
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"list", file},
+                                                      {"extract", file, folder / "out"},
+                                                      {"preview", file},
+                                                      {"compare", KWA_INSTALLER, file}}) {
+      ExpectFailure(RunTool(arguments), folder.Path(), faults);
+    }
     EXPECT_EQ(std::vector<std::string>{"file"}, NamesIn(folder.Path()));
   }
   ExpectFailure(RunTool({"list", folder / "none"}), folder.Path(), {"none: cannot be read: No such file or directory"});

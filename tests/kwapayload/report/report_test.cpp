@@ -13,6 +13,7 @@
 #include "report/json_report.h"
 #include "report/list_report.h"
 #include "report/text_report.h"
+#include "verify/faulty_file.h"
 #include "verify/verification.h"
 
 namespace {
@@ -30,7 +31,7 @@ std::string DriverImage(const std::map<std::string, std::string>& texts) {
 }
 
 // An installer with sections of this data, of which the first comes last in the table of sections.
-std::string Installer(const std::vector<std::string>& readOnlyData, const char* firstName = ".rdata") {
+std::string InstallerOf(const std::vector<std::string>& readOnlyData, const char* firstName = ".rdata") {
   BuiltImage image;
   image.sections = {{".data", kWritableData, BuildArchive({{"writable", "1"}})}};
   for (const std::string& data : readOnlyData) {
@@ -65,7 +66,7 @@ void ExpectFields(const json& object, const char* fields) {
 }
 
 TEST(Report, ListOfAnInstaller) {
-  const std::string bytes = Installer({kArchiveA, kArchiveB});
+  const std::string bytes = InstallerOf({kArchiveA, kArchiveB});
   const kwa::Inspection inspection = Inspection(bytes);
   const std::string text = kwa::ListText("a.exe", inspection);
   ExpectPart(text,
@@ -92,7 +93,7 @@ TEST(Report, ListOfAnInstaller) {
 }
 
 TEST(Report, BillOfMaterials) {
-  const std::string bytes = Installer({kArchiveA, kArchiveB});
+  const std::string bytes = InstallerOf({kArchiveA, kArchiveB});
   const auto bill = [](const std::string& name, const std::string& file) {
     return json::parse(kwa::BillOfMaterials(name, Inspection(file)));
   };
@@ -141,12 +142,18 @@ std::string UnsafeFile(char tag) {
   const std::string unsafe = tag + kUnsafe;
   // UTF-16 cannot hold a byte that is not UTF-8.
   const std::string record = kUnsafe.substr(0, kUnsafe.size() - 2);
-  return Installer(
+  std::string catalog = CatalogOf({"other"});
+  for (std::size_t at = 0; (at = catalog.find("Tester", at)) != std::string::npos;) {
+    catalog.replace(at, 6, tag + std::string("\x1B\x7F\xC2\x9B\xFF"));
+  }
+  return InstallerOf(
       {BuildArchive(
            {{"a" + kUnsafeName + ".inf", "[Version]\r\nDriverVer=" + unsafe + "\r\nDriverPackageDisplayName=Vireo" +
-                                             unsafe + "\r\nCatalogFile=" + unsafe + ".cat\r\nSignature=\"$Chicago$\""},
+                                             unsafe + "\r\nCatalogFile=c.cat\r\nSignature=\"$Chicago$\""},
             {"same" + kUnsafeName, std::string(1, tag)},
-            {std::string(1, tag) + kUnsafeName, DriverImage({{"FileDescription", record}, {"CompanyName", record}})}}),
+            {std::string(1, tag) + kUnsafeName, DriverImage({{"FileDescription", record}, {"CompanyName", record}})},
+            {"c.cat", catalog},
+            {(tag == '1' ? "renamed" : "RENAMED") + kUnsafeName, ""}}),
        BuildArchive({{"b", "b"}})},
       tag == '2' ? "\x1B\x7F\xC2\x9B" : ".rdata");
 }
@@ -182,19 +189,21 @@ TEST(Report, NoTextOfAFileIsShownRaw) {
     std::string text;
     std::vector<std::string> parts;  // that are there, each with escaped text after it
   } kReports[] = {
-      {"list", kwa::ListText(name, inspection), {"same", "Version:           1", "Display name:      Vireo1"}},
+      {"list",
+       kwa::ListText(name, inspection),
+       {"same", "Version:           1", "Display name:      Vireo1", "c.cat: 1"}},
       {"list --json",
        TextsOf(kwa::ListJson(name, inspection)),
        {"files/1/name same", "files/2/company ", "files/2/description ", "package/version 1",
-        "package/displayName Vireo1", "package/inf a"}},
+        "package/displayName Vireo1", "package/inf a", "files/3/signatures/0/signer 1"}},
       {"list --cyclonedx",
        TextsOf(kwa::BillOfMaterials(name, inspection)),
        {"components/1/name same", "components/2/supplier/name ", "components/2/description ",
-        "metadata/component/name a"}},
+        "metadata/component/name a", "components/3/properties/3/value 1"}},
       {"compare",
        kwa::CompareText(comparison),
-       {"removed: 1", "added: 2", "changed: same", "version 1", "-> 2", "display name Vireo1", "  -1", "  +2",
-        "program: not the same in headers, "}},
+       {"removed: 1", "added: 2", "changed: same", "name renamed", "signer 1", "version 1", "-> 2",
+        "display name Vireo1", "  -1", "  +2", "program: not the same in headers, "}},
       {"compare --json",
        TextsOf(kwa::CompareJson(comparison)),
        {"removed/0/name 1", "added/0/name 2", "changed/1/name same", "before 1", "after 2"}},
