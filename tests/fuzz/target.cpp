@@ -86,9 +86,9 @@ void ReadArchives(kwa::ByteSpan bytes) {
 }
 
 void Report(kwa::InstallerFile installer) {
-  const kwa::Findings findings = kwa::VerifyInstaller(installer, {});
-  kwa::VerifyJson("file", findings);
-  RequireClean(kwa::VerifyText("file", findings));
+  const kwa::Verification verification = kwa::VerifyInstaller(installer, {});
+  kwa::VerifyJson("file", verification);
+  RequireClean(kwa::VerifyText("file", verification));
   if (installer.findings.HasError()) {
     return;
   }
@@ -98,7 +98,7 @@ void Report(kwa::InstallerFile installer) {
   kwa::BillOfMaterials("file", inspection);
   kwa::CompareJson(comparison);
   Require(comparison.IsAlike());
-  RequireClean(kwa::ListText("file", inspection));
+  RequireClean(kwa::ListText("file", inspection, 80));
   RequireClean(kwa::CompareText(comparison));
 }
 

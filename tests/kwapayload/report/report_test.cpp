@@ -68,7 +68,7 @@ void ExpectFields(const json& object, const char* fields) {
 TEST(Report, ListOfAnInstaller) {
   const std::string bytes = InstallerOf({kArchiveA, kArchiveB});
   const kwa::Inspection inspection = Inspection(bytes);
-  const std::string text = kwa::ListText("a.exe", inspection);
+  const std::string text = kwa::ListText("a.exe", inspection, 0);
   ExpectPart(text,
              "ARCHIVE  NAME        SIZE  VERSION  CATALOG  KIND\n"
              "A        driver.inf    64                    7-bit ASCII text, CR LF line ends\n"
@@ -180,8 +180,8 @@ TEST(Report, NoTextOfAFileIsShownRaw) {
   const std::string otherBytes = UnsafeFile('2');
   const kwa::Inspection inspection = Inspection(bytes);
   const kwa::Inspection other = Inspection(otherBytes);
-  kwa::Findings findings = kwa::VerifyInstaller(inspection.installer, {});
-  findings.AddError("where" + kUnsafe, "what" + kUnsafe, "code");
+  kwa::Verification verification = kwa::VerifyInstaller(inspection.installer, {});
+  verification.findings.AddError("where" + kUnsafe, "what" + kUnsafe, "code");
   const kwa::Comparison comparison = kwa::Compare(inspection, other);
   const std::string name = "a" + kUnsafe;
   const struct {
@@ -190,7 +190,7 @@ TEST(Report, NoTextOfAFileIsShownRaw) {
     std::vector<std::string> parts;  // that are there, each with escaped text after it
   } kReports[] = {
       {"list",
-       kwa::ListText(name, inspection),
+       kwa::ListText(name, inspection, 0),
        {"same", "Version:           1", "Display name:      Vireo1", "c.cat: 1"}},
       {"list --json",
        TextsOf(kwa::ListJson(name, inspection)),
@@ -208,9 +208,9 @@ TEST(Report, NoTextOfAFileIsShownRaw) {
        TextsOf(kwa::CompareJson(comparison)),
        {"removed/0/name 1", "added/0/name 2", "changed/1/name same", "before 1", "after 2"}},
       {"verify",
-       kwa::VerifyText(name, findings) + kwa::VerifyText(name, {}),
+       kwa::VerifyText(name, verification) + kwa::VerifyText(name, {}),
        {"where", "what", "archive A, same", "\na"}},
-      {"verify --json", TextsOf(kwa::VerifyJson(name, findings)), {"file a", "where where", "what what"}},
+      {"verify --json", TextsOf(kwa::VerifyJson(name, verification)), {"file a", "where where", "what what"}},
   };
   for (const auto& report : kReports) {
     SCOPED_TRACE(report.report);

@@ -108,6 +108,22 @@ FaultyFile MachineX86(const char* file) {
   });
 }
 
+FaultyFile WithoutSignature(const char* file) {
+  return Installer([=](InstallerImage& image) {
+    const std::size_t body = image.Find(file).bodyPosition;
+    image.SetText(body + image.Word(body + 0x3C) + 152, std::string(8, '\0'));
+  });
+}
+
+FaultyFile ManifestName(std::uint32_t name) {
+  return Installer([=](InstallerImage& image) {
+    const std::size_t tree = image.Word(image.Bytes().find(".rsrc") + 20);
+    const std::size_t entry = image.Bytes().find(WordBytes(24), tree + 16);
+    const std::size_t directory = tree + (image.Word(entry + 4) & 0x7FFFFFFF);
+    image.SetText(directory + 16, WordBytes(name));
+  });
+}
+
 FaultyFile ResourceType(std::uint32_t type, std::uint32_t other) {
   return Installer([=](InstallerImage& image) {
     const std::size_t header = image.Bytes().find(".rsrc");

@@ -29,6 +29,10 @@ FaultyFile InInf(const std::string& old, const std::string& text);
 FaultyFile Renamed(const char* file, const std::string& name);
 // A Windows program of the payload gets the machine x86.
 FaultyFile MachineX86(const char* file);
+// The certificate table of a 32-bit program of the payload is no longer named.
+FaultyFile WithoutSignature(const char* file);
+// The manifest gets another number.
+FaultyFile ManifestName(std::uint32_t name);
 // The resources of one type get another type.
 FaultyFile ResourceType(std::uint32_t type, std::uint32_t other);
 // A signature of 8 bytes after some padding.

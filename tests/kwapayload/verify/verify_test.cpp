@@ -85,10 +85,19 @@ const Row kRows[] = {
      {{"order", "archive B, dwa.bmp", kWarning}, {"unexpected-file", "archive B, dwa.bmp"}}},
     {"size", Installer([](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); }),
      {{"size", "archive B, eula_en.txt"}}},
-    {"driver of the wrong machine", MachineX86("marlin_usb_64.sys"), {{"kind", "archive A, marlin_usb_64.sys"}}},
-    {"bitmap of other geometry", InBody("kwa.bmp", 18, "2"), {{"kind", "archive B, kwa.bmp"}}},
+    {"driver of the wrong machine", MachineX86("marlin_usb_64.sys"), 
+     {{"kind", "archive A, marlin_usb_64.sys"}, {"driver-machine", "archive A, marlin_usb_64.sys"}}},
+    {"bitmap of other geometry", InBody("kwa.bmp", 18, "2"),
+     {{"kind", "archive B, kwa.bmp"}, {"companion-kind", "archive B, kwa.bmp"}}},
     {"missing, without a list", Unlisted(Renamed("eula_de.txt", "eula_da.txt")), {{"missing-file", "eula_de.txt"}}},
-    {"wrong machine, without a list", Unlisted(MachineX86("dpinst64.exe")), {{"kind", "archive B, dpinst64.exe"}}},
+    {"wrong machine, without a list", Unlisted(MachineX86("dpinst64.exe")), {{"companion-kind", "archive B, dpinst64.exe"}}},
+    {"DPInst without a signature", Unlisted(WithoutSignature("dpinst.exe")), {{"dpinst-unsigned", "archive B, dpinst.exe"}}},
+    {"a configuration", Unlisted(Renamed("kwa.bmp", "DPINST.XML")),
+     {{"order", "archive B, DPINST.XML", kWarning}, {"missing-file", "kwa.bmp"}, {"dpinst-xml-carried", "archive B, DPINST.XML"},
+      {"not-used", "archive B, DPINST.XML", kWarning}}},
+    {"line ends", Unlisted(InBody("eula_en.txt", 3, "\n")), {{"line-ends", "archive B, eula_en.txt", kWarning}}},
+    {"a language that no text is for", Unlisted(Renamed("kwa.bmp", "kwb.bmp")),
+     {{"missing-file", "kwa.bmp"}, {"not-used", "archive B, kwb.bmp", kWarning}}},
     {"licence text, without a list", Unlisted(InBody("eula_en.txt", 100, "\xFF")), {{"not-utf8", "archive B, eula_en.txt"}}},
 
     // The INF.
@@ -119,6 +128,16 @@ const Row kRows[] = {
     {"folder of a file", Package({{"a.sys=1", "a.sys=1,amd64"}}), {{"source-file-in-folder", kPackage}}},
     {"folder of a disk", Package({{"1=Disk", "1=\"d,e\",,,\\x"}}), {{"source-file-in-folder", kPackage}}},
     {"no source files", Package({{"[SourceDisksFiles]", "[SourceDisksFilez]"}}), {{"no-source-files", kPackage}}},
+
+    {"disk", Package({{"1=Disk", "2=Disk"}}), {{"disk-missing", kPackage}}},
+    {"none, a disk by its number", Package({{"1=Disk", "01=Disk"}}), {}},
+    {"copied file that is not listed", Package({{"a.sys\n[Strings]", "a.sys\nb.sys\n[Strings]"}},
+                                              [](PackageFiles& files) { files["b.sys"] = ""; }),
+     {{"copied-file-not-listed", "package, a.inf, line 30"}}},
+    {"copied file that may be Windows' own", Package({{"a.sys\n[Strings]", "a.sys\nb.sys\n[Strings]"}}),
+     {{"copied-file-not-listed", "package, a.inf, line 30", kWarning}}},
+    {"unused file", Package({}, [](PackageFiles& files) { files["x.txt"] = ""; }), {{"not-used", "x.txt", kWarning}}},
+    {"signature of the INF", Package({{"$Windows NT$", "$Windows NG$"}}), {{"inf-signature", "package, a.inf, line 2"}}},
 
     // Catalogs and signatures.
     {"none, in a package", Package({}), {}},
@@ -154,8 +173,15 @@ const Row kRows[] = {
     {"DEP", InHeader(94, "\x40\x80"), {{"no-dep", "executable"}}},
     {"terminal server", InHeader(94, "\x40\x01"), {{"not-terminal-server-aware", "executable", kWarning}}},
     {"writable code", InHeader(248 + 39, "\xE0"), {{"writable-code", "executable, section .text"}}},
+    {"section alignment", InHeader(56, WordBytes(0x3000)), {{"alignment", "executable"}}},
+    {"file alignment", InHeader(60, WordBytes(0x20000)), {{"alignment", "executable"}}},
+    {"image base", InHeader(52, WordBytes(0x401000)), {{"image-base", "executable"}}},
+    {"size of the image", InHeader(80, WordBytes(0x10000)), {{"image-size", "executable"}}},
+    {"section that overlaps", InHeader(248 + 40 + 12, WordBytes(0x1000)), {{"section-place", "executable"}}},
+    {"entry point", InHeader(40, WordBytes(0x10)), {{"entry-point", "executable"}}},
+    {"number of the manifest", ManifestName(2), {{"manifest", "executable, manifest"}}},
     {"no manifest", ResourceType(24, 23), {{"no-manifest", "executable"}}},
-    {"manifest", InProgram("requireAdministrator", "requireAdministrat0r"), {{"manifest-level", "executable, manifest"}}},
+    {"manifest", InProgram("requireAdministrator", "requireAdministrat0r"), {{"manifest", "executable, manifest"}}},
     {"no version record", ResourceType(16, 15), {{"no-version", "executable"}}},
     {"version record", InProgram(Wide("VS_VERSION_INFO"), Wide("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
     {"file version", OtherFileVersion(), {{"versions-differ", "executable, version record"}}},
@@ -188,8 +214,9 @@ TEST(Verify, EachFaultGivesItsFindingsAndNoOthers) {
     const std::string bytes = row.file.make();
     const kwa::InstallerFile installer = kwa::ReadInstallerFile(kwa::ByteSpan(bytes)).value();
     std::vector<std::string> found;
+    const kwa::PayloadContents none;
     for (const kwa::Finding& finding :
-         kwa::VerifyInstaller(installer, installer.image && row.file.isListed ? contents : kwa::PayloadContents())) {
+         kwa::VerifyInstaller(installer, installer.image && row.file.isListed ? contents : none).findings) {
       // Every change of a file of the payload breaks what signs it.
       const bool isConsequence = installer.image &&
                                  (finding.code == "not-in-catalog" || finding.code == "signature-broken") &&
