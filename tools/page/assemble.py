@@ -1,0 +1,91 @@
+#!/usr/bin/python3
+"""Puts the page together: one HTML file that loads nothing.
+
+usage: assemble.py PROGRAM FINDINGS LICENCES VERSION OUTPUT
+  PROGRAM   the JavaScript with the WebAssembly, as Emscripten makes it
+  FINDINGS  docs/findings.md: its table explains the findings
+  LICENCES  THIRD-PARTY.md
+  VERSION   of the page, in words
+"""
+import base64
+import hashlib
+import html
+import json
+import pathlib
+import re
+import sys
+
+folder = pathlib.Path(__file__).parent
+
+
+def read(path):
+    try:
+        return pathlib.Path(path).read_text(encoding="utf-8")
+    except OSError as error:
+        sys.exit(f"assemble.py: {path}: {error.strerror}")
+
+
+def plain(markdown):
+    """A line without its marks for code, emphasis and links."""
+    return re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", markdown).replace("`", "").replace("**", "").replace("\\|", "|").strip()
+
+
+def cells(row):
+    return re.split(r"(?<!\\)\|", row.strip()[1:-1])
+
+
+def explanations(markdown):
+    """The rows '| `code` | meaning | mending |' of all tables."""
+    rows = [cells(line) for line in markdown.splitlines() if re.match(r"\| *`[a-z0-9-]+` *\|", line)]
+    if not rows or any(len(row) != 3 for row in rows):
+        sys.exit("assemble.py: the findings have no table with three columns")
+    return {code: parts for code, *parts in ([plain(cell) for cell in row] for row in rows)}
+
+
+def as_html(markdown):
+    """Headings, lists, tables, fenced texts and paragraphs, which is all that the licences use."""
+    result = []
+    for block in re.findall(r"^```.*?^```$|(?:^(?!```).+\n?)+", markdown, re.M | re.S | re.X):
+        lines = block.strip("\n").splitlines()
+        text = html.escape(plain(" ".join(lines)))
+        if block.startswith("```"):
+            result.append("<pre>" + html.escape("\n".join(lines[1:-1])) + "</pre>")
+        elif block.startswith("#"):
+            result.append(f"<h3>{text.lstrip('# ')}</h3>")
+        elif block.startswith("|"):
+            rows = [cells(line) for line in lines if not re.fullmatch(r"[|: -]+", line.strip())]
+            body = "".join("<tr>" + "".join(f"<td>{html.escape(plain(c))}</td>" for c in row) + "</tr>" for row in rows[1:])
+            head = "".join(f'<th scope="col">{html.escape(plain(c))}</th>' for c in rows[0])
+            result.append(f"<table><thead><tr>{head}</tr></thead><tbody>{body}</tbody></table>")
+        elif re.match(r"[-*] ", block):
+            items = re.split(r"^[-*] ", block, flags=re.M)[1:]
+            result.append("<ul>" + "".join(f"<li>{html.escape(plain(' '.join(i.split())))}</li>" for i in items) + "</ul>")
+        else:
+            result.append(f"<p>{text}</p>")
+    return "\n".join(result)
+
+
+def for_script(text):
+    """Nothing in a script element may look like its end."""
+    return re.sub(r"<(?=/script|!--)", r"\\x3c", text, flags=re.I)
+
+
+def source_of(text):
+    return "'sha256-" + base64.b64encode(hashlib.sha256(text.encode()).digest()).decode() + "'"
+
+
+program, findings, licences, version, output = sys.argv[1:]
+style = read(folder / "page.css")
+script = for_script(read(folder / "page.js"))
+parts = {
+    "policy": f"default-src 'none'; script-src {source_of(script)} 'wasm-unsafe-eval'; worker-src blob:; "
+              f"style-src {source_of(style)}; img-src blob:; base-uri 'none'; form-action 'none'",
+    "style": style,
+    "script": script,
+    "worker": for_script(read(program) + read(folder / "worker.js")),
+    "explanations": json.dumps(explanations(read(findings)), ensure_ascii=False).replace("<", "\\u003c"),
+    "licences": as_html(read(licences)),
+    "version": html.escape(version),
+}
+page = re.sub(r"\{\{(\w+)\}\}", lambda match: parts[match[1]], read(folder / "page.html"))
+pathlib.Path(output).write_text(page, encoding="utf-8", newline="\n")

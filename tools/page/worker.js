@@ -1,0 +1,75 @@
+// Runs kwapayload on the one or two files that the page sends. Answers with messages:
+//   {stage, share}   what it does now; share: how much of it is done, from 0 to 1, or nothing where that is not known
+//   {reports}        the end: an object of reports for each file; with two files, a third object for what differs
+//   {failure}        the end: one sentence
+// A report that cannot be made is null, and its reason is there under the name with "Fault".
+
+const kMaximum = 1.5 * 2 ** 30;
+const kChunk = 8 * 2 ** 20;
+
+class Failure extends Error {}
+
+// The bytes at a place in the program's memory that grows: a pointer above 2 GiB comes as a negative number.
+const readText = (kwapayload, pointer) => {
+  const begin = pointer >>> 0;
+  return kwapayload.HEAPU8.slice(begin, kwapayload.HEAPU8.indexOf(0, begin));
+};
+
+async function readFile(kwapayload, file) {
+  if (file.size > kMaximum) {
+    throw new Failure(`${file.name} is larger than 1.5 GB, which is more than this page can examine.`);
+  }
+  const begin = kwapayload._malloc(Math.max(file.size, 1)) >>> 0;
+  if (begin === 0) {
+    throw new Failure(`${file.name} needs more memory than this browser has for it.`);
+  }
+  for (let at = 0; at < file.size; at += kChunk) {
+    postMessage({stage: `Reading ${file.name}`, share: at / file.size});
+    const bytes = await file.slice(at, at + kChunk).arrayBuffer().catch(() => {
+      throw new Failure(`${file.name} cannot be read. It may be a folder, or have changed in the meantime.`);
+    });
+    kwapayload.HEAPU8.set(new Uint8Array(bytes), begin + at);
+  }
+  return begin;
+}
+
+onmessage = async ({data: files}) => {
+  try {
+    const kwapayload = await StartKwapayload();
+    const result = () => readText(kwapayload, kwapayload._KwaResult());
+    const utf8 = new TextDecoder();
+
+    const report = (number, reports, ...names) => {
+      for (const name of names) {
+        const isDone = kwapayload.ccall('KwaReport', 'boolean', ['number', 'string'], [number, name]);
+        const bytes = result();
+        reports[name] = isDone ? (name.startsWith('preview') ? bytes : utf8.decode(bytes)) : null;
+        reports[`${name}Fault`] = isDone ? null : utf8.decode(bytes);
+      }
+    };
+
+    const all = [];
+    for (const [number, file] of files.entries()) {
+      const begin = await readFile(kwapayload, file);
+      postMessage({stage: `Computing digests and checking signatures of ${file.name}`});
+      if (!kwapayload.ccall('KwaOpen', 'boolean', ['number', 'number', 'number', 'string'],
+                            [number, begin, file.size, file.name])) {
+        throw new Failure(`${file.name} ${utf8.decode(result())}.`);
+      }
+      const reports = {};
+      report(number, reports, 'listJson', 'verifyJson', 'listText', 'preview', 'previewXp', 'previewDoubt');
+      // The list of contents has the digest already.
+      if (!JSON.parse(reports.listJson)?.file) report(number, reports, 'sha256');
+      all.push(reports);
+    }
+    if (files.length === 2) {
+      postMessage({stage: 'Comparing the two files'});
+      const reports = {};
+      report(0, reports, 'compareJson', 'compareText');
+      all.push(reports);
+    }
+    postMessage({reports: all});
+  } catch (error) {
+    postMessage({failure: error instanceof Failure ? error.message : `This browser could not examine the file: ${error.message ?? error}.`});
+  }
+};
