@@ -45,7 +45,7 @@ def explanations(markdown):
 def as_html(markdown):
     """Headings, lists, tables, fenced texts and paragraphs, which is all that the licences use."""
     result = []
-    for block in re.findall(r"^```.*?^```$|(?:^(?!```).+\n?)+", markdown, re.M | re.S | re.X):
+    for block in re.findall(r"^```.*?^```$|(?:^(?!```).+\n?)+", markdown, re.M | re.S):
         lines = block.strip("\n").splitlines()
         text = html.escape(plain(" ".join(lines)))
         if block.startswith("```"):
