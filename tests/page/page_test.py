@@ -66,7 +66,12 @@ def text_of(selector):
     return browser.execute_script("return document.querySelector(arguments[0])?.textContent ?? ''", selector)
 
 
+def press(key):
+    webdriver.ActionChains(browser).send_keys(key).perform()
+
+
 def give(*paths):
+    browser.execute_script("document.body.dataset.state = 'given'")
     find("input[type=file]").send_keys("\n".join(str(path) for path in paths))
 
 
@@ -123,15 +128,12 @@ def check_keyboard():
     """From the file to the copied ticket with keys alone, but for the system's own window to choose a file."""
     browser.execute_cdp_cmd("Browser.grantPermissions", {"permissions": ["clipboardReadWrite", "clipboardSanitizedWrite"]})
     browser.get(page.as_uri())
-    active = lambda: browser.switch_to.active_element
-    active().send_keys(Keys.TAB)
-    check(active().get_attribute("type") == "file", "the first stop of the Tab key is not the choice of a file")
+    press(Keys.TAB)
+    check(browser.switch_to.active_element.get_attribute("type") == "file", "the Tab key does not begin with the choice of a file")
     examine(installer)
-    for _ in range(5):
-        active().send_keys(Keys.TAB)
-        if active().get_attribute("data-action") == "copy":
-            break
-    active().send_keys(Keys.ENTER)
+    press(Keys.TAB)
+    check(browser.switch_to.active_element.get_attribute("data-action") == "copy", "the Tab key does not go on with the ticket")
+    press(Keys.ENTER)
     time.sleep(0.3)
     ticket = browser.execute_async_script("navigator.clipboard.readText().then(arguments[0], (error) => arguments[0](`${error}`))")
     for fact in (installer.name, "Verdict:", "marlin_usb.inf"):

@@ -43,11 +43,11 @@ def explanations(markdown):
 
 
 def as_html(markdown):
-    """Headings, lists, tables, fenced texts and paragraphs, which is all that the licences use."""
+    """Headings, tables and fenced texts; of any other text, the lines as they are."""
     result = []
     for block in re.findall(r"^```.*?^```$|(?:^(?!```).+\n?)+", markdown, re.M | re.S):
         lines = block.strip("\n").splitlines()
-        text = html.escape(plain(" ".join(lines)))
+        text = html.escape(plain(block))
         if block.startswith("```"):
             result.append("<pre>" + html.escape("\n".join(lines[1:-1])) + "</pre>")
         elif block.startswith("#"):
@@ -57,9 +57,6 @@ def as_html(markdown):
             body = "".join("<tr>" + "".join(f"<td>{html.escape(plain(c))}</td>" for c in row) + "</tr>" for row in rows[1:])
             head = "".join(f'<th scope="col">{html.escape(plain(c))}</th>' for c in rows[0])
             result.append(f"<table><thead><tr>{head}</tr></thead><tbody>{body}</tbody></table>")
-        elif re.match(r"[-*] ", block):
-            items = re.split(r"^[-*] ", block, flags=re.M)[1:]
-            result.append("<ul>" + "".join(f"<li>{html.escape(plain(' '.join(i.split())))}</li>" for i in items) + "</ul>")
         else:
             result.append(f"<p>{text}</p>")
     return "\n".join(result)

@@ -72,7 +72,7 @@ const NamedReport kReports[] = {
     {"sha256", [](OpenFile& file) { return Sha256Hex(file.installer.bytes); }},
     {"preview", [](OpenFile& file) { return PreviewDpinstConfig(IdentityOf(file), false); }},
     {"previewXp", [](OpenFile& file) { return PreviewDpinstConfig(IdentityOf(file), true); }},
-    {"previewDoubt", PreviewDoubt},
+    {"doubt", PreviewDoubt},
     {"compareJson", [](OpenFile&) { return CompareJson(CompareBoth()); }},
     {"compareText", [](OpenFile&) { return CompareText(CompareBoth()); }},
 };

@@ -300,8 +300,8 @@ function showWizard(article, file, {files, program}, reports) {
   const showXml = () => find('pre', section).textContent = new TextDecoder().decode(reports[editionSelect.value]);
   editionSelect.onchange = showXml;
   showXml();
-  find('.note', section).textContent = 'A drawing with the texts of dpinst.xml. The buttons below are Windows\u2019 own.' +
-    (reports.previewDoubt ? ` The INF ${reports.previewDoubt}, so the texts are a guess.` : '') +
+  find('.note', section).textContent = 'A drawing with the texts of dpinst.xml. Windows adds buttons and hints in its own words.' +
+    (reports.doubt ? ` The INF ${reports.doubt}, so the texts are a guess.` : '') +
     (program?.textsKnown === false ? ' This installer has other texts than this page, so its wizard differs.' : '');
 
   const parsed = new DOMParser().parseFromString(new TextDecoder().decode(reports.preview), 'text/xml');
@@ -324,11 +324,10 @@ function showWizard(article, file, {files, program}, reports) {
     const watermark = carried(text('watermarkPath'));
     const licence = element('eula')?.getAttribute('path') ?? '';
     const licenceText = carried(licence) ? await textOf(file, carried(licence)).catch(() => '') : `${licence} is missing.`;
-    const buttons = (...texts) => make('div', {className: 'buttons', 'aria-hidden': true},
-      ...texts.map((label, i) => make('span', {className: texts.length - 2 - i === 1 ? 'off' : ''}, label)));
-    const labels = chosen?.getAttribute('code') === '0x0407' ? ['< Zurück', 'Weiter >', 'Abbrechen'] : ['< Back', 'Next >', 'Cancel'];
     const page = (className, ...children) => make('figure', {className: 'window', 'aria-label': `The ${className} page`},
-      make('figcaption', {}, text('dpinstTitle')), make('div', {className}, ...children), buttons(...labels));
+      make('figcaption', {}, text('dpinstTitle')), make('div', {className}, ...children),
+      make('div', {className: 'buttons', 'aria-hidden': true},
+        ...['< Back', 'Next >', 'Cancel'].map((label) => make('span', {}, label))));
     drawings.replaceChildren(
       page('welcome', watermark?.kind.startsWith('Windows bitmap') ? imageOf(file, watermark) : null,
         make('div', {}, make('strong', {}, text('welcomeTitle')), text('welcomeIntro'))),
