@@ -36,29 +36,26 @@ def cells(row):
 
 def explanations(markdown):
     """The rows '| `code` | meaning | mending |' of all tables."""
-    rows = [cells(line) for line in markdown.splitlines() if re.match(r"\| *`[a-z0-9-]+` *\|", line)]
+    rows = [cells(line) for line in markdown.splitlines() if line.startswith("| `")]
     if not rows or any(len(row) != 3 for row in rows):
         sys.exit("assemble.py: the findings have no table with three columns")
     return {code: parts for code, *parts in ([plain(cell) for cell in row] for row in rows)}
 
 
+def row_of(line, tag):
+    return "<tr>" + "".join(f"<{tag}>{html.escape(plain(cell))}</{tag}>" for cell in cells(line)) + "</tr>"
+
+
 def as_html(markdown):
-    """Headings, tables and fenced texts; of any other text, the lines as they are."""
+    """Headings and tables; of any other text, the lines as they are."""
     result = []
-    for block in re.findall(r"^```.*?^```$|(?:^(?!```).+\n?)+", markdown, re.M | re.S):
-        lines = block.strip("\n").splitlines()
-        text = html.escape(plain(block))
-        if block.startswith("```"):
-            result.append("<pre>" + html.escape("\n".join(lines[1:-1])) + "</pre>")
-        elif block.startswith("#"):
-            result.append(f"<h3>{text.lstrip('# ')}</h3>")
-        elif block.startswith("|"):
-            rows = [cells(line) for line in lines if not re.fullmatch(r"[|: -]+", line.strip())]
-            body = "".join("<tr>" + "".join(f"<td>{html.escape(plain(c))}</td>" for c in row) + "</tr>" for row in rows[1:])
-            head = "".join(f'<th scope="col">{html.escape(plain(c))}</th>' for c in rows[0])
-            result.append(f"<table><thead><tr>{head}</tr></thead><tbody>{body}</tbody></table>")
+    for block in re.split(r"\n\n+", re.sub(r"^```.*\n", "", markdown, flags=re.M).strip()):
+        if block.startswith("|"):
+            head, _, *rows = block.splitlines()
+            result.append("<table>" + row_of(head, "th") + "".join(row_of(row, "td") for row in rows) + "</table>")
         else:
-            result.append(f"<p>{text}</p>")
+            tag = "h3" if block.startswith("#") else "p"
+            result.append(f"<{tag}>{html.escape(plain(block.lstrip('# ')))}</{tag}>")
     return "\n".join(result)
 
 

@@ -31,16 +31,10 @@ struct OpenFile {
 
 std::array<std::optional<OpenFile>, 2> files;
 
-// Throws every error of the structure, as the commands do that need a sound file.
+// Fails like the commands that need a sound file.
 const Inspection& InspectionOf(OpenFile& file) {
-  std::string faults;
-  for (const Finding& finding : file.installer.findings) {
-    if (finding.severity == Severity::Error) {
-      faults += (faults.empty() ? "" : "; ") + finding.where + (finding.where.empty() ? "" : ": ") + finding.what;
-    }
-  }
-  if (!faults.empty()) {
-    throw std::runtime_error(faults);
+  if (file.installer.findings.HasError()) {
+    throw std::runtime_error("The structure of " + file.name + " is not sound, so its contents cannot be read.");
   }
   if (!file.inspection) {
     file.inspection = Inspect(file.installer);
@@ -67,8 +61,8 @@ struct NamedReport {
 
 const NamedReport kReports[] = {
     {"verifyJson", [](OpenFile& file) { return VerifyJson(file.name, VerifyInstaller(file.installer, {})); }},
-    {"listJson", [](OpenFile& file) { return ListJson(InspectionOf(file)); }},
-    {"listText", [](OpenFile& file) { return ListText(InspectionOf(file)); }},
+    {"listJson", [](OpenFile& file) { return ListJson(file.name, InspectionOf(file)); }},
+    {"listText", [](OpenFile& file) { return ListText(file.name, InspectionOf(file)); }},
     {"sha256", [](OpenFile& file) { return Sha256Hex(file.installer.bytes); }},
     {"preview", [](OpenFile& file) { return PreviewDpinstConfig(IdentityOf(file), false); }},
     {"previewXp", [](OpenFile& file) { return PreviewDpinstConfig(IdentityOf(file), true); }},

@@ -3,12 +3,11 @@
 
 const find = (selector, within = document) => within.querySelector(selector);
 const explanations = JSON.parse(find('#explanations').textContent);
-const program = new Blob([find('#worker').textContent], {type: 'text/javascript'});
+const program = URL.createObjectURL(new Blob([find('#worker').textContent], {type: 'text/javascript'}));
 const input = find('input[type=file]');
 const results = find('#results');
 const viewer = find('#viewer');
 let worker = null;
-let imageUrls = [];
 
 // An element with properties, and attributes where a name has a hyphen. Children that are null are left out.
 function make(tag, properties = {}, ...children) {
@@ -47,22 +46,20 @@ function say(state, text, share) {
 function open(files) {
   worker?.terminate();
   results.replaceChildren();
-  imageUrls.forEach((url) => URL.revokeObjectURL(url));
-  imageUrls = [];
-  if (viewer.open) viewer.close();
+  viewer.close();
   if (files.length === 0) return;
   const end = (state, text) => {
     worker.terminate();
     say(state, text);
   };
   say('working', 'Starting');
-  const url = URL.createObjectURL(program);
-  worker = new Worker(url);
+  worker = new Worker(program);
   worker.onmessage = ({data}) => {
     if (data.stage) say('working', data.stage, data.share);
     if (data.failure) end('failed', data.failure);
     if (data.reports) {
-      showReports(files, data.reports);
+      if (files.length === 2) results.append(comparison(files, data.reports[2]));
+      results.append(...files.map((file, i) => report(file, data.reports[i])));
       end('done', `Examined ${files.map((file) => file.name).join(' and ')}.`);
     }
   };
@@ -71,12 +68,6 @@ function open(files) {
     end('failed', 'This browser ended the examination. The file may need more memory than the browser has for it.');
   };
   files.length > 2 ? end('failed', 'This page takes one file, or two to compare.') : worker.postMessage(files);
-  URL.revokeObjectURL(url);
-}
-
-function showReports(files, reports) {
-  if (files.length === 2) results.append(comparison(files, reports[2]));
-  files.forEach((file, i) => results.append(report(file, reports[i])));
 }
 
 // The signatures of a file as text with what was found about each.
@@ -94,7 +85,8 @@ function verdict(findings) {
   if (findings.length === 0) {
     return {level: 'good', text: 'In order', meaning: 'No check found anything wrong with this file.'};
   }
-  const text = [errors && counted(errors, 'error'), warnings && counted(warnings, 'warning')].filter(Boolean).join(', ');
+  const counts = [[errors, 'error'], [warnings, 'warning']].filter(([count]) => count > 0);
+  const text = counts.map(([count, noun]) => counted(count, noun)).join(', ');
   return errors ? {level: 'bad', text, meaning: 'With an error, the installer fails or installs something wrong.'} :
     {level: 'warn', text, meaning: 'No run fails because of a warning, but somebody should look at it.'};
 }
@@ -113,44 +105,42 @@ function findingItem(finding) {
 function ticket(file, reports, findings, contents) {
   const lines = findings.flatMap((finding) => [`  ${finding.severity}: ${findingText(finding)} [${finding.code}]`,
     ...(explanations[finding.code] ?? []).map((text) => `      ${text}`)]);
-  return [file.name, `${bytesText(file.size)}, SHA-256 ${contents?.file?.sha256 ?? reports.sha256}`, '',
+  return [`${file.name}, ${bytesText(file.size)}`, `SHA-256 ${contents?.file.sha256 ?? reports.sha256}`, '',
     `Verdict: ${verdict(findings).text}`, ...lines, '', reports.listText ?? reports.listJsonFault].join('\n');
 }
 
+const kRowLimit = 1000;
 function report(file, reports) {
   const article = clone('report');
   const contents = JSON.parse(reports.listJson);
-  const {findings, signatures: verified} = JSON.parse(reports.verifyJson);
+  const {file: name, findings, signatures: verified} = JSON.parse(reports.verifyJson);
   const signed = contents ? contents.signatures : verified;
   const {level, text, meaning} = verdict(findings);
-  article.setAttribute('aria-label', file.name);
-  find('.name', article).textContent = file.name;
+  find('.name', article).textContent = name;
   find('.badge', article).textContent = text;
   find('.badge', article).classList.add(level);
   const program = contents?.program;
   fill(find('.file', article), [
-    ['Name', file.name],
+    ['Name', name],
     ['Kind', contents ? (contents.installer ? 'Installer' : 'Payload archive') : null],
     ['Size', bytesText(file.size)],
-    ['SHA-256', code(contents?.file?.sha256 ?? reports.sha256)],
+    ['SHA-256', code(contents?.file.sha256 ?? reports.sha256)],
     ['Version', contents?.version],
-    ['Program', program ? make('span', {}, 'fingerprint ', code(program.fingerprint)) : null],
-    ['Wizard texts', program ? (program.textsKnown ? 'the texts that this page knows' :
-      make('span', {className: 'warn'}, 'not the texts that this page knows: the wizard can differ from the drawing')) : null],
+    ['Program', program && make('span', {}, 'fingerprint ', code(program.fingerprint))],
+    ['Wizard texts', program && (program.textsKnown ? 'the texts that this page knows' :
+      make('span', {className: 'warn'}, 'other texts than this page knows: devices and wizard below are a guess'))],
     ['Signed by', signed ? signatures(signed) : signed === null ? 'nobody: the file has no signature' : null]]);
-  find('.signature-note', article).textContent =
-    'Whether Windows trusts a signer, by certificate chain, date and revocation, is not judged.';
   find('.verdict', article).append(make('div', {className: `banner ${level}`}, text, make('p', {}, meaning)),
     make('ul', {className: 'findings'}, ...findings.map(findingItem)));
   if (contents) {
     showDriver(article, contents);
-    find('.files', article).append(filesTable(file, contents.files));
+    find('.files', article).append(filesTable(file, contents.files.slice(0, kRowLimit)));
+    find('.more', article).hidden = contents.files.length <= kRowLimit;
     if (contents.installer || contents.package) showWizard(article, file, contents, reports);
     else find('.wizard', article).remove();
   } else {
     article.querySelectorAll('.content').forEach((section) => section.remove());
-    find('.verdict', article).append(make('p', {className: 'note'},
-      'The structure of this file is not sound, so its contents cannot be shown.'));
+    find('.verdict', article).append(make('p', {className: 'note'}, reports.listJsonFault));
   }
   setCopy(find('[data-action=copy]', article), ticket(file, reports, findings, contents));
   find('[data-action=print]', article).onclick = () => print();
@@ -168,25 +158,18 @@ function setCopy(button, text) {
   };
 }
 
-// "02/13/2014,1.0.42.0" as date and version. Any other value is the version as it is.
-function driverVersion(text) {
-  const [, month, day, year, version] = /^(\d\d?)\/(\d\d?)\/(\d{4}),([\d.]+)$/.exec(text) ?? [];
-  const date = new Date(Date.UTC(year, month - 1, day));
-  if (date.getUTCMonth() !== month - 1) return [['Version', text]];
-  const words = date.toLocaleDateString('en-GB', {dateStyle: 'long', timeZone: 'UTC'});
-  return [['Version', version], ['Date', `${words} (${text.split(',')[0]} in the INF)`]];
-}
-
 function showDriver(article, {package: driver, files}) {
   const terms = find('.driver', article);
   if (!driver) {
     fill(terms, [['INF', 'none, so this file carries no driver package']]);
     return;
   }
+  const [date, version] = driver.version?.split(',') ?? [];
   const named = (isIn) => files.filter(({inCatalog}) => inCatalog === isIn).map(({name}) => name).join(', ');
   fill(terms, [
     ['INF', driver.inf],
-    ...driverVersion(driver.version),
+    ['Version', version],
+    ['Date', date && `${date} (month/day/year)`],
     ['Display name', driver.displayName],
     ['Device family', driver.family],
     ['Devices', driver.devices?.join(', ')],
@@ -204,48 +187,46 @@ function showDriver(article, {package: driver, files}) {
     ['Not covered', named(false) && make('span', {className: 'bad'}, named(false))]]);
 }
 
-// The columns of the table of files: heading, value to sort by, cell.
+// The columns of the table of files: heading, and the value to show and to sort by.
 const covered = (inCatalog) => inCatalog === null ? '' : inCatalog ? 'yes' : 'NO';
-const signers = (file) => (file.signatures ?? []).map(({signer, fault}) => (signer ?? 'no name') + (fault ? ' (BROKEN)' : '')).join(', ');
+const signer = ({signer: name, fault}) => (name ?? 'a signer without a name') + (fault ? ' (BROKEN)' : '');
 const columns = [
   ['Archive', (file) => file.archive],
   ['Name', (file) => file.name],
-  ['Size', (file) => file.size, (file) => file.size.toLocaleString('en')],
+  ['Size', (file) => file.size],
   ['Version', (file) => file.version ?? ''],
   ['Kind', (file) => file.kind],
-  ['Signer', signers],
+  ['Signer', (file) => (file.signatures ?? []).map(signer).join(', ')],
   ['In catalog', (file) => covered(file.inCatalog)],
 ];
 
+// Roles for a screen reader: on a narrow screen, the style makes a list of the table.
 function filesTable(file, items) {
-  const roled = (tag, role, ...rest) => make(tag, {role, ...rest[0]}, ...rest.slice(1));
-  const rows = items.map((item) => ({item, row: roled('tr', 'row', {}, ...columns.map(([heading, value, shown]) =>
-    roled('td', 'cell', {'data-label': heading, className: (heading === 'Size' ? 'number' : '') +
-      (/BROKEN|^NO$/.test(value(item)) && heading !== 'Name' ? ' bad' : '')}, `${(shown ?? value)(item)}`)),
-    roled('td', 'cell', {className: 'actions'},
-      make('button', {className: 'small', 'aria-label': `View ${item.name}`, onclick: () => viewItem(file, item)}, 'View'),
-      make('button', {className: 'small', 'aria-label': `Save ${item.name}`, onclick: () => save(file, item)}, 'Save')))}));
-  const body = roled('tbody', 'rowgroup', {}, ...rows.map(({row}) => row));
-  const headings = columns.map(([heading, value]) => {
-    const cell = roled('th', 'columnheader', {scope: 'col', className: heading === 'Size' ? 'number' : ''},
-      make('button', {onclick: () => {
-        const factor = cell.ariaSort === 'ascending' ? -1 : 1;
-        headings.forEach((other) => other.removeAttribute('aria-sort'));
-        cell.setAttribute('aria-sort', factor === 1 ? 'ascending' : 'descending');
-        const compare = (a, b) => typeof a === 'number' ? a - b : a.localeCompare(b, 'en', {numeric: true});
-        rows.sort((a, b) => factor * compare(value(a.item), value(b.item)));
-        body.append(...rows.map(({row}) => row));
-      }}, heading));
-    return cell;
-  });
-  const last = roled('th', 'columnheader', {scope: 'col', 'aria-label': 'Actions'});
-  return roled('table', 'table', {}, roled('thead', 'rowgroup', {}, roled('tr', 'row', {}, ...headings, last)), body);
+  const cellOf = (item, [heading, value]) => make('td', {role: 'cell', 'data-label': heading,
+    className: heading === 'Size' ? 'number' : heading !== 'Name' && /BROKEN|NO$/.test(value(item)) ? 'bad' : ''},
+  value(item).toLocaleString('en'));
+  const button = (label, item, act) =>
+    make('button', {'aria-label': `${label} ${item.name}`, onclick: () => act(file, item)}, label);
+  const rows = items.map((item) => [item, make('tr', {role: 'row'}, ...columns.map((column) => cellOf(item, column)),
+    make('td', {role: 'cell', className: 'actions'}, button('View', item, viewItem), button('Save', item, save)))]);
+  const body = make('tbody', {role: 'rowgroup'}, ...rows.map(([, row]) => row));
+  const headings = columns.map(([heading, value]) => make('th', {role: 'columnheader', scope: 'col',
+    className: heading === 'Size' ? 'number' : ''}, make('button', {onclick: ({target}) => {
+    const factor = target.parentNode.getAttribute('aria-sort') === 'ascending' ? -1 : 1;
+    headings.forEach((other) => other.removeAttribute('aria-sort'));
+    target.parentNode.setAttribute('aria-sort', factor === 1 ? 'ascending' : 'descending');
+    const compare = (a, b) => typeof a === 'number' ? a - b : a.localeCompare(b, 'en', {numeric: true});
+    rows.sort(([a], [b]) => factor * compare(value(a), value(b)));
+    body.append(...rows.map(([, row]) => row));
+  }}, heading)));
+  const head = make('tr', {role: 'row'}, ...headings, make('td', {}));
+  return make('table', {role: 'table'}, make('thead', {role: 'rowgroup'}, head), body);
 }
 
 const part = (file, item, type) => file.slice(item.fileOffset, item.fileOffset + item.size, type);
 const imageOf = (file, item) => {
-  imageUrls.push(URL.createObjectURL(part(file, item, 'image/bmp')));
-  return make('img', {src: imageUrls.at(-1), alt: item.name});
+  const src = URL.createObjectURL(part(file, item, 'image/bmp'));
+  return make('img', {src, alt: item.name, onload: () => URL.revokeObjectURL(src)});
 };
 
 function save(file, item) {
@@ -263,9 +244,9 @@ function view(title, ...content) {
 
 // A text by its kind, with the characters that change the direction of the text around them made visible.
 const kTextLimit = 2 ** 20;
+const encodings = [['UTF-16 text, b', 'utf-16be'], ['UTF-16', 'utf-16le'], ['8-bit', 'windows-1252'], ['', 'utf-8']];
 async function textOf(file, item) {
-  const encoding = /UTF-16 text, little/.test(item.kind) ? 'utf-16le' : /UTF-16 text, big/.test(item.kind) ? 'utf-16be' :
-    /^8-bit/.test(item.kind) ? 'windows-1252' : 'utf-8';
+  const [, encoding] = encodings.find(([kind]) => item.kind.startsWith(kind));
   const bytes = await part(file, item).slice(0, kTextLimit).arrayBuffer();
   return new TextDecoder(encoding).decode(bytes).replace(/[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g,
     (character) => `[U+${character.charCodeAt(0).toString(16).toUpperCase().padStart(4, '0')}]`);
@@ -300,9 +281,9 @@ function showWizard(article, file, {files, program}, reports) {
   const showXml = () => find('pre', section).textContent = new TextDecoder().decode(reports[editionSelect.value]);
   editionSelect.onchange = showXml;
   showXml();
-  find('.note', section).textContent = 'A drawing with the texts of dpinst.xml. Windows adds buttons and hints in its own words.' +
-    (reports.doubt ? ` The INF ${reports.doubt}, so the texts are a guess.` : '') +
-    (program?.textsKnown === false ? ' This installer has other texts than this page, so its wizard differs.' : '');
+  find('.note', section).append(
+    reports.doubt ? ` The INF ${reports.doubt}, so the texts are a guess.` : '',
+    program?.textsKnown === false ? ' The installer has other texts than this page knows, so this is a guess.' : '');
 
   const parsed = new DOMParser().parseFromString(new TextDecoder().decode(reports.preview), 'text/xml');
   const languages = [...parsed.querySelectorAll('language')];
@@ -317,14 +298,14 @@ function showWizard(article, file, {files, program}, reports) {
     languageSelect.append(make('option', {value}, `${name} (${value})`));
   }
   const draw = async () => {
-    const chosen = languages.find((language) => language.getAttribute('code') === languageSelect.value);
+    const chosen = languages[languageSelect.selectedIndex];
     const element = (name) => find(name, chosen) ?? find(`:scope > ${name}`, parsed.documentElement);
     const text = (name) => element(name)?.textContent.trim() ?? '';
     const carried = (name) => files.find((item) => item.name.toUpperCase() === name.toUpperCase());
     const watermark = carried(text('watermarkPath'));
     const licence = element('eula')?.getAttribute('path') ?? '';
-    const licenceText = carried(licence) ? await textOf(file, carried(licence)).catch(() => '') : `${licence} is missing.`;
-    const page = (className, ...children) => make('figure', {className: 'window', 'aria-label': `The ${className} page`},
+    const licenceText = await textOf(file, carried(licence)).catch(() => `${licence} cannot be shown.`);
+    const page = (className, ...children) => make('figure', {className: 'window', 'aria-label': `${className} page`},
       make('figcaption', {}, text('dpinstTitle')), make('div', {className}, ...children),
       make('div', {className: 'buttons', 'aria-hidden': true},
         ...['< Back', 'Next >', 'Cancel'].map((label) => make('span', {}, label))));
@@ -351,22 +332,25 @@ function comparison(files, reports) {
   const result = JSON.parse(reports.compareJson);
   groups.append(make('p', {}, result?.alike ? `${before} and ${after} do not differ.` : `From ${before} to ${after}:`));
   if (!result) {
-    groups.append(make('p', {className: 'bad'}, `They cannot be compared: ${reports.compareJsonFault}.`));
+    groups.append(make('p', {className: 'bad'}, reports.compareJsonFault));
   } else {
+    group('Installer', changes(result.installer));
+    group('Parts of the program that differ', result.programParts);
     group('Driver package', changes(result.package));
-    group('Installer', changes(result.installer ?? []));
     group('Files removed', result.removed.map(fileText));
     group('Files added', result.added.map(fileText));
+    group('Order', result.orderChanged ? ['The files have another order.'] : []);
     group('Files changed', result.changed.map(({name, changes: all}) => `${name}: ${changes(all).join('; ')}`));
     // Most changes are the same in the elements of all languages.
-    const runs = new Map();
-    result.configuration.forEach((run) => runs.set(JSON.stringify(run), (runs.get(JSON.stringify(run)) ?? 0) + 1));
-    group('dpinst.xml', [...runs].map(([run, times]) => make('div', {className: 'code'},
-      times > 1 ? make('p', {className: 'muted'}, `${times} times:`) : null,
-      ...['removed', 'added'].flatMap((kind) => JSON.parse(run)[kind].map((line) => make('p', {className: kind}, line))))));
+    const runs = result.configuration.map((run) => JSON.stringify(run));
+    group('dpinst.xml', [...new Set(runs)].map((run) => make('div', {className: 'code'},
+      make('p', {className: 'muted'}, counted(runs.filter((other) => other === run).length, 'time')),
+      ...JSON.parse(run).removed.map((line) => make('p', {className: 'removed'}, `\u2212 ${line}`)),
+      ...JSON.parse(run).added.map((line) => make('p', {className: 'added'}, `+ ${line}`)))));
   }
   find('[data-action=swap]', article).onclick = () => open([...files].reverse());
-  setCopy(find('[data-action=copy]', article), `From ${before} to ${after}:\n\n${reports.compareText ?? reports.compareJsonFault}`);
+  setCopy(find('[data-action=copy]', article),
+    `From ${before} to ${after}:\n\n${reports.compareText ?? reports.compareJsonFault}`);
   return article;
 }
 
@@ -385,5 +369,7 @@ addEventListener('drop', (event) => {
   document.body.classList.remove('dragging');
   open([...event.dataTransfer.files]);
 });
-addEventListener('beforeprint', () => document.querySelectorAll('.driver details').forEach((details) => details.open = true));
+addEventListener('beforeprint', () => {
+  document.querySelectorAll('.driver details').forEach((details) => details.open = true);
+});
 say('ready', 'No file is chosen yet.');

@@ -1,5 +1,5 @@
 // Runs kwapayload on the one or two files that the page sends. Answers with messages:
-//   {stage, share}   what it does now; share: how much of it is done, from 0 to 1, or nothing where that is not known
+//   {stage, share}   what it does now, and how much of that is done, from 0 to 1 or not known
 //   {reports}        the end: an object of reports for each file; with two files, a third object for what differs
 //   {failure}        the end: one sentence
 // A report that cannot be made is null, and its reason is there under the name with "Fault".
@@ -11,12 +11,6 @@ const kChunk = 8 * 2 ** 20;
 self.fetch = undefined;
 
 class Failure extends Error {}
-
-// The bytes at a place in the program's memory that grows: a pointer above 2 GiB comes as a negative number.
-const readText = (kwapayload, pointer) => {
-  const begin = pointer >>> 0;
-  return kwapayload.HEAPU8.slice(begin, kwapayload.HEAPU8.indexOf(0, begin));
-};
 
 async function readFile(kwapayload, file) {
   if (file.size > kMaximum) {
@@ -39,7 +33,10 @@ async function readFile(kwapayload, file) {
 onmessage = async ({data: files}) => {
   try {
     const kwapayload = await StartKwapayload();
-    const result = () => readText(kwapayload, kwapayload._KwaResult());
+    const result = () => {
+      const begin = kwapayload._KwaResult() >>> 0; // above 2 GiB, a pointer comes as a negative number
+      return kwapayload.HEAPU8.slice(begin, kwapayload.HEAPU8.indexOf(0, begin));
+    };
     const utf8 = new TextDecoder();
 
     const report = (number, reports, ...names) => {
@@ -62,7 +59,7 @@ onmessage = async ({data: files}) => {
       const reports = {};
       report(number, reports, 'listJson', 'verifyJson', 'listText', 'preview', 'previewXp', 'doubt');
       // The list of contents has the digest already.
-      if (!JSON.parse(reports.listJson)?.file) report(number, reports, 'sha256');
+      if (!reports.listJson) report(number, reports, 'sha256');
       all.push(reports);
     }
     if (files.length === 2) {
@@ -73,6 +70,6 @@ onmessage = async ({data: files}) => {
     }
     postMessage({reports: all});
   } catch (error) {
-    postMessage({failure: error instanceof Failure ? error.message : `This browser could not examine the file: ${error.message ?? error}.`});
+    postMessage({failure: error instanceof Failure ? error.message : `This browser cannot examine the file: ${error}`});
   }
 };
