@@ -2,10 +2,7 @@
 """Puts the page together: one HTML file that loads nothing.
 
 usage: assemble.py PROGRAM FINDINGS LICENCES VERSION OUTPUT
-  PROGRAM   the JavaScript with the WebAssembly, as Emscripten makes it
-  FINDINGS  docs/findings.md: its table explains the findings
-  LICENCES  THIRD-PARTY.md
-  VERSION   of the page, in words
+PROGRAM is Emscripten's JavaScript, FINDINGS docs/findings.md, LICENCES THIRD-PARTY.md, VERSION words about the page.
 """
 import base64
 import hashlib
@@ -27,7 +24,7 @@ def read(path):
 
 def plain(markdown):
     """A line without its marks for code, emphasis and links."""
-    return re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", markdown).replace("`", "").replace("**", "").replace("\\|", "|").strip()
+    return re.sub(r"`|\*\*|\\(?=\|)", "", re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", markdown)).strip()
 
 
 def cells(row):

@@ -42,7 +42,9 @@ const Inspection& InspectionOf(OpenFile& file) {
   return *file.inspection;
 }
 
-Comparison CompareBoth() { return Compare(InspectionOf(files[0].value()), InspectionOf(files[1].value())); }
+Comparison CompareBoth() {
+  return Compare(InspectionOf(files[0].value()), InspectionOf(files[1].value()));
+}
 
 PackageIdentity IdentityOf(OpenFile& file) {
   const Inspection& inspection = InspectionOf(file);
@@ -73,14 +75,14 @@ const NamedReport kReports[] = {
 
 std::string result;  // of the last call
 
-// Whether the call could be done. If not, the result is a phrase that says why.
+// Whether the call could be done. If not, the result is a sentence with the reason.
 template <typename Call>
 bool Done(Call call) {
   try {
     result = call();
     return true;
   } catch (const std::bad_alloc&) {
-    result = "needs more memory than this browser has for it";
+    result = "This browser has too little memory for the file.";
   } catch (const std::exception& error) {
     result = Escaped(error.what());
   }
@@ -96,7 +98,7 @@ extern "C" EMSCRIPTEN_KEEPALIVE bool KwaOpen(unsigned number, const std::uint8_t
   return kwa::Done([&] {
     kwa::Result<kwa::InstallerFile> installer = kwa::ReadInstallerFile({bytes, size});
     if (!installer) {
-      throw std::runtime_error(installer.error().what);
+      throw std::runtime_error(name + (' ' + installer.error().what) + '.');
     }
     kwa::files.at(number) = {name, std::move(*installer), std::nullopt};
     return std::string();
@@ -116,4 +118,6 @@ extern "C" EMSCRIPTEN_KEEPALIVE bool KwaReport(unsigned number, const char* name
 }
 
 // What the last call left: a report or a reason, zero-terminated, until the next call.
-extern "C" EMSCRIPTEN_KEEPALIVE const char* KwaResult() { return kwa::result.c_str(); }
+extern "C" EMSCRIPTEN_KEEPALIVE const char* KwaResult() {
+  return kwa::result.c_str();
+}

@@ -3,7 +3,7 @@
 
 const find = (selector, within = document) => within.querySelector(selector);
 const explanations = JSON.parse(find('#explanations').textContent);
-const program = URL.createObjectURL(new Blob([find('#worker').textContent], {type: 'text/javascript'}));
+const workerUrl = URL.createObjectURL(new Blob([find('#worker').textContent], {type: 'text/javascript'}));
 const input = find('input[type=file]');
 const results = find('#results');
 const viewer = find('#viewer');
@@ -19,7 +19,7 @@ function make(tag, properties = {}, ...children) {
   return element;
 }
 
-const list = (items, properties) => make('ul', properties, ...items.map((item) => make('li', {}, item)));
+const list = (items) => make('ul', {}, ...items.map((item) => make('li', {}, item)));
 const clone = (id) => find(`#${id}`).content.firstElementChild.cloneNode(true);
 const bytesText = (size) => `${size.toLocaleString('en')} bytes`;
 const counted = (count, noun) => `${count} ${noun}${count === 1 ? '' : 's'}`;
@@ -53,7 +53,7 @@ function open(files) {
     say(state, text);
   };
   say('working', 'Starting');
-  worker = new Worker(program);
+  worker = new Worker(workerUrl);
   worker.onmessage = ({data}) => {
     if (data.stage) say('working', data.stage, data.share);
     if (data.failure) end('failed', data.failure);
@@ -63,10 +63,7 @@ function open(files) {
       end('done', `Examined ${files.map((file) => file.name).join(' and ')}.`);
     }
   };
-  worker.onerror = (event) => {
-    event.preventDefault();
-    end('failed', 'This browser ended the examination. The file may need more memory than the browser has for it.');
-  };
+  worker.onerror = () => end('failed', 'This browser ended the examination, perhaps because its memory is full.');
   files.length > 2 ? end('failed', 'This page takes one file, or two to compare.') : worker.postMessage(files);
 }
 
@@ -95,7 +92,7 @@ const findingText = ({where, what}) => (where ? `${where}: ` : '') + what;
 
 function findingItem(finding) {
   const [meaning, mending] = explanations[finding.code] ?? [];
-  return make('li', {},
+  return make('div', {className: 'finding'},
     make('p', {}, make('span', {className: finding.severity === 'error' ? 'bad' : 'warn'}, `${finding.severity}: `),
       findingText(finding), ' ', make('span', {className: 'code muted'}, `[${finding.code}]`)),
     meaning ? make('p', {className: 'muted'}, meaning) : null,
@@ -131,7 +128,7 @@ function report(file, reports) {
       make('span', {className: 'warn'}, 'other texts than this page knows: devices and wizard below are a guess'))],
     ['Signed by', signed ? signatures(signed) : signed === null ? 'nobody: the file has no signature' : null]]);
   find('.verdict', article).append(make('div', {className: `banner ${level}`}, text, make('p', {}, meaning)),
-    make('ul', {className: 'findings'}, ...findings.map(findingItem)));
+    ...findings.map(findingItem));
   if (contents) {
     showDriver(article, contents);
     find('.files', article).append(filesTable(file, contents.files.slice(0, kRowLimit)));
@@ -148,22 +145,14 @@ function report(file, reports) {
 }
 
 function setCopy(button, text) {
-  button.onclick = async () => {
-    try {
-      await navigator.clipboard.writeText(text);
-      find('#status').textContent = 'Copied.';
-    } catch {
-      view('Copy this text', make('pre', {tabIndex: 0}, text));
-    }
-  };
+  const tell = () => find('#status').textContent = button.textContent = 'Copied for a ticket';
+  const show = () => view('Copy this text', make('pre', {tabIndex: 0}, text));
+  button.onclick = () => (navigator.clipboard?.writeText(text) ?? Promise.reject()).then(tell, show);
 }
 
 function showDriver(article, {package: driver, files}) {
   const terms = find('.driver', article);
-  if (!driver) {
-    fill(terms, [['INF', 'none, so this file carries no driver package']]);
-    return;
-  }
+  if (!driver) return fill(terms, [['INF', 'none, so this file carries no driver package']]);
   const [date, version] = driver.version?.split(',') ?? [];
   const named = (isIn) => files.filter(({inCatalog}) => inCatalog === isIn).map(({name}) => name).join(', ');
   fill(terms, [
@@ -261,8 +250,8 @@ async function viewItem(file, item) {
   if (item.kind.startsWith('Windows bitmap')) content.push(imageOf(file, item));
   if (item.kind.includes(' text')) {
     const text = await textOf(file, item).catch(() => 'The file cannot be read any more.');
-    if (item.size > kTextLimit) content.push(make('p', {className: 'note'}, 'This is the first megabyte of the text.'));
-    content.push(make('pre', {tabIndex: 0, 'aria-label': `Text of ${item.name}`}, text));
+    const end = item.size > kTextLimit ? '\n\n(Only the first megabyte is shown.)' : '';
+    content.push(make('pre', {tabIndex: 0, 'aria-label': `Text of ${item.name}`}, text + end));
   }
   view(item.name, ...content);
 }
@@ -292,11 +281,8 @@ function showWizard(article, file, {files, program}, reports) {
     languageSelect.closest('p').remove();
     return;
   }
-  for (const language of languages) {
-    const value = language.getAttribute('code');
-    const name = languageTags[value] ? languageNames.of(languageTags[value]) : value;
-    languageSelect.append(make('option', {value}, `${name} (${value})`));
-  }
+  languageSelect.append(...languages.map((language) => language.getAttribute('code')).map((value) => make('option',
+    {value}, value in languageTags ? `${languageNames.of(languageTags[value])} (${value})` : value)));
   const draw = async () => {
     const chosen = languages[languageSelect.selectedIndex];
     const element = (name) => find(name, chosen) ?? find(`:scope > ${name}`, parsed.documentElement);

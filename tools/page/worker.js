@@ -18,7 +18,7 @@ async function readFile(kwapayload, file) {
   }
   const begin = kwapayload._malloc(Math.max(file.size, 1)) >>> 0;
   if (begin === 0) {
-    throw new Failure(`${file.name} needs more memory than this browser has for it.`);
+    throw new Failure(`This browser has too little memory for ${file.name}.`);
   }
   for (let at = 0; at < file.size; at += kChunk) {
     postMessage({stage: `Reading ${file.name}`, share: at / file.size});
@@ -54,10 +54,11 @@ onmessage = async ({data: files}) => {
       postMessage({stage: `Computing digests and checking signatures of ${file.name}`});
       if (!kwapayload.ccall('KwaOpen', 'boolean', ['number', 'number', 'number', 'string'],
                             [number, begin, file.size, file.name])) {
-        throw new Failure(`${file.name} ${utf8.decode(result())}.`);
+        throw new Failure(utf8.decode(result()));
       }
       const reports = {};
       report(number, reports, 'listJson', 'verifyJson', 'listText', 'preview', 'previewXp', 'doubt');
+      if (!reports.verifyJson) throw new Failure(reports.verifyJsonFault);
       // The list of contents has the digest already.
       if (!reports.listJson) report(number, reports, 'sha256');
       all.push(reports);
