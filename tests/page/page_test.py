@@ -105,7 +105,8 @@ def check_facts(path):
     rows = browser.execute_script("""return [...document.querySelectorAll('.files tbody tr')].map(
         (row) => [...row.cells].slice(0, 7).map((cell) => cell.textContent))""")
     expected = [[file["archive"], file["name"], f"{file['size']:,}", file["version"] or "", file["kind"],
-                 ", ".join(signature["signer"] for signature in file["signatures"] or []),
+                 ", ".join(signature["signer"] + " (BROKEN)" * bool(signature["fault"])
+                           for signature in file["signatures"] or []),
                  {None: "", True: "yes", False: "NO"}[file["inCatalog"]]] for file in contents["files"]]
     check(rows == expected, f"{path.name}: {rows} instead of {expected}")
     del contents["files"]

@@ -1,5 +1,6 @@
 // What the page's worker calls: kwapayload's own reports, about files in memory.
 #include <emscripten.h>
+#include <openssl/crypto.h>
 
 #include <array>
 #include <cstdint>
@@ -95,6 +96,8 @@ bool Done(Call call) {
 // Reads a file, as number 0 or 1. The bytes stay where they are; the name is zero-terminated.
 extern "C" EMSCRIPTEN_KEEPALIVE bool KwaOpen(unsigned number, const std::uint8_t* bytes, std::size_t size,
                                              const char* name) {
+  // libcrypto would look for its configuration in a file.
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);
   return kwa::Done([&] {
     kwa::Result<kwa::InstallerFile> installer = kwa::ReadInstallerFile({bytes, size});
     if (!installer) {
