@@ -213,7 +213,7 @@ try:
     compared = tool_json("compare", installer, newer)
     for file in compared["removed"] + compared["added"]:
         check_shown([file[key] for key in ("archive", "name", "size", "kind")], ".comparison", newer.name)
-    check_shown([compared[key] for key in ("changed", "package", "installer", "programParts", "configuration")],
+    check_shown([compared[key] for key in ("changed", "package", "hardwareIds", "installer", "programParts", "configuration")],
                 ".comparison", newer.name)
     pictures("comparison")
 

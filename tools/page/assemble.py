@@ -44,7 +44,7 @@ def row_of(line, tag):
 
 
 def as_html(markdown):
-    """Headings and tables; of any other text, the lines as they are."""
+    """Headings and tables; of any other text, the paragraphs."""
     result = []
     for block in re.split(r"\n\n+", re.sub(r"^```.*\n", "", markdown, flags=re.M).strip()):
         if block.startswith("|"):
@@ -52,7 +52,8 @@ def as_html(markdown):
             result.append("<table>" + row_of(head, "th") + "".join(row_of(row, "td") for row in rows) + "</table>")
         else:
             tag = "h3" if block.startswith("#") else "p"
-            result.append(f"<{tag}>{html.escape(plain(block.lstrip('# ')))}</{tag}>")
+            text = re.sub(r"\n(?!- )", " ", plain(block.lstrip("# ")))
+            result.append(f"<{tag}>{html.escape(text)}</{tag}>")
     return "\n".join(result)
 
 

@@ -65,7 +65,7 @@ struct NamedReport {
 const NamedReport kReports[] = {
     {"verifyJson", [](OpenFile& file) { return VerifyJson(file.name, VerifyInstaller(file.installer, {})); }},
     {"listJson", [](OpenFile& file) { return ListJson(file.name, InspectionOf(file)); }},
-    {"listText", [](OpenFile& file) { return ListText(file.name, InspectionOf(file)); }},
+    {"listText", [](OpenFile& file) { return ListText(file.name, InspectionOf(file), 0); }},
     {"sha256", [](OpenFile& file) { return Sha256Hex(file.installer.bytes); }},
     {"preview", [](OpenFile& file) { return PreviewDpinstConfig(IdentityOf(file), false); }},
     {"previewXp", [](OpenFile& file) { return PreviewDpinstConfig(IdentityOf(file), true); }},

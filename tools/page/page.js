@@ -315,6 +315,9 @@ function comparison(files, reports) {
   const changes = (all) => all.map((change) => change.what === 'content' ? 'content alone' :
     `${change.what} ${change.before ?? 'none'} \u2192 ${change.after ?? 'none'}`);
   const fileText = ({name, archive, size, kind}) => `${name}: archive ${archive}, ${bytesText(size)}, ${kind}`;
+  const lines = (title, {removed, added}) => make('div', {className: 'code'}, title,
+    ...removed.map((line) => make('p', {className: 'bad'}, `\u2212 ${line}`)),
+    ...added.map((line) => make('p', {className: 'good'}, `+ ${line}`)));
   const result = JSON.parse(reports.compareJson);
   groups.append(make('p', {}, result?.alike ? `${before} and ${after} do not differ.` : `From ${before} to ${after}:`));
   if (!result) {
@@ -322,17 +325,17 @@ function comparison(files, reports) {
   } else {
     group('Installer', changes(result.installer));
     group('Parts of the program that differ', result.programParts);
-    group('Driver package', changes(result.package));
+    const rank = {older: ['For Setup, the driver is older.'], newer: ['For Setup, the driver is newer.']};
+    group('Driver package', [...changes(result.package), ...(rank[result.driverVersion] ?? [])]);
+    group('Hardware IDs', result.hardwareIds.map((ids) => lines(ids.platform, ids)));
     group('Files removed', result.removed.map(fileText));
     group('Files added', result.added.map(fileText));
     group('Order', result.orderChanged ? ['The files have another order.'] : []);
     group('Files changed', result.changed.map(({name, changes: all}) => `${name}: ${changes(all).join('; ')}`));
     // Most changes are the same in the elements of all languages.
     const runs = result.configuration.map((run) => JSON.stringify(run));
-    group('dpinst.xml', [...new Set(runs)].map((run) => make('div', {className: 'code'},
-      make('p', {className: 'muted'}, counted(runs.filter((other) => other === run).length, 'time')),
-      ...JSON.parse(run).removed.map((line) => make('p', {className: 'removed'}, `\u2212 ${line}`)),
-      ...JSON.parse(run).added.map((line) => make('p', {className: 'added'}, `+ ${line}`)))));
+    group('dpinst.xml', [...new Set(runs)].map((run) =>
+      lines(counted(runs.filter((other) => other === run).length, 'time'), JSON.parse(run))));
   }
   find('[data-action=swap]', article).onclick = () => open([...files].reverse());
   setCopy(find('[data-action=copy]', article),
@@ -341,9 +344,8 @@ function comparison(files, reports) {
 }
 
 input.onchange = () => {
-  const files = [...input.files];
+  open([...input.files]);
   input.value = '';
-  open(files);
 };
 addEventListener('dragover', (event) => {
   event.preventDefault();
@@ -355,7 +357,5 @@ addEventListener('drop', (event) => {
   document.body.classList.remove('dragging');
   open([...event.dataTransfer.files]);
 });
-addEventListener('beforeprint', () => {
-  document.querySelectorAll('.driver details').forEach((details) => details.open = true);
-});
+addEventListener('beforeprint', () => document.querySelectorAll('.driver details').forEach((all) => all.open = true));
 say('ready', 'No file is chosen yet.');

@@ -39,13 +39,15 @@ onmessage = async ({data: files}) => {
     };
     const utf8 = new TextDecoder();
 
-    const report = (number, reports, ...names) => {
+    const report = (number, ...names) => {
+      const reports = {};
       for (const name of names) {
         const isDone = kwapayload.ccall('KwaReport', 'boolean', ['number', 'string'], [number, name]);
         const bytes = result();
         reports[name] = isDone ? (name.startsWith('preview') ? bytes : utf8.decode(bytes)) : null;
         reports[`${name}Fault`] = isDone ? null : utf8.decode(bytes);
       }
+      return reports;
     };
 
     const all = [];
@@ -56,18 +58,14 @@ onmessage = async ({data: files}) => {
                             [number, begin, file.size, file.name])) {
         throw new Failure(utf8.decode(result()));
       }
-      const reports = {};
-      report(number, reports, 'listJson', 'verifyJson', 'listText', 'preview', 'previewXp', 'doubt');
+      const reports = report(number, 'listJson', 'verifyJson', 'listText', 'preview', 'previewXp', 'doubt');
       if (!reports.verifyJson) throw new Failure(reports.verifyJsonFault);
-      // The list of contents has the digest already.
-      if (!reports.listJson) report(number, reports, 'sha256');
+      if (!reports.listJson) Object.assign(reports, report(number, 'sha256'));
       all.push(reports);
     }
     if (files.length === 2) {
       postMessage({stage: 'Comparing the two files'});
-      const reports = {};
-      report(0, reports, 'compareJson', 'compareText');
-      all.push(reports);
+      all.push(report(0, 'compareJson', 'compareText'));
     }
     postMessage({reports: all});
   } catch (error) {
