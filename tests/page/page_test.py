@@ -146,7 +146,8 @@ def check_keyboard():
 
 
 def picture(name, width, scheme):
-    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia",
+                            {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
     browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
                             {"width": width, "height": 900, "deviceScaleFactor": 1, "mobile": False})
     time.sleep(0.3)
@@ -158,7 +159,7 @@ def picture(name, width, scheme):
 
 def pictures(name):
     for scheme in ("light", "dark"):
-        for width in (1200, 360):
+        for width in (1200, 800, 360):
             picture(f"{name}-{scheme}-{width}", width, scheme)
     browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
 
@@ -213,8 +214,8 @@ try:
     compared = tool_json("compare", installer, newer)
     for file in compared["removed"] + compared["added"]:
         check_shown([file[key] for key in ("archive", "name", "size", "kind")], ".comparison", newer.name)
-    check_shown([compared[key] for key in ("changed", "package", "hardwareIds", "installer", "programParts", "configuration")],
-                ".comparison", newer.name)
+    for key in ("changed", "package", "hardwareIds", "installer", "programParts", "configuration"):
+        check_shown(compared[key], ".comparison", newer.name)
     pictures("comparison")
 
     give(big)

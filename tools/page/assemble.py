@@ -46,7 +46,7 @@ def row_of(line, tag):
 def as_html(markdown):
     """Headings and tables; of any other text, the paragraphs."""
     result = []
-    for block in re.split(r"\n\n+", re.sub(r"^```.*\n", "", markdown, flags=re.M).strip()):
+    for block in re.split(r"\n\n+", re.sub(r"^(```.*\n|> ?)", "", markdown, flags=re.M).strip()):
         if block.startswith("|"):
             head, _, *rows = block.splitlines()
             result.append("<table>" + row_of(head, "th") + "".join(row_of(row, "td") for row in rows) + "</table>")
