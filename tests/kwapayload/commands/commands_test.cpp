@@ -101,7 +101,8 @@ TEST_F(Commands, FilesThatAreNoInstallers) {
     EXPECT_EQ(std::vector<std::string>{"file"}, NamesIn(folder.Path()));
   }
   ExpectFailure(RunTool({"list", folder / "none"}), folder.Path(), {"none: cannot be read: No such file or directory"});
-  ExpectFailure(RunTool({"list", folder.Path() + "/."}), folder.Path(), {".: is not a file"});
+  ExpectFailure(RunTool({"list", folder.Path() + "/."}), folder.Path(),
+                {".: is neither a payload folder with a and b nor the folder of a driver package with an INF"});
 }
 
 TEST_F(Commands, Verify) {
@@ -111,9 +112,10 @@ TEST_F(Commands, Verify) {
   const std::string warned = MakeFile("warned.exe", image.Bytes());
   image.SetText(image.Find("marlin_usb.inf").bodyPosition, "\xEF\xBB\xBF");
   const std::string failed = MakeFile("failed.exe", image.Bytes());
-  const std::string warning = "warning: archive A, marlin_usb.cat: the padding after its body is not zero\n";
+  const std::string warning = "warning: archive A, marlin_usb.cat: the padding after its body is not zero [padding]\n";
   const std::string error =
-      "error: package, marlin_usb.inf: begins with the byte-order mark of UTF-8, which not every Windows knows\n";
+      "error: package, marlin_usb.inf: begins with the byte-order mark of UTF-8, which not every Windows knows "
+      "[inf-encoding]\n";
   const struct {
     std::vector<std::string> arguments;
     int status;
@@ -125,9 +127,11 @@ TEST_F(Commands, Verify) {
       {{failed, "--allow-warnings"}, 1, warning + error},
       {{single, "--contents", KWA_CONTENTS, "--archive", "B"},
        1,
-       "error: archive B, dpinst.exe: has 1 bytes instead of 921992\nerror: archive B, dpinst64.exe: is missing\n"
-       "error: archive B, eula_de.txt: is missing\nerror: archive B, eula_en.txt: is missing\n"
-       "error: archive B, kwa.bmp: is missing\n"},
+       "error: archive B, dpinst.exe: has 1 bytes instead of 921992 [size]\nerror: archive B, dpinst64.exe: is missing "
+       "[missing-file]\n"
+       "error: archive B, eula_de.txt: is missing [missing-file]\nerror: archive B, eula_en.txt: is missing "
+       "[missing-file]\n"
+       "error: archive B, kwa.bmp: is missing [missing-file]\n"},
       {{single, "--contents", KWA_CONTENTS}, 2, ""},
       {{MakeFile("text", "text")}, 2, ""},
       {{folder / "missing.exe"}, 2, ""},
@@ -184,7 +188,7 @@ TEST_F(Commands, ComparePrintsDifferencesAndNothingElse) {
       {old, renewed, 1,
        "removed: gone: archive -, 1 bytes, 7-bit ASCII text, no line ends\n"
        "added: more: archive -, 2 bytes, 7-bit ASCII text, CR LF line ends\n"
-       "changed: changed: content alone\nchanged: LONGER: name longer -> LONGER; size 1 -> 2\n"},
+       "changed: changed: text, lines removed: 1, added: 1\nchanged: LONGER: name longer -> LONGER; size 1 -> 2\n"},
       {KWA_INSTALLER, MakeFile("next.exe", image.Bytes()), 1,
        "changed: marlin_usb.inf: in the catalog yes -> NO\n"
        "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0; display name Marlin USB -> Vireo +USB\n"

@@ -15,13 +15,16 @@ struct Parts {
   std::string constant = "c";  // in the read-only data
   std::string afterArchives;   // in their section
   std::uint16_t subsystem = 2;
-  bool areSwapped = false;  // the addresses of the two archives
+  std::uint32_t moreMemory = 0;  // of their section, than the archives need
+  bool areSwapped = false;       // the addresses of the two archives
   bool isSigned = false;
 };
 
 std::string Installer(const Parts& parts) {
   const std::string archiveA = BuildArchive({{"a", parts.a}});
   const std::string archives = archiveA + BuildArchive({{"b", "b"}});
+  std::string payload = archives + parts.afterArchives;
+  payload.resize((payload.size() + 511) / 512 * 512);
   const std::string addressA = WordBytes(0x400000 + SectionAddress(3));
   const std::string addressB = WordBytes(0x400000 + SectionAddress(3) + static_cast<std::uint32_t>(archiveA.size()));
   BuiltImage image;
@@ -30,7 +33,7 @@ std::string Installer(const Parts& parts) {
       {".text", kCode, (parts.areSwapped ? addressB + addressA : addressA + addressB) + parts.code},
       {".rdata", kReadOnlyData, parts.constant},
       {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(12) + std::string("\0\x30\4\x30", 4)},
-      {".payload", kReadOnlyData, archives + std::string(parts.a.size() % 7, '\0') + parts.afterArchives}};
+      {".payload", kReadOnlyData, payload, static_cast<std::uint32_t>(archives.size()) + parts.moreMemory}};
   image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2), 12};
   std::string bytes = BuildImage(image);
   if (parts.isSigned) {
@@ -62,6 +65,7 @@ TEST(ReadProgram, IsTheSameAroundAnotherPayloadAndSignature) {
       {changed([](Parts& parts) { parts.code = "\xC2"; }), {".text"}},
       {changed([](Parts& parts) { parts.constant = "d"; }), {".rdata"}},
       {changed([](Parts& parts) { parts.afterArchives = "x"; }), {".payload", "the places of the archives"}},
+      {changed([](Parts& parts) { parts.moreMemory = 4; }), {"headers", ".text", ".payload", "the places of the archives"}},
       {changed([](Parts& parts) { parts.subsystem = 3; }), {"headers"}},
       {changed([](Parts& parts) { parts.areSwapped = true; }), {"the places of the archives"}},
       {Installer({}) + "x", {"the bytes after the last section"}},

@@ -6,10 +6,20 @@
 
 namespace {
 
+std::uint32_t VirtualSize(const BuiltSection& section) {
+  return section.virtualSize != 0 ? section.virtualSize : static_cast<std::uint32_t>(section.bytes.size());
+}
+
 std::string OptionalHeader(const BuiltImage& image) {
   std::string header = HalfBytes(image.isPlus ? 0x020B : 0x010B);
   header.resize(image.isPlus ? 112 : 96);
   PutWord(header, image.isPlus ? 24 : 28, 0x400000);
+  PutWord(header, 32, 0x1000);
+  PutWord(header, 36, 0x200);
+  if (!image.sections.empty()) {
+    const auto last = static_cast<std::uint32_t>(image.sections.size() - 1);
+    PutWord(header, 56, (SectionAddress(last) + VirtualSize(image.sections[last]) + 0xFFF) / 0x1000 * 0x1000);
+  }
   header.replace(68, 2, HalfBytes(image.subsystem));
   PutWord(header, header.size() - 4, static_cast<std::uint32_t>(image.directories.size()));
   for (const auto& [address, size] : image.directories) {
@@ -62,8 +72,8 @@ std::string BuildImage(const BuiltImage& image) {
     const auto size = static_cast<std::uint32_t>(section.bytes.size());
     std::string header = section.name;
     header.resize(8);
-    header += WordBytes(size) + WordBytes(SectionAddress(static_cast<std::uint32_t>(i))) + WordBytes(size) +
-              WordBytes(static_cast<std::uint32_t>(file.size())) + std::string(12, '\0') +
+    header += WordBytes(VirtualSize(section)) + WordBytes(SectionAddress(static_cast<std::uint32_t>(i))) +
+              WordBytes(size) + WordBytes(static_cast<std::uint32_t>(file.size())) + std::string(12, '\0') +
               WordBytes(section.characteristics);
     file.replace(table + i * 40, 40, header);
     file += section.bytes;

@@ -11,6 +11,7 @@ struct BuiltSection {
   const char* name;
   std::uint32_t characteristics;
   std::string bytes;
+  std::uint32_t virtualSize = 0;  // 0: that of the bytes
 };
 
 constexpr std::uint32_t kReadOnlyData = 0x40000040;
@@ -28,8 +29,8 @@ struct BuiltImage {
       std::vector<std::pair<std::uint32_t, std::uint32_t>>(16);
 };
 
-// Section i is at the address SectionAddress(i). In the file it follows the headers and the sections before it, at a
-// multiple of 512.
+// As a linker lays it out, with alignments of 4096 in memory and 512 in the file. Section i is at the address
+// SectionAddress(i). In the file it follows the headers and the sections before it, at a multiple of 512.
 std::string BuildImage(const BuiltImage& image);
 
 // One branch of a resource tree: a directory with one entry.

@@ -148,8 +148,8 @@ std::string UnsafeFile(char tag) {
   }
   return InstallerOf(
       {BuildArchive(
-           {{"a" + kUnsafeName + ".inf", "[Version]\r\nDriverVer=" + unsafe + "\r\nDriverPackageDisplayName=Vireo" +
-                                             unsafe + "\r\nCatalogFile=c.cat\r\nSignature=\"$Chicago$\""},
+           {{"a" + kUnsafeName + ".inf", "[Version]\r\nSignature=\"$Chicago$\"\r\nCatalogFile=c.cat\r\nDriverVer=" +
+                                             unsafe + "\r\nDriverPackageDisplayName=Vireo" + unsafe + "\r\n"},
             {"same" + kUnsafeName, std::string(1, tag)},
             {std::string(1, tag) + kUnsafeName, DriverImage({{"FileDescription", record}, {"CompanyName", record}})},
             {"c.cat", catalog},
