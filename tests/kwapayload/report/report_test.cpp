@@ -144,7 +144,7 @@ std::string UnsafeFile(char tag) {
   const std::string record = kUnsafe.substr(0, kUnsafe.size() - 2);
   std::string catalog = CatalogOf({"other"});
   for (std::size_t at = 0; (at = catalog.find("Tester", at)) != std::string::npos;) {
-    catalog.replace(at, 6, tag + std::string("\x1B\x7F\xC2\x9B\xFF"));
+    catalog.replace(at, 6, tag + std::string("\x1B\x7F\xC2\x9Bz"));
   }
   return InstallerOf(
       {BuildArchive(
