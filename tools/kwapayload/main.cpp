@@ -1,9 +1,13 @@
 // kwapayload: packs payload archives and looks into built installers, on the build machine.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <memory>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands/commands.h"
@@ -12,6 +16,36 @@
 #include "report/escaped_text.h"
 
 namespace {
+
+// Breaks a help line at blanks to at most 80 characters. A description goes on in its own column.
+std::string Wrapped(std::string line) {
+  constexpr std::size_t kWidth = 80;
+  const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
+  const std::size_t gap = line.find("  ", begin);
+  const std::size_t indent = begin == 0 || gap == std::string::npos ? begin : line.find_first_not_of(' ', gap);
+  std::string wrapped;
+  while (line.size() > kWidth) {
+    const std::size_t end = line.rfind(' ', kWidth);
+    if (end == std::string::npos || end <= indent) {
+      break;
+    }
+    wrapped += line.substr(0, end) + '\n';
+    line = std::string(indent, ' ') + line.substr(end + 1);
+  }
+  return wrapped + line;
+}
+
+class NarrowHelp : public CLI::Formatter {
+ public:
+  std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
+    std::istringstream help(CLI::Formatter::make_help(app, std::move(name), mode));
+    std::string text;
+    for (std::string line; std::getline(help, line);) {
+      text += Wrapped(line) + '\n';
+    }
+    return text;
+  }
+};
 
 // One line that names the command's own help.
 std::string FailureMessage(const CLI::App* app, const CLI::Error& error) {
@@ -25,6 +59,7 @@ std::string FailureMessage(const CLI::App* app, const CLI::Error& error) {
 
 int Run(int argc, char** argv) {
   CLI::App app("Packs payload archives and looks into built installers.", "kwapayload");
+  app.formatter(std::make_shared<NarrowHelp>());  // each command takes it over
   app.require_subcommand(1);
   app.footer(
       "Exit status: 0 in order or alike, 1 findings or different, 2 could not be done or misuse.\n"

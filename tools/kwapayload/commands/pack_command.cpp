@@ -74,7 +74,7 @@ Command AddPackCommand(CLI::App& program) {
   letter->needs(contents);
   pack->footer(
       "Example:\n"
-      "  kwapayload pack payload/a archive_a.kwap --contents payload/contents.json --archive A");
+      "  kwapayload pack payload/a a.kwap --contents payload/contents.json --archive A");
   return {pack, [options] { return RunPack(*options); }};
 }
 

@@ -87,7 +87,8 @@ void FindAddressGaps(const InstallerFile& installer, const PeSection& payload, s
 void FindSignatureGaps(const PeImage& image, std::vector<Gap>* gaps) {
   const PeDirectory entry = image.Directory(kPeSecurityDirectory);
   const ByteSpan table = image.CertificateTable();
-  const bool isSigned = !table.Empty() && table.Size() == entry.size && table.end() == image.file.end();
+  const bool isSigned = !table.Empty() && table.Size() == entry.size &&
+                        table.Data() + table.Size() == image.file.Data() + image.file.Size();
   if (image.directories.size() > kPeSecurityDirectory && (isSigned || (entry.address == 0 && entry.size == 0))) {
     const std::uint64_t directories = std::uint64_t{image.headerOffset} + 24 + (image.isPlus ? 112 : 96);
     AddGap(directories + kPeSecurityDirectory * 8, 8, ' ', gaps);

@@ -60,7 +60,8 @@ ContentsFile ReadFile(const json& object, std::vector<std::string>* faults) {
   if (!archive.empty() && archive != "A" && archive != "B") {
     faults->push_back("has an \"archive\" other than A and B");
   }
-  const ContentsFile file = {archive[0], fields.Text("name"), fields.Number("size"), fields.Text("kind")};
+  const char letter = archive == "B" ? 'B' : 'A';
+  const ContentsFile file = {letter, fields.Text("name"), fields.Number("size"), fields.Text("kind")};
   if (const Check name = CheckEntryName(file.name); !file.name.empty() && !name) {
     faults->push_back(name.error().what);
   }
