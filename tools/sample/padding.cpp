@@ -5,9 +5,9 @@
 
 namespace kwa {
 
-std::string PaddingBytes(std::size_t count, unsigned seed) {
+std::string PaddingBytes(std::size_t count, unsigned variant) {
   // The C++ standard defines the numbers of this engine, but not those of its distributions.
-  std::mt19937 engine(seed);
+  std::mt19937 engine(variant);
   std::string bytes(count, '\0');
   for (char& byte : bytes) {
     byte = static_cast<char>(engine() >> 24);

@@ -8,8 +8,8 @@
 namespace kwa {
 
 // Bytes that look random and are the same in every build, so that a comparison notices a byte in the wrong place.
-// Different seeds give different bytes.
-std::string PaddingBytes(std::size_t count, unsigned seed);
+// Another variant has other bytes.
+std::string PaddingBytes(std::size_t count, unsigned variant);
 
 // The content and padding bytes after it, together size bytes. Throws std::runtime_error when the content is larger.
 std::string Padded(const std::string& content, std::size_t size);

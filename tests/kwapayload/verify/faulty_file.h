@@ -43,7 +43,7 @@ FaultyFile Unlisted(const FaultyFile& file);
 std::string Wide(const std::string& text);
 
 // A package of a.inf, a.sys and a.cat. Texts in the INF are replaced before the catalog is made, the files change after
-// that. A text that is "" stands for the end of the INF.
+// that. The text "" means the end of the INF.
 using Replacements = std::vector<std::pair<std::string, std::string>>;
 using PackageFiles = std::map<std::string, std::string>;
 FaultyFile Package(const Replacements& inInf, const std::function<void(PackageFiles&)>& change = nullptr);

@@ -17,7 +17,8 @@ bool IsSameText(std::string_view one, std::string_view other);
 // The text without any of `blanks` at its beginning and end.
 std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t");
 
-// Takes the first line off the text and returns it without its end, a CR or LF. An empty line stands between CR and LF.
+// Takes the first line off the text and returns it without its end, a CR or LF. Between CR and LF there is an empty
+// line.
 std::string_view TakeLine(std::string_view* text);
 
 }  // namespace kwa

@@ -7,7 +7,7 @@
 
 namespace kwa {
 
-// Read-only bytes of an untrusted file. Every access is defined: what lies outside reads as zero or as an empty part,
+// Read-only bytes of an untrusted file. Every access is defined: what is outside reads as zero or as an empty part,
 // so that a reader of nonsense goes wrong but never out of bounds. Where the difference matters, ask Contains first.
 // Integers are little-endian. The bytes belong to someone else, mostly a MappedFile.
 class ByteSpan {

@@ -8,7 +8,7 @@
 namespace kwa {
 
 struct ImportedLibrary {
-  std::string name;                    // as it stands in the file
+  std::string name;                    // raw
   std::vector<std::string> functions;  // names, or "#12" for an ordinal
 };
 
