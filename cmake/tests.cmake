@@ -3,17 +3,11 @@
 # all of them.
 enable_testing()
 
-set(kwaStandinArguments)
-if(TARGET standin)
-  set(kwaStandinArguments -DKWA_STANDIN_X86=${CMAKE_BINARY_DIR}/programs-x86/standin.exe
-    -DKWA_STANDIN_X64=${CMAKE_BINARY_DIR}/programs-x64/standin.exe)
-endif()
-
 ExternalProject_Add(windows_tests
   SOURCE_DIR ${CMAKE_SOURCE_DIR}/tests
   BINARY_DIR ${CMAKE_BINARY_DIR}/tests
   CMAKE_GENERATOR ${CMAKE_GENERATOR}
-  CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DKWA_WERROR=${KWA_WERROR} ${kwaStandinArguments}
+  CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release -DKWA_WERROR=${KWA_WERROR}
     -DCMAKE_TOOLCHAIN_FILE=${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw-i686.cmake -DKWA_THREADS=posix
     -DKWA_INSTALLER=${CMAKE_BINARY_DIR}/kwa_installer.exe -DKWA_PAYLOAD_DIR=${payloadDir}
     -DKWA_WINE_DIR=${CMAKE_BINARY_DIR}/wine

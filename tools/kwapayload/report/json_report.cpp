@@ -1,6 +1,7 @@
 #include "report/json_report.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "report/escaped_text.h"
 #include "report/words.h"
@@ -156,7 +157,7 @@ std::string ListJson(const std::string& file, const Inspection& inspection) {
                  {"version", TextOrNull(VersionText(inspection.version))},
                  {"program", program},
                  {"signatures", SignaturesJson(inspection.signatures)},
-                 {"files", files},
+                 {"files", std::move(files)},
                  {"package", PackageJson(inspection)}});
 }
 
