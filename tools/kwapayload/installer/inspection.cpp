@@ -22,6 +22,7 @@ Inspection Inspect(InstallerFile installer) {
   inspection.hasKnownTexts = HasKnownTexts(inspection.installer);
   inspection.package = ReadDriverPackage(items);
   inspection.trust = ReadPackageTrust(items, inspection.package);
+  inspection.files.reserve(items.size());
   for (std::size_t i = 0; i < items.size(); ++i) {
     const ByteSpan body = items[i].body;
     inspection.files.push_back(

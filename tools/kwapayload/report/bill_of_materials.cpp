@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <utility>
 
 #include "base/ascii_text.h"
 #include "report/escaped_text.h"
@@ -103,8 +104,8 @@ std::string BillOfMaterials(const std::string& name, const Inspection& inspectio
                            {"specVersion", "1.6"},
                            {"serialNumber", ""},
                            {"version", 1},
-                           {"metadata", {{"component", installer}}},
-                           {"components", components}};
+                           {"metadata", {{"component", std::move(installer)}}},
+                           {"components", std::move(components)}};
   document["serialNumber"] = "urn:uuid:" + UuidFrom(Sha256Hex(ByteSpan(document.dump())));
   return document.dump(2) + '\n';
 }
