@@ -39,19 +39,15 @@ std::string TextValue(const std::string& name, const std::string& text) {
   return NameValue(name, Utf16(text + '\0', false));
 }
 
-std::string Attribute(const char* type, const std::string& value) {
-  return Der(kDerSequence, DerObjectId(type) + Der(kDerSet, value));
-}
-
 std::string Member(const std::string& name, const std::string& content) {
   const bool isProgram = content.rfind("MZ", 0) == 0;
   const std::string digest = isProgram ? ImageDigest(content) : DigestOf(ByteSpan(content), "SHA256");
   const DigestKind kind = isProgram ? DigestKind::ProgramImage : DigestKind::WholeFile;
   // DER sorts the values of a set by their bytes.
   const std::set<std::string> attributes = {
-      Attribute(kNameValueType, TextValue("File", name)),
-      Attribute(kNameValueType, TextValue("OSAttr", kSupportedWindows)),
-      Attribute(kIndirectDataType, Der(kDerSequence, IndirectData(kind, digest))),
+      DerAttribute(kNameValueType, TextValue("File", name)),
+      DerAttribute(kNameValueType, TextValue("OSAttr", kSupportedWindows)),
+      DerAttribute(kIndirectDataType, Der(kDerSequence, IndirectDataContent(kind, digest))),
   };
   std::string set;
   for (const std::string& attribute : attributes) {
@@ -71,7 +67,7 @@ std::string Catalog(const std::map<std::string, std::string>& files, std::size_t
                                 Der(V_ASN1_OCTET_STRING, PaddingBytes(16, 0)) + Der(V_ASN1_UTCTIME, kSigningTime) +
                                 Der(kDerSequence, DerObjectId(kCatalogVersion2) + Der(V_ASN1_NULL, "")) +
                                 Der(kDerSequence, members) + Der(kDerExplicit0, Der(kDerSequence, extension));
-  return SignedData(signer, kTrustListType, trustList);
+  return SignedMessage(signer, kTrustListType, trustList);
 }
 
 }  // namespace

@@ -20,6 +20,10 @@ std::string DerObjectId(const char* dotted) {
   return Der(V_ASN1_OBJECT, std::string(bytes, bytes + OBJ_length(object.get())));
 }
 
+std::string DerAttribute(const char* type, const std::string& values) {
+  return Der(kDerSequence, DerObjectId(type) + Der(kDerSet, values));
+}
+
 ASN1_OBJECT* ObjectId(const char* dotted) {
   ASN1_OBJECT* const object = OBJ_txt2obj(dotted, 1);
   Require(object != nullptr);

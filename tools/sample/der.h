@@ -26,7 +26,11 @@ std::string Der(int tag, const std::string& content);
 // An object identifier, given in dotted form.
 std::string DerObjectId(const char* dotted);
 
-// The same as an object of libcrypto. The caller owns it, and usually passes it on to the structure that contains it.
+// An attribute with encoded values.
+std::string DerAttribute(const char* type, const std::string& values);
+
+// An object identifier as an object of libcrypto. The caller owns it, and usually passes it on to the structure that
+// contains it.
 ASN1_OBJECT* ObjectId(const char* dotted);
 
 }  // namespace kwa

@@ -54,7 +54,7 @@ void SetCheckSum(std::string* program) {
 
 std::string CertificateTable(const std::string& program, const Signer& signer) {
   std::string message =
-      SignedData(signer, kIndirectDataType, IndirectData(DigestKind::ProgramImage, ImageDigest(program)));
+      SignedMessage(signer, kIndirectDataType, IndirectDataContent(DigestKind::ProgramImage, ImageDigest(program)));
   message.append((kAlignment - message.size() % kAlignment) % kAlignment, '\0');
   const std::string revisionAndType("\x00\x02\x02\x00", 4);
   return Number(4 + revisionAndType.size() + message.size()) + revisionAndType + message;

@@ -36,7 +36,7 @@ Signer ReadSigner(const std::filesystem::path& path) {
   return signer;
 }
 
-std::string SignedData(const Signer& signer, const char* contentType, const std::string& sequence) {
+std::string SignedMessage(const Signer& signer, const char* contentType, const std::string& sequence) {
   const std::shared_ptr<PKCS7> message(PKCS7_new(), PKCS7_free);
   Require(PKCS7_set_type(message.get(), NID_pkcs7_signed) == 1);
   PKCS7* const inner = PKCS7_new();
@@ -65,7 +65,7 @@ std::string SignedData(const Signer& signer, const char* contentType, const std:
   return encoded;
 }
 
-std::string IndirectData(DigestKind kind, const std::string& digest) {
+std::string IndirectDataContent(DigestKind kind, const std::string& digest) {
   const bool isImage = kind == DigestKind::ProgramImage;
   // Both kinds name the file by an empty text. For a program, flags come before it, and none is set.
   const std::string link = "\xA2\x02\x80\x00"s;

@@ -24,13 +24,13 @@ Signer ReadSigner(const std::filesystem::path& path);
 
 // PKCS #7 signed data in DER around a sequence, given without its tag and length. contentType is the object identifier
 // of its type in dotted form. Throws std::runtime_error.
-std::string SignedData(const Signer& signer, const char* contentType, const std::string& sequence);
+std::string SignedMessage(const Signer& signer, const char* contentType, const std::string& sequence);
 
 enum class DigestKind { ProgramImage, WholeFile };
 
 // The structure in which embedded signatures and catalogs hold the SHA-256 digest of a file: its type, and the content
 // of its sequence.
 constexpr char kIndirectDataType[] = "1.3.6.1.4.1.311.2.1.4";
-std::string IndirectData(DigestKind kind, const std::string& digest);
+std::string IndirectDataContent(DigestKind kind, const std::string& digest);
 
 }  // namespace kwa

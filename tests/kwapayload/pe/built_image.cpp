@@ -85,16 +85,18 @@ std::string ResourceBranch(std::uint32_t id, std::uint32_t target) {
   return std::string(14, '\0') + HalfBytes(1) + WordBytes(id) + WordBytes(target);
 }
 
+std::string BuildTreeImage(const std::string& tree) {
+  BuiltImage image;
+  image.sections = {{".rsrc", kReadOnlyData, tree}};
+  image.directories[2] = {SectionAddress(0), static_cast<std::uint32_t>(tree.size())};
+  return BuildImage(image);
+}
+
 std::string BuildResourceImage(std::uint32_t type, const std::string& resource) {
   constexpr std::uint32_t kDirectory = 0x80000000;
-  BuiltImage image;
-  const auto size = static_cast<std::uint32_t>(resource.size());
-  image.sections = {{".rsrc", kReadOnlyData,
-                     ResourceBranch(type, kDirectory | 24) + ResourceBranch(1, kDirectory | 48) +
-                         ResourceBranch(0x409, 72) + WordBytes(SectionAddress(0) + 88) + WordBytes(size) +
-                         std::string(8, '\0') + resource}};
-  image.directories[2] = {SectionAddress(0), 88 + size};
-  return BuildImage(image);
+  return BuildTreeImage(ResourceBranch(type, kDirectory | 24) + ResourceBranch(1, kDirectory | 48) +
+                        ResourceBranch(0x409, 72) + WordBytes(SectionAddress(0) + 88) +
+                        WordBytes(static_cast<std::uint32_t>(resource.size())) + std::string(8, '\0') + resource);
 }
 
 std::string BuildVersionRecord(const std::map<std::string, std::string>& texts) {
@@ -103,11 +105,8 @@ std::string BuildVersionRecord(const std::map<std::string, std::string>& texts) 
     const std::string value = Utf16(text);
     strings += VersionBlock(key, value, value.size() / 2, "");
   }
-  std::string fixed = WordBytes(0xFEEF04BD) + WordBytes(0x00010000);
-  for (int i = 0; i < 2; ++i) {
-    fixed += WordBytes(0x00010002) + WordBytes(0x00030004);
-  }
-  fixed.resize(52);
+  const std::string version = WordBytes(0x00010002) + WordBytes(0x00030004);
+  const std::string fixed = WordBytes(0xFEEF04BD) + WordBytes(0x00010000) + version + version + std::string(28, '\0');
   return VersionBlock("VS_VERSION_INFO", fixed, 0,
                       VersionBlock("StringFileInfo", "", 0, VersionBlock("040904B0", "", 0, strings)));
 }

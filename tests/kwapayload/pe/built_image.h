@@ -36,7 +36,8 @@ std::string BuildImage(const BuiltImage& image);
 // One branch of a resource tree: a directory with one entry.
 std::string ResourceBranch(std::uint32_t id, std::uint32_t target);
 
-// An image with a resource of a type as its only section.
+// An image with a tree of resources as its only section: the whole tree, or the resource of one type.
+std::string BuildTreeImage(const std::string& tree);
 std::string BuildResourceImage(std::uint32_t type, const std::string& resource);
 
 // A version record of version 1.2.3.4 with texts by key, in UTF-8.

@@ -1,217 +1,136 @@
 #include "trust/built_signature.h"
 
-#include <openssl/evp.h>
+#include <openssl/cms.h>
 #include <openssl/rsa.h>
-#include <openssl/x509.h>
-#include <openssl/x509v3.h>
 
-#include <array>
+#include <memory>
+
+#include "signer.h"
+#include "trust/asn1_list.h"
+#include "trust/asn1_value.h"
+#include "trust/digest.h"
 
 namespace {
 
 constexpr char kSha256[] = "2.16.840.1.101.3.4.2.1";
-constexpr char kSha384[] = "2.16.840.1.101.3.4.2.2";
-constexpr char kKeyIdentifier[] = "the key of the tests";
-const std::string kVersion1("\x02\x01\x01", 3);
-const std::string kNull("\x05\x00", 2);
+const std::string kVersion1 = Der(V_ASN1_INTEGER, "\1");
 
-// The encoded form of something, by a function of libcrypto.
-template <typename Value, typename Encode>
-std::string Encoded(Value* value, Encode encode) {
-  unsigned char* bytes = nullptr;
-  const int size = encode(value, &bytes);
-  std::string text(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size));
-  OPENSSL_free(bytes);
-  return text;
+const kwa::Signer& SampleSigner() {
+  static const kwa::Signer signer = kwa::ReadSigner(KWA_SIGNER);
+  return signer;
 }
 
-std::string ObjectId(const char* dottedNumbers) {
-  ASN1_OBJECT* const object = OBJ_txt2obj(dottedNumbers, 0);
-  std::string bytes = Encoded(object, i2d_ASN1_OBJECT);
-  ASN1_OBJECT_free(object);
-  return bytes;
-}
-
-std::string Algorithm(const char* name) {
-  return Der(kDerSequence, ObjectId(name) + kNull);
-}
-
-void SetCommonName(X509_NAME* name, const char* text) {
-  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>(text), -1, -1, 0);
-}
-
-struct Identity {
-  Identity() {
-    X509_set_version(certificate, X509_VERSION_3);
-    ASN1_INTEGER_set(X509_get_serialNumber(certificate), 7);
-    X509_NAME* const name = X509_get_subject_name(certificate);
-    SetCommonName(name, "Tester");
-    X509_set_issuer_name(certificate, name);
-    X509_gmtime_adj(X509_getm_notBefore(certificate), 0);
-    X509_gmtime_adj(X509_getm_notAfter(certificate), 60);
-    X509_set_pubkey(certificate, key);
-    ASN1_OCTET_STRING* const identifier = ASN1_OCTET_STRING_new();
-    ASN1_STRING_set(identifier, kKeyIdentifier, -1);
-    X509_add1_ext_i2d(certificate, NID_subject_key_identifier, identifier, 0, 0);
-    ASN1_OCTET_STRING_free(identifier);
-    X509_sign(certificate, key, EVP_sha256());
-    certificates = OtherCertificate(true, 8) + OtherCertificate(false, 7) + Encoded(certificate, i2d_X509);
+// The sample's certificate with other fields. Only that of the signer has a key identifier.
+std::shared_ptr<X509> Certificate(bool isSigner, const char* issuer, long serialNumber) {
+  const std::shared_ptr<X509> certificate(X509_dup(SampleSigner().certificate.get()), X509_free);
+  const auto setName = [&certificate](auto set, const char* text) {
+    const std::shared_ptr<X509_NAME> name(X509_NAME_new(), X509_NAME_free);
+    X509_NAME_add_entry_by_txt(name.get(), "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>(text), -1, -1, 0);
+    set(certificate.get(), name.get());
+  };
+  setName(X509_set_subject_name, isSigner ? "Tester" : "Other");
+  setName(X509_set_issuer_name, issuer);
+  ASN1_INTEGER_set(X509_get_serialNumber(certificate.get()), serialNumber);
+  if (!isSigner) {
+    const int index = X509_get_ext_by_NID(certificate.get(), NID_subject_key_identifier, -1);
+    X509_EXTENSION_free(X509_delete_ext(certificate.get(), index));
   }
+  i2d_re_X509_tbs(certificate.get(), nullptr);  // forgets the former encoding
+  return certificate;
+}
 
-  std::string OtherCertificate(bool hasSameIssuer, long serialNumber) const {
-    X509* const other = X509_dup(certificate);
-    X509_NAME* const name = X509_NAME_new();
-    SetCommonName(name, "Other");
-    X509_set_subject_name(other, name);
-    if (!hasSameIssuer) {
-      X509_set_issuer_name(other, name);
-    }
-    X509_NAME_free(name);
-    ASN1_INTEGER_set(X509_get_serialNumber(other), serialNumber);
-    X509_EXTENSION_free(X509_delete_ext(other, 0));
-    X509_sign(other, key, EVP_sha256());
-    std::string bytes = Encoded(other, i2d_X509);
-    X509_free(other);
-    return bytes;
+void AddSigner(CMS_ContentInfo* message, SignerForm form, unsigned flags) {
+  CMS_SignerInfo* const signer =
+      CMS_add1_signer(message, Certificate(true, "Tester", 1).get(), SampleSigner().key.get(), EVP_sha256(), flags);
+  EVP_PKEY_CTX* const context = CMS_SignerInfo_get0_pkey_ctx(signer);
+  if (form == SignerForm::BareDigest) {
+    EVP_PKEY_sign_init(context);  // forgets the algorithm of the digest
+    return;
   }
-
-  // Weak on purpose: old signatures are to be read on systems that refuse such keys elsewhere.
-  EVP_PKEY* key = EVP_RSA_gen(1024);
-  X509* certificate = X509_new();
-  std::string certificates;  // two others before it, of the same issuer and with the same serial number
-};
-
-const Identity& Tester() {
-  static const Identity identity;
-  return identity;
-}
-
-bool IsPss(SignerForm form) {
-  return form == SignerForm::Pss || form == SignerForm::PssOtherDigest || form == SignerForm::PssUnknownMask;
-}
-
-std::string Sign(const std::string& digest, SignerForm form) {
-  EVP_PKEY_CTX* const context = EVP_PKEY_CTX_new(Tester().key, nullptr);
-  EVP_PKEY_sign_init(context);
-  if (IsPss(form)) {
+  if (form == SignerForm::Pss) {
     EVP_PKEY_CTX_set_rsa_padding(context, RSA_PKCS1_PSS_PADDING);
-    EVP_PKEY_CTX_set_rsa_mgf1_md(context, EVP_sha1());
+    EVP_PKEY_CTX_set_rsa_mgf1_md(context, EVP_sha384());
   }
-  if (form != SignerForm::BareDigest) {
-    EVP_PKEY_CTX_set_signature_md(context, EVP_sha256());
-  }
-  std::array<unsigned char, 128> signature = {};
-  std::size_t size = signature.size();
-  EVP_PKEY_sign(context, signature.data(), &size, reinterpret_cast<const unsigned char*>(digest.data()), digest.size());
-  EVP_PKEY_CTX_free(context);
-  return {signature.begin(), signature.end()};
+  CMS_signed_add1_attr_by_NID(signer, NID_pkcs9_signingTime, V_ASN1_UTCTIME, kwa::kSigningTime,
+                              sizeof kwa::kSigningTime - 1);
 }
 
-std::string SignatureAlgorithm(SignerForm form) {
-  if (!IsPss(form)) {
-    return Algorithm("rsaEncryption");
+void AddUnsignedAttributes(CMS_SignerInfo* signer, const std::function<std::string(const std::string&)>& make) {
+  const std::string attributes = make(kwa::TextOf(CMS_SignerInfo_get0_signature(signer)));
+  const auto* at = reinterpret_cast<const unsigned char*>(attributes.data());
+  for (const unsigned char* const end = at + attributes.size(); at != end;) {
+    const std::shared_ptr<X509_ATTRIBUTE> attribute(d2i_X509_ATTRIBUTE(nullptr, &at, end - at), X509_ATTRIBUTE_free);
+    CMS_unsigned_add1_attr(signer, attribute.get());
   }
-  const char* const digest = form == SignerForm::PssOtherDigest ? kSha384 : kSha256;
-  const char* const mask = form == SignerForm::PssUnknownMask ? "1.2.3" : "1.2.840.113549.1.1.8";
-  return Der(kDerSequence,
-             ObjectId("1.2.840.113549.1.1.10") +
-                 Der(kDerSequence, Der(0xA0, Algorithm(digest)) +
-                                       Der(0xA1, Der(kDerSequence, ObjectId(mask) + Algorithm("1.3.14.3.2.26")))));
-}
-
-// An element, in the form of indefinite length if `form` demands it.
-std::string List(SignerForm form, unsigned char tag, const std::string& content) {
-  return form == SignerForm::Indefinite ? std::string{static_cast<char>(tag), '\x80'} + content + std::string(2, '\0')
-                                        : Der(tag, content);
-}
-
-std::string BuildSigner(const std::string& octets, const std::string& moreAttributes, const SignedParts& parts) {
-  const std::string attributes = DerAttribute("contentType", ObjectId(parts.contentType)) +
-                                 DerAttribute("messageDigest", Der(kDerOctets, DigestBytes(octets, "SHA256"))) +
-                                 moreAttributes;
-  const std::string signature = Sign(DigestBytes(Der(kDerSet, attributes), "SHA256"), parts.form);
-  const std::string issuer = Encoded(X509_get_issuer_name(Tester().certificate), i2d_X509_NAME);
-  const std::string serialNumber = Encoded(X509_get_serialNumber(Tester().certificate), i2d_ASN1_INTEGER);
-  const bool isIndefinite = parts.form == SignerForm::IndefiniteAttributes;
-  return List(parts.form, kDerSequence,
-              kVersion1 +
-                  (parts.form == SignerForm::ByKeyIdentifier ? Der(0x80, kKeyIdentifier)
-                                                             : Der(kDerSequence, issuer + serialNumber)) +
-                  Algorithm(kSha256) +
-                  List(isIndefinite ? SignerForm::Indefinite : SignerForm::Plain, 0xA0, attributes) +
-                  SignatureAlgorithm(parts.form) + Der(kDerOctets, signature) +
-                  (parts.unsignedAttributes ? List(parts.form, 0xA1, parts.unsignedAttributes(signature)) : ""));
 }
 
 }  // namespace
 
-std::string Der(unsigned char tag, const std::string& content) {
-  std::string bytes(1, static_cast<char>(tag));
-  if (content.size() < 0x80) {
-    return bytes + static_cast<char>(content.size()) + content;
-  }
-  bytes += static_cast<char>(0x83);
-  for (const int shift : {16, 8, 0}) {
-    bytes += static_cast<char>(content.size() >> shift);
-  }
-  return bytes + content;
-}
-
-std::string DerAttribute(const char* type, const std::string& value) {
-  return Der(kDerSequence, ObjectId(type) + Der(kDerSet, value));
-}
-
 std::string DigestBytes(const std::string& bytes, const char* algorithm) {
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest = {};
-  std::size_t size = 0;
-  EVP_Q_digest(nullptr, algorithm, nullptr, bytes.data(), bytes.size(), digest.data(), &size);
-  return {digest.begin(), digest.begin() + size};
+  return kwa::DigestOf(kwa::ByteSpan(bytes), algorithm);
 }
 
 std::string IndirectData(const char* algorithm, const std::string& digest) {
-  return Der(kDerSequence, Der(kDerSequence, ObjectId("1.3.6.1.4.1.311.2.1.25")) +
-                               Der(kDerSequence, Algorithm(algorithm) + Der(kDerOctets, digest)));
+  return Der(kDerSequence,
+             Der(kDerSequence, kwa::DerObjectId("1.3.6.1.4.1.311.2.1.25")) +
+                 Der(kDerSequence, Der(kDerSequence, kwa::DerObjectId(algorithm)) + Der(kDerOctets, digest)));
 }
 
 std::string TrustList(unsigned version, const std::string& members) {
-  return Der(kDerSequence, Der(kDerSequence, ObjectId("1.3.6.1.4.1.311.12.1.1")) +
-                               Der(kDerOctets, std::string(16, 'i')) + Der(0x17, "140213120000Z") +
-                               Algorithm(version == 1 ? "1.3.6.1.4.1.311.12.1.2" : "1.3.6.1.4.1.311.12.1.3") +
-                               Der(kDerSequence, members));
+  const char* const memberVersion = version == 1 ? "1.3.6.1.4.1.311.12.1.2" : "1.3.6.1.4.1.311.12.1.3";
+  return Der(kDerSequence, Der(kDerSequence, kwa::DerObjectId("1.3.6.1.4.1.311.12.1.1")) +
+                               Der(kDerOctets, std::string(16, 'i')) + Der(V_ASN1_UTCTIME, kwa::kSigningTime) +
+                               Der(kDerSequence, kwa::DerObjectId(memberVersion)) + Der(kDerSequence, members));
 }
 
 std::string BuildSignedData(const SignedParts& parts) {
-  const std::size_t headerSize = Der(kDerSequence, "").size() + (parts.content.size() < 0x82 ? 0 : 3);
-  const auto list = [&parts](unsigned char tag, const std::string& content) { return List(parts.form, tag, content); };
-  const std::string octets = parts.content.substr(headerSize);
-  const auto tag = static_cast<unsigned char>(parts.content[0]);
-  constexpr unsigned char kConstructed = 0x20;
-  const std::string content = parts.form != SignerForm::Indefinite
-                                  ? parts.content
-                                  : list(tag | kConstructed, tag == kDerOctets ? parts.content : octets);
-  std::string signers;
+  const unsigned flags = CMS_PARTIAL | CMS_BINARY | CMS_NOSMIMECAP | CMS_KEY_PARAM |
+                         (parts.hasCertificate ? 0U : CMS_NOCERTS) |
+                         (parts.form == SignerForm::BareDigest ? CMS_NOATTR : 0U) |
+                         (parts.form == SignerForm::ByKeyIdentifier ? CMS_USE_KEYID : 0U);
+  const std::shared_ptr<CMS_ContentInfo> message(CMS_sign(nullptr, nullptr, nullptr, nullptr, flags),
+                                                 CMS_ContentInfo_free);
+  const std::shared_ptr<ASN1_OBJECT> type(kwa::ObjectId(parts.contentType), ASN1_OBJECT_free);
+  CMS_set1_eContentType(message.get(), type.get());
+  // Others of the same issuer, and with the same number. Being smaller, they come first.
+  CMS_add1_cert(message.get(), Certificate(false, "Tester", 2).get());
+  CMS_add1_cert(message.get(), Certificate(false, "Other", 1).get());
   for (unsigned i = 0; i < parts.signerCount; ++i) {
-    signers += BuildSigner(octets, "", parts);
+    // Each signer would add its certificate again.
+    AddSigner(message.get(), parts.form, flags | (i == 0 ? 0U : CMS_NOCERTS));
   }
-  const std::string certificates = parts.hasCertificate ? list(0xA0, Tester().certificates) : std::string();
-  return list(
-      kDerSequence,
-      ObjectId("1.2.840.113549.1.7.2") +
-          list(0xA0, list(kDerSequence, kVersion1 + list(kDerSet, Algorithm(kSha256)) +
-                                            list(kDerSequence, ObjectId(parts.contentType) + list(0xA0, content)) +
-                                            certificates + list(kDerSet, signers))));
+  const std::shared_ptr<BIO> content(BIO_new_mem_buf(parts.content.data(), static_cast<int>(parts.content.size())),
+                                     BIO_free);
+  // Without a signer, CMS_final leaves the content out.
+  ASN1_STRING_set(*CMS_get0_content(message.get()), parts.content.data(), static_cast<int>(parts.content.size()));
+  CMS_final(message.get(), content.get(), nullptr, flags);
+  if (parts.unsignedAttributes) {
+    AddUnsignedAttributes(sk_CMS_SignerInfo_value(CMS_get0_SignerInfos(message.get()), 0), parts.unsignedAttributes);
+  }
+  unsigned char* bytes = nullptr;
+  const int size = i2d_CMS_ContentInfo(message.get(), &bytes);
+  const std::string encoded(bytes, bytes + size);
+  OPENSSL_free(bytes);
+  return encoded;
 }
 
-std::string CounterSignature(const std::string& signature, SignerForm form, bool hasTime) {
-  const std::string time = hasTime ? DerAttribute("signingTime", Der(0x17, "140213120000Z")) : "";
-  return DerAttribute("1.2.840.113549.1.9.6",
-                      BuildSigner(signature, time, {"1.2.840.113549.1.7.1", "", 1, true, nullptr, form}));
+std::string CounterSignature(const std::string& signature, SignerForm form) {
+  const std::string message = BuildSignedData({"1.2.840.113549.1.7.1", signature, 1, true, nullptr, form});
+  // The signer is the last element of the last element, and so on.
+  kwa::ByteSpan last(message);
+  for (int depth = 0; depth < 4; ++depth) {
+    kwa::ForEachElement(last, [&last](const kwa::Asn1Element& element) {
+      last = element.whole;
+      return true;
+    });
+  }
+  return DerAttribute("1.2.840.113549.1.9.6", std::string(last.Text()));
 }
 
-std::string TimestampToken(const std::string& signature, SignerForm form) {
-  const std::string imprint = Der(kDerSequence, Algorithm(kSha256) + Der(kDerOctets, DigestBytes(signature, "SHA256")));
-  const std::string info =
-      Der(kDerSequence, kVersion1 + ObjectId("1.2.3") + imprint + kVersion1 + Der(0x18, "20140213120000Z"));
-  return DerAttribute("1.3.6.1.4.1.311.3.3.1",
-                      BuildSignedData({"1.2.840.113549.1.9.16.1.4", Der(kDerOctets, info), 1, true, nullptr, form}));
+std::string TimestampToken(const std::string& signature) {
+  const std::string imprint = Der(
+      kDerSequence, Der(kDerSequence, kwa::DerObjectId(kSha256)) + Der(kDerOctets, DigestBytes(signature, "SHA256")));
+  const std::string time = Der(V_ASN1_GENERALIZEDTIME, std::string("20") + kwa::kSigningTime);
+  const std::string info = Der(kDerSequence, kVersion1 + kwa::DerObjectId("1.2.3") + imprint + kVersion1 + time);
+  return DerAttribute("1.3.6.1.4.1.311.3.3.1", BuildSignedData({"1.2.840.113549.1.9.16.1.4", info}));
 }

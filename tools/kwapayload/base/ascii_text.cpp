@@ -9,22 +9,12 @@ char UpperCaseLetter(char letter) {
   return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
 }
 
-char LowerCaseLetter(char letter) {
-  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 }  // namespace
 
 std::string UpperCase(std::string_view text) {
   std::string upper(text);
   std::transform(upper.begin(), upper.end(), upper.begin(), UpperCaseLetter);
   return upper;
-}
-
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), LowerCaseLetter);
-  return lower;
 }
 
 bool IsSameText(std::string_view one, std::string_view other) {

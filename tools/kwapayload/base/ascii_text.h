@@ -7,9 +7,8 @@
 
 namespace kwa {
 
-// a to z as A to Z, and the other way round.
+// a to z as A to Z.
 std::string UpperCase(std::string_view text);
-std::string LowerCase(std::string_view text);
 
 // Whether two texts are the same without regard to case.
 bool IsSameText(std::string_view one, std::string_view other);

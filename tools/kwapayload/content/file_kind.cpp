@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <string_view>
-#include <tuple>
 
 #include "pe/pe_image.h"
 
@@ -96,18 +95,6 @@ bool IsSignedData(ByteSpan file) {
 }
 
 }  // namespace
-
-bool operator==(const FileKind& one, const FileKind& other) {
-  const auto fields = [](const FileKind& kind) {
-    const ProgramKind program = kind.program.value_or(ProgramKind{});
-    const BitmapKind bitmap = kind.bitmap.value_or(BitmapKind{});
-    const TextKind text = kind.text.value_or(TextKind{});
-    return std::make_tuple(kind.format, program.isPlus, program.machine, program.subsystem, program.isDll,
-                           program.isSigned, bitmap.width, bitmap.height, bitmap.bitsPerPixel, bitmap.compression,
-                           bitmap.isTopDown, text.encoding, text.hasByteOrderMark, text.lineEnds);
-  };
-  return fields(one) == fields(other);
-}
 
 FileKind ReadFileKind(ByteSpan file) {
   if (file.Empty()) {

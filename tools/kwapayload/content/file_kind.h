@@ -37,8 +37,6 @@ struct FileKind {
   std::optional<TextKind> text = std::nullopt;
 };
 
-bool operator==(const FileKind& one, const FileKind& other);
-
 FileKind ReadFileKind(ByteSpan file);
 
 // The words for a kind in lists of contents: "PE32, x86, native", "PKCS #7 signed data", "7-bit ASCII text, CR LF line

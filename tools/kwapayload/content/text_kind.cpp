@@ -14,25 +14,23 @@ class LineEndNotes {
  public:
   void Add(std::uint32_t character) {
     if (character == '\n') {
-      (isAfterReturn ? hasCrLf : hasLf) = true;
+      Note(isAfterReturn ? LineEnds::CrLf : LineEnds::Lf);
     } else if (isAfterReturn) {
-      hasCr = true;
+      Note(LineEnds::Cr);
     }
     isAfterReturn = character == '\r';
   }
 
-  LineEnds Found() const {
-    const bool hasAnyCr = hasCr || isAfterReturn;
-    if (int{hasCrLf} + int{hasLf} + int{hasAnyCr} > 1) {
-      return LineEnds::Mixed;
-    }
-    return hasCrLf ? LineEnds::CrLf : hasLf ? LineEnds::Lf : hasAnyCr ? LineEnds::Cr : LineEnds::None;
+  // Called once, at the end.
+  LineEnds Found() {
+    Add('\0');
+    return found;
   }
 
  private:
-  bool hasCrLf = false;
-  bool hasLf = false;
-  bool hasCr = false;
+  void Note(LineEnds lineEnd) { found = found == LineEnds::None || found == lineEnd ? lineEnd : LineEnds::Mixed; }
+
+  LineEnds found = LineEnds::None;
   bool isAfterReturn = false;
 };
 
@@ -45,9 +43,7 @@ std::optional<TextKind> ReadUtf16Kind(ByteSpan text, TextEncoding encoding) {
   const bool isBigEndian = encoding == TextEncoding::Utf16BigEndian;
   LineEndNotes lineEnds;
   for (std::uint64_t at = 0; at + 1 < text.Size(); at += 2) {
-    const std::uint32_t low = text.U8(at + (isBigEndian ? 1 : 0));
-    const std::uint32_t high = text.U8(at + (isBigEndian ? 0 : 1));
-    const std::uint32_t unit = high << 8 | low;
+    const std::uint32_t unit = isBigEndian ? text.U8(at) << 8U | text.U8(at + 1) : text.U16(at);
     if (IsControl(unit)) {
       return std::nullopt;
     }
@@ -80,12 +76,9 @@ std::optional<TextKind> ReadTextKind(ByteSpan file) {
     is7Bit = is7Bit && byte < 0x80;
     lineEnds.Add(byte);
   }
-  TextEncoding encoding = TextEncoding::Ascii;
-  if (!IsUtf8(text)) {
-    encoding = TextEncoding::EightBit;
-  } else if (hasByteOrderMark || !is7Bit) {
-    encoding = TextEncoding::Utf8;
-  }
+  const TextEncoding encoding = !IsUtf8(text)                 ? TextEncoding::EightBit
+                                : hasByteOrderMark || !is7Bit ? TextEncoding::Utf8
+                                                              : TextEncoding::Ascii;
   return TextKind{encoding, hasByteOrderMark, lineEnds.Found()};
 }
 

@@ -36,12 +36,6 @@ Check CheckNameField(ByteSpan field) {
   return {};
 }
 
-// Whether the magic at an offset is followed by a first entry that has a name.
-bool HasFirstName(ByteSpan area, std::uint64_t offset) {
-  const ByteSpan field = area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity);
-  return field.Size() == kEntryNameCapacity && CheckNameField(field);
-}
-
 // Calls `visit` with the offset of each magic outside sound archives, in their order, and with what ReadArchive says of
 // it, until it returns false.
 //
@@ -127,7 +121,7 @@ std::vector<ParsedArchive> FindArchives(ByteSpan area) {
 std::vector<BrokenArchive> FindBrokenArchives(ByteSpan area) {
   std::vector<BrokenArchive> broken;
   ForEachMagic(area, [&](std::uint64_t offset, Result<ParsedArchive> archive) {
-    if (!archive && HasFirstName(area, offset)) {
+    if (!archive && CheckNameField(area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity))) {
       broken.push_back({offset, std::move(archive.error())});
     }
     return broken.size() < kMaxBrokenArchives;

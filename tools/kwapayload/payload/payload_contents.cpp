@@ -25,43 +25,32 @@ Result<json> ParseJson(std::string_view text) {
   }
 }
 
-// Reads the fields of one file; collects in `faults` what is wrong with them.
-class FieldReader {
- public:
-  FieldReader(const json& objectToRead, std::vector<std::string>* faultList)
-      : object(objectToRead), faults(faultList) {}
-
-  std::string Text(const char* key) {
-    const auto field = object.find(key);
-    if (field == object.end() || !field->is_string() || field->get_ref<const std::string&>().empty()) {
-      faults->push_back(std::string("has no text \"") + key + "\"");
-      return "";
-    }
-    return field->get<std::string>();
+// Each of these adds what is wrong to `faults`.
+std::string ReadText(const char* key, const json& object, std::vector<std::string>* faults) {
+  const auto field = object.find(key);
+  if (field == object.end() || !field->is_string() || field->get_ref<const std::string&>().empty()) {
+    faults->push_back(std::string("has no text \"") + key + "\"");
+    return "";
   }
+  return *field;
+}
 
-  std::uint32_t Number(const char* key) {
-    const auto field = object.find(key);
-    if (field == object.end() || !field->is_number_unsigned() || field->get<std::uint64_t>() >= kEntrySizeLimit) {
-      faults->push_back(std::string("has no \"") + key + "\" between 0 and 2147483647");
-      return 0;
-    }
-    return field->get<std::uint32_t>();
+std::uint32_t ReadSize(const json& object, std::vector<std::string>* faults) {
+  const auto field = object.find("size");
+  if (field == object.end() || !field->is_number_unsigned() || field->get<std::uint64_t>() >= kEntrySizeLimit) {
+    faults->push_back("has no \"size\" between 0 and 2147483647");
+    return 0;
   }
-
- private:
-  const json& object;
-  std::vector<std::string>* faults;
-};
+  return *field;
+}
 
 ContentsFile ReadFile(const json& object, std::vector<std::string>* faults) {
-  FieldReader fields(object, faults);
-  const std::string archive = fields.Text("archive");
+  const std::string archive = ReadText("archive", object, faults);
   if (!archive.empty() && archive != "A" && archive != "B") {
     faults->push_back("has an \"archive\" other than A and B");
   }
-  const char letter = archive == "B" ? 'B' : 'A';
-  const ContentsFile file = {letter, fields.Text("name"), fields.Number("size"), fields.Text("kind")};
+  const ContentsFile file = {archive == "B" ? 'B' : 'A', ReadText("name", object, faults), ReadSize(object, faults),
+                             ReadText("kind", object, faults)};
   if (const Check name = CheckEntryName(file.name); !file.name.empty() && !name) {
     faults->push_back(name.error().what);
   }

@@ -32,7 +32,6 @@ PeSection ReadSection(ByteSpan file, ByteSpan header) {
 }
 
 void ReadOptionalHeader(ByteSpan optional, PeImage* image) {
-  image->isPlus = optional.U16(0) == kOptionalMagic64;
   image->entryPoint = optional.U32(16);
   image->sectionAlignment = optional.U32(32);
   image->fileAlignment = optional.U32(36);
@@ -44,7 +43,7 @@ void ReadOptionalHeader(ByteSpan optional, PeImage* image) {
   image->minorSubsystemVersion = optional.U16(50);
   image->subsystem = optional.U16(68);
   image->dllCharacteristics = optional.U16(70);
-  const std::uint32_t tableOffset = image->isPlus ? 112 : 96;
+  const std::uint32_t tableOffset = image->OptionalHeaderSize();
   const std::uint32_t count = std::min(optional.U32(tableOffset - 4), kMaxDirectories);
   for (std::uint32_t i = 0; i < count && optional.Contains(tableOffset + i * kDirectorySize, kDirectorySize); ++i) {
     const std::uint32_t at = tableOffset + i * kDirectorySize;
@@ -103,7 +102,8 @@ Result<PeImage> ReadPeImage(ByteSpan file) {
   if (magic != kOptionalMagic32 && magic != kOptionalMagic64) {
     return Failure("has no optional header of a Windows program");
   }
-  if (optional.Size() < (magic == kOptionalMagic64 ? 112U : 96U) ||
+  image.isPlus = magic == kOptionalMagic64;
+  if (optional.Size() < image.OptionalHeaderSize() ||
       !sections.Contains(0, std::uint64_t{sectionCount} * kSectionHeaderSize)) {
     return Failure("ends within the headers of a Windows program");
   }

@@ -72,6 +72,8 @@ struct PeImage {
   std::vector<PeSection> sections;
   std::vector<PeDirectory> directories;  // 16 at most
 
+  // Without the directories, which follow.
+  std::uint32_t OptionalHeaderSize() const { return isPlus ? 112 : 96; }
   // The directory, or zeros where the file has none at that index.
   PeDirectory Directory(PeDirectoryIndex index) const;
   // The bytes at an address relative to the image base, to the end of what the file has of their section. Empty where

@@ -10,57 +10,31 @@ constexpr std::size_t kMaxLibraries = 1024;
 constexpr std::size_t kMaxFunctions = 65536;
 constexpr std::size_t kMaxNameLength = 512;
 
-class ImportReader {
- public:
-  explicit ImportReader(const PeImage& peImage) : image(peImage) {}
-
-  void ReadLoadTime() {
-    constexpr std::uint32_t kDescriptorSize = 20;
-    ReadDescriptors(kPeImportDirectory, kDescriptorSize, [this](ByteSpan descriptor) {
-      const std::uint32_t name = descriptor.U32(12);
-      const std::uint32_t addressTable = descriptor.U32(16);
-      if (name == 0 || addressTable == 0) {
-        return false;
-      }
-      // A linker may leave out the table of names; the table of addresses then holds them until the program is loaded.
-      const std::uint32_t nameTable = descriptor.U32(0);
-      AddLibrary(name, nameTable != 0 ? nameTable : addressTable, 0);
-      return true;
-    });
-  }
-
-  void ReadDelayed() {
-    constexpr std::uint32_t kDescriptorSize = 32;
-    ReadDescriptors(kPeDelayImportDirectory, kDescriptorSize, [this](ByteSpan descriptor) {
-      // Old linkers wrote addresses that include the image base.
-      const std::uint32_t base = (descriptor.U32(0) & 1) != 0 ? 0 : static_cast<std::uint32_t>(image.imageBase);
-      const std::uint32_t name = descriptor.U32(4);
-      if (name == 0) {
-        return false;
-      }
-      AddLibrary(name - base, descriptor.U32(16) - base, base);
-      return true;
-    });
-  }
-
-  ImportTable Take() { return std::move(table); }
-
- private:
-  // Calls `add` with each descriptor until it returns false for the one that ends the table.
-  template <typename Add>
-  void ReadDescriptors(PeDirectoryIndex index, std::uint32_t descriptorSize, Add add) {
-    const PeDirectory directory = image.Directory(index);
-    if (directory.address == 0) {
-      return;
-    }
-    const ByteSpan descriptors = image.At(directory.address);
-    for (std::uint64_t at = 0;; at += descriptorSize) {
+struct ImportReader {
+  void Read(PeDirectoryIndex index) {
+    const bool isDelayed = index == kPeDelayImportDirectory;
+    const std::uint32_t descriptorSize = isDelayed ? 32 : 20;
+    const std::uint32_t address = image.Directory(index).address;
+    const ByteSpan descriptors = image.At(address);
+    for (std::uint64_t at = 0; address != 0; at += descriptorSize) {
       if (!descriptors.Contains(at, descriptorSize) || table.libraries.size() >= kMaxLibraries) {
         table.isComplete = false;
         return;
       }
-      if (!add(descriptors.Part(at, descriptorSize))) {
+      const ByteSpan descriptor = descriptors.From(at);
+      const std::uint32_t name = descriptor.U32(isDelayed ? 4 : 12);
+      const std::uint32_t thunks = descriptor.U32(16);
+      if (name == 0 || (!isDelayed && thunks == 0)) {
         return;
+      }
+      if (isDelayed) {
+        // Old linkers wrote addresses that include the image base.
+        const std::uint32_t base = (descriptor.U32(0) & 1) != 0 ? 0 : static_cast<std::uint32_t>(image.imageBase);
+        AddLibrary(name - base, thunks - base, base);
+      } else {
+        // A linker may leave out the table of names; the table of addresses then holds them until the program is
+        // loaded.
+        AddLibrary(name, descriptor.U32(0) != 0 ? descriptor.U32(0) : thunks, 0);
       }
     }
   }
@@ -98,17 +72,17 @@ class ImportReader {
   }
 
   const PeImage& image;
-  ImportTable table;
+  ImportTable table = {};
   std::size_t functionCount = 0;
 };
 
 }  // namespace
 
 ImportTable ReadImports(const PeImage& image) {
-  ImportReader reader(image);
-  reader.ReadLoadTime();
-  reader.ReadDelayed();
-  return reader.Take();
+  ImportReader reader = {image};
+  reader.Read(kPeImportDirectory);
+  reader.Read(kPeDelayImportDirectory);
+  return std::move(reader.table);
 }
 
 }  // namespace kwa

@@ -13,17 +13,7 @@ constexpr std::size_t kMaxTreeEntries = 65536;
 constexpr std::uint32_t kHighBit = 0x80000000U;
 constexpr unsigned kTreeDepth = 3;  // type, name, language
 
-class ResourceTree {
- public:
-  explicit ResourceTree(const PeImage& peImage)
-      : image(peImage), root(peImage.At(peImage.Directory(kPeResourceDirectory).address)) {}
-
-  std::vector<PeResource> Read() {
-    ReadDirectory(0, 0, {});
-    return std::move(resources);
-  }
-
- private:
+struct ResourceTree {
   // path  the type and name of the directory, as far as the level has them
   void ReadDirectory(std::uint32_t offset, unsigned level, PeResource path) {
     constexpr std::uint32_t kHeaderSize = 16;
@@ -49,18 +39,18 @@ class ResourceTree {
   }
 
   const PeImage& image;
-  const ByteSpan root;
+  ByteSpan root;
   std::size_t entriesSeen = 0;
-  std::vector<PeResource> resources;
+  std::vector<PeResource> resources = {};
 };
 
 }  // namespace
 
 std::vector<PeResource> ReadResources(const PeImage& image) {
-  if (image.Directory(kPeResourceDirectory).address == 0) {
-    return {};
-  }
-  return ResourceTree(image).Read();
+  const std::uint32_t address = image.Directory(kPeResourceDirectory).address;
+  ResourceTree tree = {image, address == 0 ? ByteSpan() : image.At(address)};
+  tree.ReadDirectory(0, 0, {});
+  return std::move(tree.resources);
 }
 
 ByteSpan FirstResource(const std::vector<PeResource>& resources, std::uint32_t type) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <vector>
 
 #include "pe/pe_image.h"
 #include "pe/pe_resources.h"
@@ -68,16 +69,14 @@ std::optional<Block> ReadBlock(ByteSpan record, std::uint64_t offset, std::uint6
   return block;
 }
 
-// Calls `visit` with each block in a part of the record until it returns false.
-template <typename Visit>
-void ForEachBlock(ByteSpan record, std::uint64_t offset, std::uint64_t limit, Visit visit) {
-  while (offset < limit) {
-    const std::optional<Block> block = ReadBlock(record, offset, limit);
-    if (!block || !visit(*block)) {
-      return;
-    }
+// The blocks in a part of the record, as far as it is sound.
+std::vector<Block> ReadBlocks(ByteSpan record, std::uint64_t offset, std::uint64_t limit) {
+  std::vector<Block> blocks;
+  while (const std::optional<Block> block = ReadBlock(record, offset, limit)) {
+    blocks.push_back(*block);
     offset = AlignedTo4(block->end);
   }
+  return blocks;
 }
 
 std::string VersionText(std::uint32_t high, std::uint32_t low) {
@@ -100,20 +99,20 @@ std::optional<VersionRecord> ReadVersionRecord(ByteSpan resource) {
   VersionRecord record;
   record.fileVersion = VersionText(root->value.U32(8), root->value.U32(12));
   record.productVersion = VersionText(root->value.U32(16), root->value.U32(20));
-  ForEachBlock(resource, root->childrenOffset, root->end, [&](const Block& info) {
+  for (const Block& info : ReadBlocks(resource, root->childrenOffset, root->end)) {
     if (info.key != "StringFileInfo") {
-      return true;
+      continue;
     }
-    ForEachBlock(resource, info.childrenOffset, info.end, [&](const Block& language) {
-      ForEachBlock(resource, language.childrenOffset, language.end, [&](const Block& text) {
+    const std::vector<Block> languages = ReadBlocks(resource, info.childrenOffset, info.end);
+    if (!languages.empty()) {
+      const Block& language = languages.front();
+      for (const Block& text : ReadBlocks(resource, language.childrenOffset, language.end)) {
         std::uint64_t ignored = 0;
         record.texts.emplace(text.key, Utf16Text(text.value, &ignored));
-        return true;
-      });
-      return false;  // the first language is enough
-    });
-    return false;
-  });
+      }
+    }
+    break;
+  }
   return record;
 }
 

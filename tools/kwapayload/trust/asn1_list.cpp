@@ -64,11 +64,8 @@ bool ForEachElement(ByteSpan list, const VisitElement& visit) {
   }
   for (ByteSpan rest = outer->content; !rest.Empty();) {
     const std::optional<Asn1Element> element = FrontElement(rest);
-    if (!element) {
+    if (!element || !visit(*element)) {
       return false;
-    }
-    if (!visit(*element)) {
-      break;
     }
     rest = rest.From(element->whole.Size());
   }

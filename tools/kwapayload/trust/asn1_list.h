@@ -20,7 +20,8 @@ std::optional<Asn1Element> FrontElement(ByteSpan bytes);
 // Returns whether to go on.
 using VisitElement = std::function<bool(const Asn1Element&)>;
 
-// Visits the elements of an encoded list. Returns false for a list that is not well-formed as far as it was visited.
+// Visits the elements of an encoded list. Returns whether it visited all: the list is well-formed, and no visit ended
+// it.
 bool ForEachElement(ByteSpan list, const VisitElement& visit);
 
 // Visits the values of all attributes of a type in an encoded list.

@@ -8,38 +8,28 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <memory>
 #include <string>
 
 #include "base/byte_span.h"
 
 namespace kwa {
 
-// A structure of libcrypto's templates, decoded from the first bytes of a span; for the sources of this folder alone.
+// A structure of libcrypto's templates, decoded from the first bytes of a span, or null; for the sources of this folder
+// alone.
 // Lists that a hostile file could make long stay encoded in it, as ASN1_SEQUENCE or ASN1_ANY: decoded, each of their
 // bytes would take fifty bytes of memory.
 template <typename T>
-class Asn1Value {
- public:
-  Asn1Value(ByteSpan bytes, const ASN1_ITEM* itsItem) : item(itsItem) {
-    const unsigned char* at = bytes.Data();
-    const auto size = static_cast<long>(std::min<std::size_t>(bytes.Size(), INT_MAX));
-    value = reinterpret_cast<T*>(ASN1_item_d2i(nullptr, &at, size, item));
-    if (value == nullptr) {
-      ERR_clear_error();
-    }
+std::shared_ptr<const T> Decoded(ByteSpan bytes, const ASN1_ITEM* item) {
+  const unsigned char* at = bytes.Data();
+  const auto size = static_cast<long>(std::min<std::size_t>(bytes.Size(), INT_MAX));
+  ASN1_VALUE* const value = ASN1_item_d2i(nullptr, &at, size, item);
+  if (value == nullptr) {
+    ERR_clear_error();
+    return nullptr;
   }
-  Asn1Value(const Asn1Value&) = delete;
-  Asn1Value& operator=(const Asn1Value&) = delete;
-  ~Asn1Value() { ASN1_item_free(reinterpret_cast<ASN1_VALUE*>(value), item); }
-
-  explicit operator bool() const { return value != nullptr; }
-  const T* operator->() const { return value; }
-  const T* Get() const { return value; }
-
- private:
-  const ASN1_ITEM* item;
-  T* value;
-};
+  return {reinterpret_cast<T*>(value), [value, item](const T*) { ASN1_item_free(value, item); }};
+}
 
 // The bytes of a text or number; for a value that stays encoded, tag and length included. Empty for null.
 inline ByteSpan BytesOf(const ASN1_STRING* text) {
@@ -65,10 +55,8 @@ inline std::string DottedNumbers(const ASN1_OBJECT* object) {
 
 // The name of an algorithm for Digest; its dotted numbers where libcrypto lacks it.
 inline std::string DigestName(const X509_ALGOR* algorithm) {
-  const ASN1_OBJECT* object = nullptr;
-  X509_ALGOR_get0(&object, nullptr, nullptr, algorithm);
-  const EVP_MD* const digest = EVP_get_digestbynid(OBJ_obj2nid(object));
-  return digest == nullptr ? DottedNumbers(object) : EVP_MD_get0_name(digest);
+  const EVP_MD* const digest = EVP_get_digestbynid(OBJ_obj2nid(algorithm->algorithm));
+  return digest == nullptr ? DottedNumbers(algorithm->algorithm) : EVP_MD_get0_name(digest);
 }
 
 }  // namespace kwa

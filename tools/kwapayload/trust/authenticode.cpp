@@ -46,10 +46,10 @@ std::vector<Signature> ReadEmbeddedSignatures(FileDigests& file) {
     table = table.From((size + kAlignment - 1) / kAlignment * kAlignment);
   }
   // Windows ignores bytes that were added to the table after a signature.
-  if (signatures.empty() && !isWhole) {
-    signatures.push_back({"", Failure("is not all there: the certificate table is damaged"), false, {}});
-  } else if (signatures.empty() && !image->CertificateTable().Empty()) {
-    signatures.push_back({"", Failure("is missing: the certificate table holds nothing that is signed"), false, {}});
+  if (signatures.empty() && (!isWhole || !image->CertificateTable().Empty())) {
+    const char* const fault = isWhole ? "is missing: the certificate table holds nothing that is signed"
+                                      : "is not all there: the certificate table is damaged";
+    signatures.push_back({"", Failure(fault), false, {}});
   }
   return signatures;
 }

@@ -3,6 +3,7 @@
 #include <openssl/crypto.h>
 #include <openssl/x509.h>
 
+#include <algorithm>
 #include <array>
 
 #include "base/ascii_text.h"
@@ -114,7 +115,7 @@ void AddExtensions(ByteSpan extensions, Catalog& catalog) {
 }
 
 bool AddMember(ByteSpan member, Catalog& catalog) {
-  const Asn1Value<MemberFields> fields(member, ASN1_ITEM_rptr(MemberFields));
+  const auto fields = Decoded<MemberFields>(member, ASN1_ITEM_rptr(MemberFields));
   if (!fields) {
     return false;
   }
@@ -141,30 +142,29 @@ bool AddMember(ByteSpan member, Catalog& catalog) {
 }
 
 Result<Catalog> ReadTrustList(ByteSpan content) {
-  const Asn1Value<TrustListFields> fields(content, ASN1_ITEM_rptr(TrustListFields));
+  const auto fields = Decoded<TrustListFields>(content, ASN1_ITEM_rptr(TrustListFields));
   if (!fields) {
     return Failure("is a catalog whose list of members is damaged");
   }
   Catalog catalog = {};
-  const ASN1_OBJECT* memberAlgorithm = nullptr;
-  X509_ALGOR_get0(&memberAlgorithm, nullptr, nullptr, fields->memberAlgorithm);
-  const std::string algorithm = DottedNumbers(memberAlgorithm);
+  const std::string algorithm = DottedNumbers(fields->memberAlgorithm->algorithm);
   catalog.version = algorithm == kMemberVersion1 ? 1 : algorithm == kMemberVersion2 ? 2 : 0;
   AddExtensions(EncodedOf(fields->extensions), catalog);
-  bool isSound = true;
-  const bool isList =
-      fields->members == nullptr || ForEachElement(BytesOf(fields->members), [&](const Asn1Element& element) {
-        isSound = ++catalog.memberCount <= kMaxMembers && AddMember(element.whole, catalog);
-        return isSound;
+  const bool isWhole =
+      fields->members == nullptr || ForEachElement(BytesOf(fields->members), [&catalog](const Asn1Element& element) {
+        if (catalog.memberCount == kMaxMembers || !AddMember(element.whole, catalog)) {
+          return false;
+        }
+        ++catalog.memberCount;
+        return true;
       });
-  if (catalog.memberCount > kMaxMembers) {
+  if (isWhole) {
+    return catalog;
+  }
+  if (catalog.memberCount == kMaxMembers) {
     return Failure("is a catalog of more than 100000 members");
   }
-  if (!isList || !isSound) {
-    return Failure("is a catalog whose member " + std::to_string(catalog.memberCount + (isSound ? 1 : 0)) +
-                   " is damaged");
-  }
-  return catalog;
+  return Failure("is a catalog whose member " + std::to_string(catalog.memberCount + 1) + " is damaged");
 }
 
 }  // namespace
@@ -192,23 +192,15 @@ Result<Catalog> ReadCatalog(ByteSpan file) {
 }
 
 bool Covers(const Catalog& catalog, FileDigests& file) {
-  for (const auto& [algorithm, digests] : catalog.digests) {
-    if (digests.count(file.Of(algorithm)) != 0) {
-      return true;
-    }
-  }
-  return false;
+  return std::any_of(catalog.digests.begin(), catalog.digests.end(),
+                     [&file](const auto& ofOne) { return ofOne.second.count(file.Of(ofOne.first)) != 0; });
 }
 
 std::optional<std::string> CoveringLineEnds(const Catalog& catalog, ByteSpan text) {
-  constexpr struct {
-    const char* name;
-    const char* bytes;
-  } kLineEnds[] = {{"CR LF", "\r\n"}, {"LF", "\n"}};
   for (const auto& [algorithm, digests] : catalog.digests) {
-    for (const auto& lineEnd : kLineEnds) {
-      if (digests.count(DigestWithLineEnds(text, lineEnd.bytes, algorithm)) != 0) {
-        return lineEnd.name;
+    for (const bool isCrLf : {true, false}) {
+      if (digests.count(DigestWithLineEnds(text, isCrLf ? "\r\n" : "\n", algorithm)) != 0) {
+        return isCrLf ? "CR LF" : "LF";
       }
     }
   }

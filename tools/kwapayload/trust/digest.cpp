@@ -6,28 +6,19 @@
 
 namespace kwa {
 
-struct Digest::Context {
-  struct Free {
-    void operator()(EVP_MD_CTX* digest) const { EVP_MD_CTX_free(digest); }
-  };
-  std::unique_ptr<EVP_MD_CTX, Free> handle{EVP_MD_CTX_new()};
-};
-
-Digest::Digest(const std::string& algorithm) : context(std::make_unique<Context>()) {
+Digest::Digest(const std::string& algorithm) : context(EVP_MD_CTX_new(), EVP_MD_CTX_free) {
   const EVP_MD* const kind = EVP_get_digestbyname(algorithm.c_str());
-  isGood = kind != nullptr && EVP_DigestInit_ex(context->handle.get(), kind, nullptr) == 1;
+  isGood = kind != nullptr && EVP_DigestInit_ex(context.get(), kind, nullptr) == 1;
 }
 
-Digest::~Digest() = default;
-
 void Digest::Add(ByteSpan part) {
-  isGood = isGood && EVP_DigestUpdate(context->handle.get(), part.Data(), part.Size()) == 1;
+  isGood = isGood && EVP_DigestUpdate(context.get(), part.Data(), part.Size()) == 1;
 }
 
 std::string Digest::Bytes() {
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest = {};
   unsigned size = 0;
-  isGood = isGood && EVP_DigestFinal_ex(context->handle.get(), digest.data(), &size) == 1;
+  isGood = isGood && EVP_DigestFinal_ex(context.get(), digest.data(), &size) == 1;
   return isGood ? std::string(digest.begin(), digest.begin() + size) : "";
 }
 

@@ -5,21 +5,21 @@
 
 #include "base/byte_span.h"
 
+struct evp_md_ctx_st;  // libcrypto's digest
+
 namespace kwa {
 
 // A digest of bytes that come in parts. An algorithm goes by libcrypto's name, such as "SHA256".
 class Digest {
  public:
   explicit Digest(const std::string& algorithm);
-  ~Digest();
 
   void Add(ByteSpan part);
   // The digest's bytes, "" where libcrypto lacks the algorithm. Called once, at the end.
   std::string Bytes();
 
  private:
-  struct Context;
-  std::unique_ptr<Context> context;
+  std::shared_ptr<evp_md_ctx_st> context;
   bool isGood;
 };
 

@@ -9,41 +9,30 @@
 namespace kwa {
 namespace {
 
-// The parts of a program that its image digest covers, without the padding. None where the certificate table overlaps
-// the headers.
-std::vector<ByteSpan> SignedParts(const PeImage& image) {
-  const std::uint64_t optionalHeader = std::uint64_t{image.headerOffset} + 24;
-  const std::uint64_t checkSum = optionalHeader + 64;
-  const std::uint64_t securityEntry = optionalHeader + (image.isPlus ? 112 : 96) + kPeSecurityDirectory * 8;
-  const ByteSpan head = image.file.Part(0, checkSum);
-  if (image.directories.size() <= kPeSecurityDirectory) {
-    return {head, image.file.From(checkSum + 4)};
-  }
-  const ByteSpan afterCheckSum = image.file.Part(checkSum + 4, securityEntry - checkSum - 4);
-  const ByteSpan table = image.CertificateTable();
-  if (table.Empty()) {
-    return {head, afterCheckSum, image.file.From(securityEntry + 8)};
-  }
-  const auto tableBegin = static_cast<std::uint64_t>(table.Data() - image.file.Data());
-  if (tableBegin < securityEntry + 8) {
-    return {};
-  }
-  return {head, afterCheckSum, image.file.Part(securityEntry + 8, tableBegin - securityEntry - 8),
-          image.file.From(tableBegin + table.Size())};
-}
-
 std::string ImageDigest(const PeImage& image, const std::string& algorithm) {
-  const std::vector<ByteSpan> parts = SignedParts(image);
-  if (parts.empty()) {
-    return "";
+  const std::uint64_t optionalHeader = std::uint64_t{image.headerOffset} + 24;
+  const ByteSpan table = image.CertificateTable();
+  // What is left out: offsets in the file and sizes.
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> gaps = {{optionalHeader + 64, 4}};  // the checksum
+  if (image.directories.size() > kPeSecurityDirectory) {
+    gaps.emplace_back(optionalHeader + image.OptionalHeaderSize() + kPeSecurityDirectory * 8, 8);
+  }
+  if (!table.Empty()) {
+    gaps.emplace_back(table.Data() - image.file.Data(), table.Size());
   }
   Digest digest(algorithm);
-  for (const ByteSpan part : parts) {
-    digest.Add(part);
+  std::uint64_t at = 0;
+  for (const auto& [offset, size] : gaps) {
+    if (offset < at) {
+      return "";
+    }
+    digest.Add(image.file.Part(at, offset - at));
+    at = offset + size;
   }
-  const std::size_t size = image.file.Size() - image.CertificateTable().Size();
+  digest.Add(image.file.From(at));
   constexpr std::size_t kAlignment = 8;
-  digest.Add(ByteSpan(std::string_view("\0\0\0\0\0\0\0", (kAlignment - size % kAlignment) % kAlignment)));
+  const std::size_t padding = (kAlignment - (image.file.Size() - table.Size()) % kAlignment) % kAlignment;
+  digest.Add(ByteSpan(std::string(padding, '\0')));
   return digest.Bytes();
 }
 
@@ -74,27 +63,23 @@ const std::string& FileDigests::Of(const std::string& algorithm) {
 std::string DigestWithLineEnds(ByteSpan text, std::string_view lineEnd, const std::string& algorithm) {
   constexpr std::size_t kBufferSize = 64 * 1024;
   Digest digest(algorithm);
-  std::string buffer(kBufferSize, '\0');
-  std::size_t size = 0;
-  bool isAfterReturn = false;
+  std::string buffer;
   for (const char character : text.Text()) {
-    if (isAfterReturn && character != '\n') {
-      buffer[size++] = '\r';
+    if (character != '\n') {
+      buffer += character;
+    } else {
+      if (!buffer.empty() && buffer.back() == '\r') {
+        buffer.pop_back();
+      }
+      buffer += lineEnd;
     }
-    isAfterReturn = character == '\r';
-    if (character == '\n') {
-      size += lineEnd.copy(&buffer[size], lineEnd.size());
-    } else if (!isAfterReturn) {
-      buffer[size++] = character;
-    }
-    // One character adds at most three.
-    if (size > kBufferSize - 3) {
-      digest.Add(ByteSpan(buffer).Part(0, size));
-      size = 0;
+    if (buffer.size() > kBufferSize) {
+      // A CR at the end may turn out to be part of a line end.
+      digest.Add(ByteSpan(buffer).Part(0, buffer.size() - 1));
+      buffer.erase(0, buffer.size() - 1);
     }
   }
-  digest.Add(ByteSpan(buffer).Part(0, size));
-  digest.Add(ByteSpan(isAfterReturn ? "\r" : ""));
+  digest.Add(ByteSpan(buffer));
   return digest.Bytes();
 }
 

@@ -17,7 +17,6 @@ class FileDigests {
   // fileBytes  must outlive this object
   explicit FileDigests(ByteSpan fileBytes);
 
-  ByteSpan File() const { return file; }
   // Null for what is no Windows program.
   const PeImage* Image() const { return image ? &*image : nullptr; }
 
@@ -35,7 +34,7 @@ class FileDigests {
 
 // The digest that a text would have with other line ends.
 //
-// lineEnd  at most 2 characters, in place of each LF or CR LF
+// lineEnd  in place of each LF or CR LF; it ends with LF
 std::string DigestWithLineEnds(ByteSpan text, std::string_view lineEnd, const std::string& algorithm);
 
 }  // namespace kwa

@@ -41,8 +41,8 @@ Timestamp ReadCounterSignature(ByteSpan element, const SignerInfo& signer, const
     return {false, "", tl::unexpected(counterSigner.error())};
   }
   const ByteSpan signingTime = AttributeValue(ByteSpan(counterSigner->signedAttributes), kSigningTime);
-  const Asn1Value<ASN1_TIME> time(signingTime, ASN1_ITEM_rptr(ASN1_TIME));
-  Timestamp timestamp = {false, TimeText(time.Get()), {}};
+  const auto time = Decoded<ASN1_TIME>(signingTime, ASN1_ITEM_rptr(ASN1_TIME));
+  Timestamp timestamp = {false, TimeText(time.get()), {}};
   timestamp.check =
       CheckSigner(*counterSigner, ByteSpan(signer.signature), certificates, SignerKind::CounterSigner).check;
   if (timestamp.check && timestamp.time.empty()) {
@@ -76,7 +76,7 @@ Timestamp ReadTimestampToken(ByteSpan element, const SignerInfo& signer) {
   } else if (TextOf(TS_MSG_IMPRINT_get_msg(imprint)) != digest) {
     timestamp.check = Failure("is one of another signature");
   } else {
-    const Certificates certificates(token->certificates);
+    const Certificates certificates = ReadCertificates(token->certificates);
     timestamp.check =
         CheckSigner(token->signers.front(), token->SignedOctets(), certificates, SignerKind::Signer).check;
   }
@@ -124,7 +124,7 @@ void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentCheck& chec
     // Its certificates would be decoded in vain: a file has room for thousands.
     return;
   }
-  const Certificates certificates(data->certificates);
+  const Certificates certificates = ReadCertificates(data->certificates);
   for (const SignerInfo& signer : data->signers) {
     if (!HasRoom(signatures)) {
       return;

@@ -79,14 +79,9 @@ ASN1_SEQUENCE(IndirectDataFields) = {
 } static_ASN1_SEQUENCE_END(IndirectDataFields);
 
 PssParameters ReadPssParameters(const X509_ALGOR* algorithm) {
-  const ASN1_OBJECT* object = nullptr;
-  const void* value = nullptr;
-  int type = V_ASN1_UNDEF;
-  X509_ALGOR_get0(&object, &type, &value, algorithm);
-  const std::string unread = DottedNumbers(object);
-  const ByteSpan encoded = type == V_ASN1_SEQUENCE ? BytesOf(static_cast<const ASN1_STRING*>(value)) : ByteSpan();
-  const Asn1Value<RSA_PSS_PARAMS> fields(encoded, ASN1_ITEM_rptr(RSA_PSS_PARAMS));
+  const auto fields = Decoded<RSA_PSS_PARAMS>(EncodedOf(algorithm->parameter), ASN1_ITEM_rptr(RSA_PSS_PARAMS));
   if (!fields) {
+    const std::string unread = DottedNumbers(algorithm->algorithm);
     return {unread, unread};
   }
   // Both are SHA-1 where nothing else is said (RFC 4055, 3.1).
@@ -94,12 +89,10 @@ PssParameters ReadPssParameters(const X509_ALGOR* algorithm) {
   if (fields->hashAlgorithm != nullptr) {
     pss.digestAlgorithm = DigestName(fields->hashAlgorithm);
   }
-  if (fields->maskGenAlgorithm != nullptr) {
-    X509_ALGOR_get0(&object, &type, &value, fields->maskGenAlgorithm);
-    const ByteSpan parameter = type == V_ASN1_SEQUENCE ? BytesOf(static_cast<const ASN1_STRING*>(value)) : ByteSpan();
-    const Asn1Value<X509_ALGOR> digest(parameter, ASN1_ITEM_rptr(X509_ALGOR));
-    pss.maskDigestAlgorithm =
-        OBJ_obj2nid(object) == NID_mgf1 && digest ? DigestName(digest.Get()) : DottedNumbers(object);
+  if (const X509_ALGOR* const mask = fields->maskGenAlgorithm) {
+    const auto digest = Decoded<X509_ALGOR>(EncodedOf(mask->parameter), ASN1_ITEM_rptr(X509_ALGOR));
+    const bool isKnown = OBJ_obj2nid(mask->algorithm) == NID_mgf1 && digest;
+    pss.maskDigestAlgorithm = isKnown ? DigestName(digest.get()) : DottedNumbers(mask->algorithm);
   }
   return pss;
 }
@@ -115,11 +108,11 @@ Result<SignedData> ReadSignedData(ByteSpan bytes) {
   if (bytes.Size() > kMaxSize) {
     return Failure("is larger than 64 MiB");
   }
-  const Asn1Value<ContentInfoFields> outer(bytes, ASN1_ITEM_rptr(ContentInfoFields));
+  const auto outer = Decoded<ContentInfoFields>(bytes, ASN1_ITEM_rptr(ContentInfoFields));
   if (!outer || OBJ_obj2nid(outer->type) != NID_pkcs7_signed) {
     return Failure("is no signed data");
   }
-  const Asn1Value<SignedDataFields> fields(EncodedOf(outer->content), ASN1_ITEM_rptr(SignedDataFields));
+  const auto fields = Decoded<SignedDataFields>(EncodedOf(outer->content), ASN1_ITEM_rptr(SignedDataFields));
   if (!fields) {
     return Failure("is no signed data");
   }
@@ -133,26 +126,24 @@ Result<SignedData> ReadSignedData(ByteSpan bytes) {
       return Failure("is no signed data");
     }
   }
-  bool isSound = true;
-  const bool isList = ForEachElement(EncodedOf(fields->signers), [&](const Asn1Element& element) {
+  const bool isWhole = ForEachElement(EncodedOf(fields->signers), [&](const Asn1Element& element) {
     Result<SignerInfo> signer = ReadSignerInfo(element.whole);
-    isSound = signer.has_value();
-    if (isSound) {
+    if (signer) {
       data.signers.push_back(std::move(*signer));
     }
-    return isSound && data.signers.size() <= kMaxSigners;
+    return signer && data.signers.size() <= kMaxSigners;
   });
   if (data.signers.size() > kMaxSigners) {
     return Failure("has more than 16 signers");
   }
-  if (!isList || !isSound) {
+  if (!isWhole) {
     return Failure("has a damaged list of signers");
   }
   return data;
 }
 
 Result<SignerInfo> ReadSignerInfo(ByteSpan bytes) {
-  const Asn1Value<SignerInfoFields> fields(bytes, ASN1_ITEM_rptr(SignerInfoFields));
+  const auto fields = Decoded<SignerInfoFields>(bytes, ASN1_ITEM_rptr(SignerInfoFields));
   if (!fields) {
     return Failure("is unreadable");
   }
@@ -168,9 +159,7 @@ Result<SignerInfo> ReadSignerInfo(ByteSpan bytes) {
     constexpr char kSetTag = 0x31;
     signer.signedAttributes.front() = kSetTag;
   }
-  const ASN1_OBJECT* signatureAlgorithm = nullptr;
-  X509_ALGOR_get0(&signatureAlgorithm, nullptr, nullptr, fields->signatureAlgorithm);
-  if (OBJ_obj2nid(signatureAlgorithm) == NID_rsassaPss) {
+  if (OBJ_obj2nid(fields->signatureAlgorithm->algorithm) == NID_rsassaPss) {
     signer.pss = ReadPssParameters(fields->signatureAlgorithm);
   }
   signer.signature = TextOf(fields->signature);
@@ -179,7 +168,7 @@ Result<SignerInfo> ReadSignerInfo(ByteSpan bytes) {
 }
 
 Result<IndirectData> ReadIndirectData(ByteSpan element) {
-  const Asn1Value<IndirectDataFields> fields(element, ASN1_ITEM_rptr(IndirectDataFields));
+  const auto fields = Decoded<IndirectDataFields>(element, ASN1_ITEM_rptr(IndirectDataFields));
   if (!fields) {
     return Failure("is unreadable");
   }

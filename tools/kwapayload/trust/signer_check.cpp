@@ -25,13 +25,6 @@ constexpr std::size_t kMaxNameSize = 256;  // bytes; the 64 characters of X.520 
 
 constexpr char kMessageDigest[] = "1.2.840.113549.1.9.4";
 
-struct Free {
-  void operator()(EVP_PKEY_CTX* context) const { EVP_PKEY_CTX_free(context); }
-  void operator()(unsigned char* text) const { OPENSSL_free(text); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Free>;
-
 bool BelongsTo(const X509* certificate, const SignerInfo& signer) {
   if (!signer.keyIdentifier.empty()) {
     return TextOf(X509_get0_subject_key_id(const_cast<X509*>(certificate))) == signer.keyIdentifier;
@@ -54,14 +47,14 @@ std::string CommonName(const X509* certificate) {
   if (size < 0) {
     return "";
   }
-  const Owned<unsigned char> owner(utf8);
-  const ByteSpan name(utf8, static_cast<std::size_t>(size));
-  std::size_t end = std::min(name.Size(), kMaxNameSize);
+  std::string name(utf8, utf8 + size);
+  OPENSSL_free(utf8);
+  std::size_t end = std::min(name.size(), kMaxNameSize);
   // A character is not cut in two.
-  while ((name.U8(end) & 0xC0) == 0x80) {
+  while (end < name.size() && (name[end] & 0xC0) == 0x80) {
     --end;
   }
-  return std::string(name.Part(0, end).Text());
+  return name.substr(0, end);
 }
 
 // Whether a check with the key takes long: keys of more than 8192 bits, or an RSA exponent of more than 32.
@@ -75,7 +68,7 @@ bool IsSlow(const EVP_PKEY* key) {
 
 // isBare  whether the digest alone was signed, without its algorithm
 Check CheckWithKey(EVP_PKEY* key, const SignerInfo& signer, ByteSpan digest, bool isBare) {
-  const Owned<EVP_PKEY_CTX> context(EVP_PKEY_CTX_new(key, nullptr));
+  const std::shared_ptr<EVP_PKEY_CTX> context(EVP_PKEY_CTX_new(key, nullptr), EVP_PKEY_CTX_free);
   const EVP_MD* const algorithm = EVP_get_digestbyname(signer.digestAlgorithm.c_str());
   bool isReady = context && EVP_PKEY_verify_init(context.get()) == 1;
   if (signer.pss) {
@@ -120,9 +113,9 @@ Check CheckSignature(const SignerInfo& signer, ByteSpan content, const X509* cer
     return Failure("has signed attributes of indefinite length, which are not known here");
   }
   if (!attributes.Empty()) {
-    const Asn1Value<ASN1_OCTET_STRING> stated(AttributeValue(attributes, kMessageDigest),
-                                              ASN1_ITEM_rptr(ASN1_OCTET_STRING));
-    if (BytesOf(stated.Get()).Text() != digest) {
+    const auto stated =
+        Decoded<ASN1_OCTET_STRING>(AttributeValue(attributes, kMessageDigest), ASN1_ITEM_rptr(ASN1_OCTET_STRING));
+    if (BytesOf(stated.get()).Text() != digest) {
       return Failure("does not fit what it signs");
     }
     digest = DigestOf(attributes, signer.digestAlgorithm);
@@ -143,30 +136,21 @@ Check CheckSignature(const SignerInfo& signer, ByteSpan content, const X509* cer
 
 }  // namespace
 
-void Certificates::Free::operator()(X509* certificate) const {
-  X509_free(certificate);
-}
-
-Certificates::Certificates(const std::string& encodedList) {
-  std::size_t count = 0;
-  ForEachElement(ByteSpan(encodedList), [&](const Asn1Element& element) {
-    const unsigned char* at = element.whole.Data();
-    if (element.whole.Size() <= kMaxCertificateSize) {
-      list.emplace_back(d2i_X509(nullptr, &at, static_cast<long>(element.whole.Size())));
-    }
-    return ++count < kMaxCertificates;
+Certificates ReadCertificates(const std::string& encodedList) {
+  Certificates certificates;
+  ForEachElement(ByteSpan(encodedList), [&certificates](const Asn1Element& element) {
+    const bool isSmall = element.whole.Size() <= kMaxCertificateSize;
+    certificates.push_back(isSmall ? Decoded<X509>(element.whole, ASN1_ITEM_rptr(X509)) : nullptr);
+    return certificates.size() < kMaxCertificates;
   });
-}
-
-const X509* Certificates::Find(const SignerInfo& signer) const {
-  const auto found = std::find_if(list.begin(), list.end(), [&signer](const auto& certificate) {
-    return certificate && BelongsTo(certificate.get(), signer);
-  });
-  return found == list.end() ? nullptr : found->get();
+  return certificates;
 }
 
 SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, const Certificates& certificates, SignerKind kind) {
-  const X509* const certificate = certificates.Find(signer);
+  const auto found = std::find_if(certificates.begin(), certificates.end(), [&signer](const auto& certificate) {
+    return certificate && BelongsTo(certificate.get(), signer);
+  });
+  const X509* const certificate = found == certificates.end() ? nullptr : found->get();
   SignerCheck result = {certificate != nullptr ? CommonName(certificate) : "",
                         CheckSignature(signer, content, certificate, kind)};
   ERR_clear_error();

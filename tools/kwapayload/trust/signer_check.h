@@ -13,19 +13,8 @@ struct x509_st;  // libcrypto's certificate
 namespace kwa {
 
 // The certificates that come with signed data. Those after the 32nd, and those larger than 16 KiB, are left out.
-class Certificates {
- public:
-  explicit Certificates(const std::string& encodedList);
-
-  // The signer's certificate, which belongs to this object, or null.
-  const x509_st* Find(const SignerInfo& signer) const;
-
- private:
-  struct Free {
-    void operator()(x509_st* certificate) const;
-  };
-  std::vector<std::unique_ptr<x509_st, Free>> list;
-};
+using Certificates = std::vector<std::shared_ptr<const x509_st>>;
+Certificates ReadCertificates(const std::string& encodedList);
 
 struct SignerCheck {
   std::string name;  // the common name in the certificate, UTF-8 as it is; "" where there is none

@@ -60,8 +60,9 @@ bool IsListed(const OldWindowsLibrary& library, const std::string& function) {
 }
 
 const OldWindowsLibrary* FindOldLibrary(const std::string& name) {
-  const auto* const found = std::find_if(std::begin(kOldWindowsLibraries), std::end(kOldWindowsLibraries),
-                                         [&name](const OldWindowsLibrary& library) { return library.name == name; });
+  const auto* const found =
+      std::find_if(std::begin(kOldWindowsLibraries), std::end(kOldWindowsLibraries),
+                   [&name](const OldWindowsLibrary& library) { return IsSameText(library.name, name); });
   return found == std::end(kOldWindowsLibraries) ? nullptr : found;
 }
 
@@ -71,7 +72,7 @@ void VerifyImports(const PeImage& image, Findings* findings) {
     findings->AddError("executable", "its import table is damaged", "imports-damaged");
   }
   for (const ImportedLibrary& imported : imports.libraries) {
-    const OldWindowsLibrary* const library = FindOldLibrary(LowerCase(imported.name));
+    const OldWindowsLibrary* const library = FindOldLibrary(imported.name);
     const std::string where = "executable, imports of " + imported.name;
     if (library == nullptr) {
       findings->AddError(where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed");
