@@ -36,8 +36,8 @@ Check CheckNameField(ByteSpan field) {
   return {};
 }
 
-// Calls `visit` with the offset of each magic outside sound archives, in their order, and with what ReadArchive says of
-// it, until it returns false.
+// Calls `visit` with the offset of each magic that a name follows, outside sound archives, in their order, and with what
+// ReadArchive says of it, until it returns false.
 //
 // The work is linear, even where tables overlap on purpose: the name field of one table then consists of another's
 // names and sizes. Both need text where the other has zeros, so one of the two soon has a size that leads out of the
@@ -45,7 +45,8 @@ Check CheckNameField(ByteSpan field) {
 template <typename Visit>
 void ForEachMagic(ByteSpan area, Visit visit) {
   for (std::uint64_t offset = 0; area.Contains(offset, BodiesPosition(1)); offset += kWordSize) {
-    if (area.U32(offset) != kArchiveMagic) {
+    if (area.U32(offset) != kArchiveMagic ||
+        !CheckNameField(area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity))) {
       continue;
     }
     Result<ParsedArchive> archive = ReadArchive(area, offset);
@@ -121,7 +122,7 @@ std::vector<ParsedArchive> FindArchives(ByteSpan area) {
 std::vector<BrokenArchive> FindBrokenArchives(ByteSpan area) {
   std::vector<BrokenArchive> broken;
   ForEachMagic(area, [&](std::uint64_t offset, Result<ParsedArchive> archive) {
-    if (!archive && CheckNameField(area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity))) {
+    if (!archive) {
       broken.push_back({offset, std::move(archive.error())});
     }
     return broken.size() < kMaxBrokenArchives;
