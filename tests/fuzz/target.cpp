@@ -6,13 +6,8 @@
 #include <utility>
 
 #include "content/file_kind.h"
-#include "inf/catalog_name.h"
-#include "inf/copied_files.h"
-#include "inf/inf_platform.h"
-#include "inf/models.h"
-#include "inf/profile_value.h"
+#include "inf/platform_inf.h"
 #include "inf/setup_inf.h"
-#include "inf/source_files.h"
 #include "installer/comparison.h"
 #include "installer/preview.h"
 #include "package/package_identity.h"
@@ -60,10 +55,7 @@ void ReadInf(kwa::ByteSpan bytes) {
   kwa::PreviewDpinstConfig(identity, false);
   const kwa::SetupInf inf(text);
   for (const kwa::InfPlatform platform : kwa::kInfPlatforms) {
-    kwa::CatalogName(inf, platform);
-    kwa::ReadModels(inf, platform);
-    kwa::ReadCopiedFiles(inf, platform);
-    kwa::ReadSourceFiles(inf, platform);
+    kwa::ReadPlatformInf(inf, platform);
   }
 }
 

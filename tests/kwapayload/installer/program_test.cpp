@@ -10,14 +10,14 @@
 namespace {
 
 struct Parts {
-  std::string a = "a";         // the file in archive A
-  std::string code = "\xC3";   // after the addresses of the archives
-  std::string constant = "c";  // in the read-only data
-  std::string afterArchives;   // in their section
+  std::string a = "a";        // the file in archive A
+  std::string code = "\xC3";  // after the addresses of the archives
+  std::string afterArchives;  // in their section
   std::uint16_t subsystem = 2;
   std::uint32_t moreMemory = 0;  // of their section, than the archives need
   bool areSwapped = false;       // the addresses of the two archives
   bool isSigned = false;
+  std::string atEnd;
 };
 
 std::string Installer(const Parts& parts) {
@@ -31,7 +31,7 @@ std::string Installer(const Parts& parts) {
   image.subsystem = parts.subsystem;
   image.sections = {
       {".text", kCode, (parts.areSwapped ? addressB + addressA : addressA + addressB) + parts.code},
-      {".rdata", kReadOnlyData, parts.constant},
+      {".rdata", kReadOnlyData, "c"},
       {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(12) + std::string("\0\x30\4\x30", 4)},
       {".payload", kReadOnlyData, payload, static_cast<std::uint32_t>(archives.size()) + parts.moreMemory}};
   image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2), 12};
@@ -44,7 +44,7 @@ std::string Installer(const Parts& parts) {
     bytes.resize(size);
     bytes += WordBytes(16) + "a signature.";
   }
-  return bytes;
+  return bytes + parts.atEnd;
 }
 
 kwa::Program Program(const std::string& bytes) {
@@ -52,28 +52,23 @@ kwa::Program Program(const std::string& bytes) {
 }
 
 TEST(ReadProgram, IsTheSameAroundAnotherPayloadAndSignature) {
-  const auto changed = [](auto change) {
-    Parts parts;
-    change(parts);
-    return Installer(parts);
-  };
   // clang-format off
-  const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {changed([](Parts& parts) { parts.a = std::string(5001, 'a'); }), {}},
-      {changed([](Parts& parts) { parts.isSigned = true; }), {}},
-      {changed([](Parts& parts) { parts.a = "other"; parts.isSigned = true; }), {}},
-      {changed([](Parts& parts) { parts.code = "\xC2"; }), {".text"}},
-      {changed([](Parts& parts) { parts.constant = "d"; }), {".rdata"}},
-      {changed([](Parts& parts) { parts.afterArchives = "x"; }), {".payload", "the places of the archives"}},
-      {changed([](Parts& parts) { parts.moreMemory = 4; }), {"headers", ".text", ".payload", "the places of the archives"}},
-      {changed([](Parts& parts) { parts.subsystem = 3; }), {"headers"}},
-      {changed([](Parts& parts) { parts.areSwapped = true; }), {"the places of the archives"}},
-      {Installer({}) + "x", {"the bytes after the last section"}},
+  const std::pair<void (*)(Parts&), std::vector<std::string>> cases[] = {
+      {[](Parts& parts) { parts.a = std::string(5001, 'a'); }, {}},
+      {[](Parts& parts) { parts.isSigned = true; }, {}},
+      {[](Parts& parts) { parts.code = "\xC2"; }, {".text"}},
+      {[](Parts& parts) { parts.afterArchives = "x"; }, {".payload", "the places of the archives"}},
+      {[](Parts& parts) { parts.moreMemory = 4; }, {"headers", ".text", ".payload", "the places of the archives"}},
+      {[](Parts& parts) { parts.subsystem = 3; }, {"headers"}},
+      {[](Parts& parts) { parts.areSwapped = true; }, {"the places of the archives"}},
+      {[](Parts& parts) { parts.atEnd = "x"; }, {"the bytes after the last section"}},
   };
   // clang-format on
   const kwa::Program before = Program(Installer({}));
-  for (const auto& [bytes, names] : cases) {
-    const kwa::Program after = Program(bytes);
+  for (const auto& [change, names] : cases) {
+    Parts parts;
+    change(parts);
+    const kwa::Program after = Program(Installer(parts));
     ASSERT_EQ(before.parts.size(), after.parts.size());
     std::vector<std::string> differing;
     for (std::size_t i = 0; i < before.parts.size(); ++i) {

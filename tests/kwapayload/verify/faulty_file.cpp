@@ -15,16 +15,8 @@ void Replace(InstallerImage& image, std::size_t at, const std::string& old, cons
   image.SetText(at, text);
 }
 
-// The archives come last in the file, so that a text before them is not one of a carried program.
-std::size_t PlaceInProgram(const InstallerImage& image, const std::string& text) {
-  return image.Bytes().rfind(text, image.A().position);
-}
-
 const char kPackageInf[] = R"([Version]
 Signature="$Windows NT$"
-Class=MEDIA
-ClassGuid={4d36e96c-e325-11ce-bfc1-08002be10318}
-Provider=%Maker%
 DriverVer=01/02/2020,1.0
 DriverPackageDisplayName="Marlin USB"
 CatalogFile=a.cat
@@ -32,36 +24,17 @@ CatalogFile=a.cat
 1=Disk
 [SourceDisksFiles]
 a.sys=1
-[DestinationDirs]
-DefaultDestDir=12
 [Manufacturer]
-%Maker%=Models,NTx86,NTamd64
+KWA=Models,NTx86,NTamd64
 [Models.NTx86]
-Device=Install,USB\VID_FFFE&PID_0001
+Device=Install,ID
 [Models.NTamd64]
-Device=Install,USB\VID_FFFE&PID_0001
+Device=Install,ID
 [Install]
 CopyFiles=Files
-[Install.Services]
-AddService=a,2,Service
-[Service]
-ServiceType=1
-StartType=3
-ErrorControl=1
-ServiceBinary=%12%\a.sys
 [Files]
 a.sys
-[Strings]
-Maker="KWA"
 )";
-
-std::string WithCrLf(const std::string& text) {
-  std::string result;
-  for (const char c : text) {
-    result += c == '\n' ? "\r\n" : std::string(1, c);
-  }
-  return result;
-}
 
 }  // namespace
 
@@ -79,12 +52,10 @@ FaultyFile InHeader(std::size_t offset, const std::string& bytes) {
 }
 
 FaultyFile InProgram(const std::string& old, const std::string& text) {
-  return Installer([=](InstallerImage& image) { Replace(image, PlaceInProgram(image, old), old, text); });
-}
-
-FaultyFile OtherFileVersion() {
-  return Installer(
-      [](InstallerImage& image) { image.SetText(PlaceInProgram(image, "\xBD\x04\xEF\xFE") + 10, "\x02"); });
+  return Installer([=](InstallerImage& image) {
+    // The archives come last in the file, so that a text before them is not one of a carried program.
+    Replace(image, image.Bytes().rfind(old, image.A().position), old, text);
+  });
 }
 
 FaultyFile InBody(const char* file, std::size_t offset, const std::string& bytes) {
@@ -101,37 +72,20 @@ FaultyFile Renamed(const char* file, const std::string& name) {
   return Installer([=](InstallerImage& image) { image.SetName(image.Find(file), name); });
 }
 
-FaultyFile MachineX86(const char* file) {
+FaultyFile InCarriedHeader(const char* file, std::size_t offset, const std::string& bytes) {
   return Installer([=](InstallerImage& image) {
     const std::size_t body = image.Find(file).bodyPosition;
-    image.SetText(body + image.Word(body + 0x3C) + 4, "\x4C\x01");
+    image.SetText(body + image.Word(body + 0x3C) + offset, bytes);
   });
 }
 
-FaultyFile WithoutSignature(const char* file) {
-  return Installer([=](InstallerImage& image) {
-    const std::size_t body = image.Find(file).bodyPosition;
-    image.SetText(body + image.Word(body + 0x3C) + 152, std::string(8, '\0'));
-  });
-}
-
-FaultyFile ManifestName(std::uint32_t name) {
+FaultyFile InResources(std::uint32_t type, ResourceNumber which, std::uint32_t number) {
   return Installer([=](InstallerImage& image) {
     const std::size_t tree = image.Word(image.Bytes().find(".rsrc") + 20);
-    const std::size_t entry = image.Bytes().find(WordBytes(24), tree + 16);
-    const std::size_t directory = tree + (image.Word(entry + 4) & 0x7FFFFFFF);
-    image.SetText(directory + 16, WordBytes(name));
-  });
-}
-
-FaultyFile ResourceType(std::uint32_t type, std::uint32_t other) {
-  return Installer([=](InstallerImage& image) {
-    const std::size_t header = image.Bytes().find(".rsrc");
-    const std::size_t tree = image.Word(header + 20);
     // The first entry of the tree with that number, among those without names.
     const std::size_t entry = image.Bytes().find(WordBytes(type), tree + 16);
-    ASSERT_LT(entry, tree + 16 + 8 * 16);
-    image.SetText(entry, WordBytes(other));
+    const std::size_t directory = tree + (image.Word(entry + 4) & 0x7FFFFFFF);
+    image.SetText(which == ResourceNumber::Type ? entry : directory + 16, WordBytes(number));
   });
 }
 
@@ -147,23 +101,12 @@ FaultyFile Unlisted(const FaultyFile& file) {
   return {file.make, false};
 }
 
-std::string Wide(const std::string& text) {
-  std::string bytes;
-  for (const char c : text) {
-    bytes += {c, '\0'};
-  }
-  return bytes;
-}
-
 FaultyFile Package(const Replacements& inInf, const std::function<void(PackageFiles&)>& change) {
   return {[=] {
     std::string inf = kPackageInf;
     for (const auto& [old, text] : inInf) {
-      const std::size_t at = old.empty() ? inf.size() : inf.find(old);
-      EXPECT_NE(at, std::string::npos) << old;
-      inf.replace(std::min(at, inf.size()), old.size(), text);
+      inf.replace(inf.find(old), old.size(), text);
     }
-    inf = WithCrLf(inf);
     PackageFiles files = {{"a.inf", inf}, {"a.sys", "driver"}, {"a.cat", CatalogOf({inf, "driver"})}};
     if (change) {
       change(files);

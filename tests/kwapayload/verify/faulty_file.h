@@ -21,29 +21,21 @@ FaultyFile Installer(const ImageChange& change);
 FaultyFile InHeader(std::size_t offset, const std::string& bytes);
 // The last place of a text before the archives.
 FaultyFile InProgram(const std::string& old, const std::string& text);
-// The number of the file version in the version record.
-FaultyFile OtherFileVersion();
 FaultyFile InBody(const char* file, std::size_t offset, const std::string& bytes);
 // The first place of a text in the INF.
 FaultyFile InInf(const std::string& old, const std::string& text);
 FaultyFile Renamed(const char* file, const std::string& name);
-// A Windows program of the payload gets the machine x86.
-FaultyFile MachineX86(const char* file);
-// The certificate table of a 32-bit program of the payload is no longer named.
-FaultyFile WithoutSignature(const char* file);
-// The manifest gets another number.
-FaultyFile ManifestName(std::uint32_t name);
-// The resources of one type get another type.
-FaultyFile ResourceType(std::uint32_t type, std::uint32_t other);
+// The same as InHeader, in a program of the payload.
+FaultyFile InCarriedHeader(const char* file, std::size_t offset, const std::string& bytes);
+// The resources of a type get another number for the type, or the first of them for its name.
+enum class ResourceNumber { Type, Name };
+FaultyFile InResources(std::uint32_t type, ResourceNumber which, std::uint32_t number);
 // A signature of 8 bytes after some padding.
 FaultyFile WithSignature(std::uint32_t padding);
 FaultyFile Unlisted(const FaultyFile& file);
 
-// The UTF-16 text without a terminator, of ASCII characters.
-std::string Wide(const std::string& text);
-
 // A package of a.inf, a.sys and a.cat. Texts in the INF are replaced before the catalog is made, the files change after
-// that. The text "" means the end of the INF.
+// that.
 using Replacements = std::vector<std::pair<std::string, std::string>>;
 using PackageFiles = std::map<std::string, std::string>;
 FaultyFile Package(const Replacements& inInf, const std::function<void(PackageFiles&)>& change = nullptr);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "inf/inf_cases.h"
 #include "pe/built_image.h"
 #include "temporary_folder.h"
 #include "trust/built_signature.h"
@@ -28,17 +29,20 @@ struct Row {
 const char kInf[] = "package, marlin_usb.inf";
 const char kPackage[] = "package, a.inf";
 const char kArchive[] = "archive at offset ";
+std::string Wide(const std::string& text) {
+  return Utf16Inf(text).substr(2);
+}
+
 const std::string kVersionText = Wide("FileVersion") + std::string(4, '\0');
 
 // Places in the archive of InArchive.
-constexpr std::size_t Record(std::size_t index) {
-  return 8 + index * 264;
-}
-constexpr std::size_t kTerminator = Record(2) + 8 + 4;
+constexpr std::size_t kSecondEntry = 8 + 264;
+constexpr std::size_t kBodies = kSecondEntry + 264;
+constexpr std::size_t kTerminator = kBodies + 8 + 4;
 
 // More files than findings are kept, and what is kept.
-std::string ManyFiles() {
-  return BuildArchive(std::vector<ArchiveBody>(1001, {"a/b", ""}));
+FaultyFile ManyFiles() {
+  return {[] { return BuildArchive(std::vector<ArchiveBody>(1001, {"a/b", ""})); }};
 }
 
 std::vector<Found> ManyFindings() {
@@ -67,15 +71,15 @@ const Row kRows[] = {
      {{"truncated", "section .payload"}, {"body-past-end", kArchive}}},
     {"no entries", InArchive(4, WordBytes(0)), {{"no-entries", ""}}},
     {"count beyond the end", InArchive(4, WordBytes(0xFFFFFFFF)), {{"table-past-end", ""}}},
-    {"name of 260 bytes", InArchive(Record(1), std::string(260, 'n')), {{"name-not-ended", ""}}},
-    {"no name", InArchive(Record(1), std::string(4, '\0')), {{"name-empty", ""}}},
-    {"control character in a name", InArchive(Record(1), "\x1F"), {{"name-control", ""}}},
-    {"size of 2 GiB", InArchive(Record(1) - 4, WordBytes(0x80000000)), {{"size-too-large", "one"}}},
-    {"size beyond the end", InArchive(Record(2) - 4, WordBytes(99)), {{"body-past-end", "two"}}},
+    {"name of 260 bytes", InArchive(kSecondEntry, std::string(260, 'n')), {{"name-not-ended", ""}}},
+    {"no name", InArchive(kSecondEntry, std::string(4, '\0')), {{"name-empty", ""}}},
+    {"control character in a name", InArchive(kSecondEntry, "\x1F"), {{"name-control", ""}}},
+    {"size of 2 GiB", InArchive(kSecondEntry - 4, WordBytes(0x80000000)), {{"size-too-large", "one"}}},
+    {"size beyond the end", InArchive(kBodies - 4, WordBytes(99)), {{"body-past-end", "two"}}},
     {"no terminator", InArchive(kTerminator, "x"), {{"closing-word", ""}}},
     {"more after the terminator", InArchive(kTerminator + 4, "x"), {{"trailing-bytes", "", kWarning}}},
     {"padding", InBody("marlin_usb.cat", 11519, "x"), {{"padding", "archive A, marlin_usb.cat", kWarning}}},
-    {"more findings than are kept", {ManyFiles}, ManyFindings()},
+    {"more findings than are kept", ManyFiles(), ManyFindings()},
 
     // The list of contents and the files that the installer names.
     {"folder in a name", Renamed("dpinst.exe", "dp\\nst.exe"), {{"name-unfit", "archive B, dp\\nst.exe"}}},
@@ -86,20 +90,18 @@ const Row kRows[] = {
       {"not-used", "archive B, dwa.bmp", kWarning}}},
     {"size", Installer([](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); }),
      {{"size", "archive B, eula_en.txt"}, {"line-ends", "archive B, eula_en.txt", kWarning}}},
-    {"driver of the wrong machine", MachineX86("marlin_usb_64.sys"), 
+    {"driver of the wrong machine", InCarriedHeader("marlin_usb_64.sys", 4, "\x4C\x01"), 
      {{"kind", "archive A, marlin_usb_64.sys"}, {"driver-machine", "archive A, marlin_usb_64.sys"}}},
     {"bitmap of other geometry", InBody("kwa.bmp", 18, "2"),
      {{"kind", "archive B, kwa.bmp"}, {"companion-kind", "archive B, kwa.bmp"}}},
     {"missing, without a list", Unlisted(Renamed("eula_de.txt", "eula_da.txt")), 
      {{"missing-file", "eula_de.txt"}, {"not-used", "archive B, eula_da.txt", kWarning}}},
-    {"wrong machine, without a list", Unlisted(MachineX86("dpinst64.exe")), {{"companion-kind", "archive B, dpinst64.exe"}}},
-    {"DPInst without a signature", Unlisted(WithoutSignature("dpinst.exe")), {{"dpinst-unsigned", "archive B, dpinst.exe"}}},
+    {"wrong machine, without a list", Unlisted(InCarriedHeader("dpinst64.exe", 4, "\x4C\x01")), {{"companion-kind", "archive B, dpinst64.exe"}}},
+    {"DPInst without a signature", Unlisted(InCarriedHeader("dpinst.exe", 152, std::string(8, '\0'))), {{"dpinst-unsigned", "archive B, dpinst.exe"}}},
     {"a configuration", Unlisted(Renamed("kwa.bmp", "DPINST.XML")),
      {{"order", "archive B, DPINST.XML", kWarning}, {"missing-file", "kwa.bmp"}, {"dpinst-xml-carried", "archive B, DPINST.XML"},
       {"not-used", "archive B, DPINST.XML", kWarning}}},
     {"line ends", Unlisted(InBody("eula_en.txt", 3, "\n")), {{"line-ends", "archive B, eula_en.txt", kWarning}}},
-    {"a language that no text is for", Unlisted(Renamed("kwa.bmp", "kwb.bmp")),
-     {{"missing-file", "kwa.bmp"}, {"not-used", "archive B, kwb.bmp", kWarning}}},
     {"licence text, without a list", Unlisted(InBody("eula_en.txt", 100, "\xFF")), {{"not-utf8", "archive B, eula_en.txt"}}},
 
     // The INF.
@@ -107,7 +109,6 @@ const Row kRows[] = {
     {"second INF", Package({}, [](PackageFiles& files) { files["b.info"] = ""; }),
      {{"second-inf", kPackage}, {"not-used", "b.info", kWarning}}},
     {"no version", InInf("DriverVer ", "DriverVex "), {{"version-key-missing", kInf}}},
-    {"no display name", InInf("PackageDisplayName", "PackageDisplayNamx"), {{"version-key-missing", kInf}}},
     {"no catalog", Package({{"CatalogFile", "CatalogFile.ntia64"}}),
      {{"version-key-missing", kPackage}, {"not-used", "a.cat", kWarning}}},
     {"a catalog of one platform", Package({{"CatalogFile", "CatalogFile.ntx86"}}), {{"version-key-missing", kPackage}}},
@@ -134,22 +135,19 @@ const Row kRows[] = {
     {"folder of a file", Package({{"a.sys=1", "a.sys=1,amd64"}}), {{"source-file-in-folder", kPackage}}},
     {"folder of a disk", Package({{"1=Disk", "1=\"d,e\",,,\\x"}}), {{"source-file-in-folder", kPackage}}},
     {"no source files", Package({{"[SourceDisksFiles]", "[SourceDisksFilez]"}}),
-     {{"no-source-files", kPackage}, {"copied-file-not-listed", "package, a.inf, line 31"}}},
+     {{"no-source-files", kPackage}, {"copied-file-not-listed", "package, a.inf, line 19"}}},
 
     {"disk", Package({{"1=Disk", "2=Disk"}}), {{"disk-missing", kPackage}}},
-    {"none, a disk by its number", Package({{"1=Disk", "01=Disk"}}), {}},
-    {"copied file that is not listed", Package({{"a.sys\n[Strings]", "a.sys\nb.sys\n[Strings]"}},
+    {"copied file that is not listed", Package({{"=Files", "=Files,@b.sys"}},
                                               [](PackageFiles& files) { files["b.sys"] = ""; }),
-     {{"copied-file-not-listed", "package, a.inf, line 32"}}},
-    {"copied file that may be Windows' own", Package({{"a.sys\n[Strings]", "a.sys\nb.sys\n[Strings]"}}),
-     {{"copied-file-not-listed", "package, a.inf, line 32", kWarning}}},
+     {{"copied-file-not-listed", "package, a.inf, line 17"}}},
+    {"copied file that may be Windows' own", Package({{"=Files", "=Files,@b.sys"}}),
+     {{"copied-file-not-listed", "package, a.inf, line 17", kWarning}}},
     {"unused file", Package({}, [](PackageFiles& files) { files["x.txt"] = ""; }), {{"not-used", "x.txt", kWarning}}},
     {"signature of the INF", Package({{"$Windows NT$", "$Windows NG$"}}), {{"inf-signature", "package, a.inf, line 2"}}},
 
     // Catalogs and signatures.
     {"none, in a package", Package({}), {}},
-    {"none, with a catalog for each platform",
-     Package({{"CatalogFile=a.cat", "CatalogFile.NTx86=a.cat\nCatalogFile.ntAMD64 = \"%Name%.c%Name%t\""}, {"", "Name=a"}}), {}},
     {"rebuilt driver", Package({}, [](PackageFiles& files) { files["a.sys"] = "rebuilt"; }), {{"not-in-catalog", "a.sys"}}},
     {"driver in one of two catalogs",
      Package({{"CatalogFile=a.cat", "CatalogFile.ntx86=a.cat\nCatalogFile.ntamd64=b.cat"}},
@@ -157,7 +155,7 @@ const Row kRows[] = {
     {"a driver that only one platform lists",
      Package({{"CatalogFile=a.cat", "CatalogFile.ntx86=a.cat\nCatalogFile.ntamd64=b.cat"}, {"DisksFiles]", "DisksFiles.x86]"}},
              [](PackageFiles& files) { files["b.cat"] = CatalogOf({files["a.inf"]}); }),
-     {{"copied-file-not-listed", "package, a.inf, line 32"}}},
+     {{"copied-file-not-listed", "package, a.inf, line 20"}}},
     {"damaged catalog", Package({}, [](PackageFiles& files) { files["a.cat"].resize(100); }), {{"catalog-unreadable", "a.cat"}}},
     {"unsigned catalog", Package({}, [](PackageFiles& files) { files["a.cat"] = CatalogOf({files["a.inf"], "driver"}, 0); }),
      {{"catalog-unsigned", "a.cat"}}},
@@ -187,13 +185,15 @@ const Row kRows[] = {
     {"size of the image", InHeader(80, WordBytes(0x10000)), {{"image-size", "executable"}}},
     {"section that overlaps", InHeader(248 + 40 + 12, WordBytes(0x1000)), {{"section-place", "executable"}}},
     {"entry point", InHeader(40, WordBytes(0x10)), {{"entry-point", "executable"}}},
-    {"number of the manifest", ManifestName(2), {{"manifest", "executable, manifest"}}},
-    {"no manifest", ResourceType(24, 23), {{"no-manifest", "executable"}}},
+    {"number of the manifest", InResources(24, ResourceNumber::Name, 2), {{"manifest", "executable, manifest"}}},
+    {"no manifest", InResources(24, ResourceNumber::Type, 23), {{"no-manifest", "executable"}}},
     {"manifest", InProgram("requireAdministrator", "requireAdministrat0r"), {{"manifest", "executable, manifest"}}},
-    {"no version record", ResourceType(16, 15), {{"no-version", "executable"}}},
+    {"no version record", InResources(16, ResourceNumber::Type, 15), {{"no-version", "executable"}}},
     {"version record", InProgram(Wide("VS_VERSION_INFO"), Wide("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
-    {"file version", OtherFileVersion(), {{"versions-differ", "executable, version record"}}},
-    {"no version text", InProgram(Wide("FileVersion"), Wide("FileVersiom")), {{"versions-differ", "executable, version record"}}},
+    // The number is 16 bytes after the signature of the fixed part.
+    {"product version",
+     Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE", image.A().position) + 18, "\x02"); }),
+     {{"versions-differ", "executable, version record"}}},
     {"version text", InProgram(kVersionText + Wide("1.0"), kVersionText + Wide("1.") + Wide({0})),
      {{"versions-differ", "executable, version record"}}},
     {"import table", InHeader(128, WordBytes(0x70000000)), {{"imports-damaged", "executable"}}},

@@ -32,7 +32,9 @@ int RunVerify(const VerifyOptions& options) {
     if (options.archiveLetter.empty()) {
       throw ToolFailure(options.file, "is only one of two archives; --archive says which one of the list it must be");
     }
-    installer.SetSingleArchive(options.archiveLetter[0]);
+    for (ArchiveItem& item : installer.items) {
+      item.archive = options.archiveLetter[0];
+    }
   }
   const Verification verification = VerifyInstaller(installer, contents);
   const Findings& findings = verification.findings;

@@ -8,13 +8,6 @@
 
 namespace kwa {
 
-enum class InfEncoding {
-  EightBit,           // no byte-order mark: the code page of each Windows
-  Utf8,               // with a byte-order mark
-  Utf16LittleEndian,  // with a byte-order mark
-  Utf16BigEndian,     // with a byte-order mark
-};
-
 // The text of an INF as every Windows reads it: the bytes of an 8-bit or UTF-8 file without the byte-order mark, or the
 // ASCII characters of a little-endian UTF-16 file. Big-endian text is empty.
 class InfText {
@@ -26,17 +19,16 @@ class InfText {
   // The file's bytes must outlive this object.
   explicit InfText(ByteSpan file);
 
-  std::string_view Text() const { return isNarrowed ? std::string_view(narrowed) : bytes.Text(); }
-  InfEncoding Encoding() const { return encoding; }
+  std::string_view Text() const { return isUtf16 ? std::string_view(narrowed) : bytes.Text(); }
+  bool IsUtf16() const { return isUtf16; }
+  // Fails for an encoding that not every Windows reads. The code is "inf-encoding".
+  const Check& Encoding() const { return encoding; }
 
  private:
-  ByteSpan bytes;  // after the byte-order mark
-  InfEncoding encoding = InfEncoding::EightBit;
-  bool isNarrowed = false;
+  ByteSpan bytes;  // of an 8-bit or UTF-8 file, after the byte-order mark
+  Check encoding;
+  bool isUtf16 = false;  // little-endian
   std::string narrowed;
 };
-
-// Fails for an encoding that not every Windows reads. The code is "inf-encoding".
-Check CheckEncoding(const InfText& inf);
 
 }  // namespace kwa

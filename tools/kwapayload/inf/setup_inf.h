@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "inf/inf_fields.h"
+#include "base/finding.h"
 #include "inf/inf_text.h"
 
 namespace kwa {
@@ -29,9 +29,10 @@ class SetupInf {
   // content is not complete, and the fault "inf-too-large" says so.
   explicit SetupInf(const InfText& inf);
 
-  // The first fault of each code. If one is an error, Setup reads nothing of the file, and the content here is a guess.
-  const std::vector<InfFault>& Faults() const { return faults; }
-  bool HasError() const;
+  // What Setup refuses or may read in another way, or a limit of this reader: the first fault of each code. `where` is
+  // "line 7", or "" for the file as a whole; `what` follows the name of the INF. If one is an error, Setup reads
+  // nothing of the file, and the content here is a guess.
+  const Findings& Faults() const { return faults; }
 
   bool HasSection(std::string_view name) const;
   // The lines of a section; none if there is no such section.
@@ -41,7 +42,7 @@ class SetupInf {
 
  private:
   std::map<std::string, std::vector<InfLine>> sections;  // by upper-case name
-  std::vector<InfFault> faults;
+  Findings faults;
 };
 
 }  // namespace kwa

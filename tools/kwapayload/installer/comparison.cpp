@@ -4,11 +4,10 @@
 #include <iterator>
 #include <map>
 #include <set>
-#include <string_view>
+#include <sstream>
 #include <utility>
 
 #include "base/ascii_text.h"
-#include "inf/driver_version.h"
 #include "installer/preview.h"
 
 namespace kwa {
@@ -31,18 +30,14 @@ bool AreSame(const InspectedFile& before, const InspectedFile& after) {
 void CompareFiles(const Inspection& before, const Inspection& after, Comparison* comparison) {
   // By the name under which the installer writes them: for Windows, upper and lower case are the same. A damaged file
   // may have a name more than once.
-  std::map<std::pair<std::string, int>, const InspectedFile*> rest;
-  std::map<std::string, int> times;
+  std::multimap<std::string, const InspectedFile*> rest;
   for (const InspectedFile& file : before.files) {
-    const std::string name = UpperCase(file.item.name);
-    rest[{name, times[name]++}] = &file;
+    rest.emplace(UpperCase(file.item.name), &file);
   }
-  times.clear();
   std::vector<const InspectedFile*> kept;
   for (const InspectedFile& file : after.files) {
-    const std::string name = UpperCase(file.item.name);
-    const auto found = rest.find({name, times[name]++});
-    if (found == rest.end()) {
+    const auto [found, end] = rest.equal_range(UpperCase(file.item.name));
+    if (found == end) {
       comparison->added.push_back(&file);
       continue;
     }
@@ -58,12 +53,6 @@ void CompareFiles(const Inspection& before, const Inspection& after, Comparison*
   comparison->isOrderChanged = !std::is_sorted(kept.begin(), kept.end());  // they are elements of one vector
 }
 
-// The platforms that the INF's models are for; none where Setup's reading is not known.
-const std::vector<PackagePlatform>& PlatformsOf(const Inspection& inspection) {
-  static const std::vector<PackagePlatform> kNone;
-  return inspection.package && inspection.package->setup ? inspection.package->setup->platforms : kNone;
-}
-
 // The texts of one list that another does not have.
 std::vector<std::string> Missing(const std::vector<std::string>& list, const std::vector<std::string>& other) {
   const std::set<std::string> known(other.begin(), other.end());
@@ -74,25 +63,18 @@ std::vector<std::string> Missing(const std::vector<std::string>& list, const std
 }
 
 void CompareHardware(const Inspection& before, const Inspection& after, Comparison* comparison) {
-  for (const InfPlatform platform : kInfPlatforms) {
-    const auto read = [platform](const Inspection& inspection, auto list) {
-      std::vector<std::string> texts;
-      for (const PackagePlatform& one : PlatformsOf(inspection)) {
-        if (one.platform == platform) {
-          texts = list(one);
-        }
-      }
-      return texts;
+  for (std::size_t i = 0; i < std::size(kInfPlatforms); ++i) {
+    const auto read = [i](const std::optional<DriverPackage>& package) {
+      return package && package->setup ? package->platforms[i] : PlatformInf();
     };
-    const auto hardwareIds = [](const PackagePlatform& one) { return one.models.hardwareIds; };
-    const std::vector<std::string> old = read(before, hardwareIds);
-    const std::vector<std::string> current = read(after, hardwareIds);
-    ChangedHardware changed = {platform, Missing(old, current), Missing(current, old)};
+    const PlatformInf old = read(before.package);
+    const PlatformInf current = read(after.package);
+    ChangedHardware changed = {kInfPlatforms[i], Missing(old.hardwareIds, current.hardwareIds),
+                               Missing(current.hardwareIds, old.hardwareIds)};
     if (!changed.removed.empty() || !changed.added.empty()) {
       comparison->hardware.push_back(std::move(changed));
     }
-    comparison->isPackageChanged =
-        comparison->isPackageChanged || read(before, WindowsVersions) != read(after, WindowsVersions);
+    comparison->isPackageChanged = comparison->isPackageChanged || old.windowsVersions != current.windowsVersions;
   }
 }
 
@@ -128,14 +110,11 @@ std::vector<std::string> ComparePrograms(const Program& before, const Program& a
 }
 
 std::vector<std::string> ConfigurationLines(const Inspection& inspection) {
-  const std::string document =
-      PreviewDpinstConfig(inspection.package ? inspection.package->identity : PackageIdentity(), false);
+  std::istringstream document(
+      PreviewDpinstConfig(inspection.package ? inspection.package->identity : PackageIdentity(), false));
   std::vector<std::string> lines;
-  constexpr std::string_view kLineEnd = "\r\n";
-  for (std::string_view text = document; !text.empty();) {
-    const std::size_t end = std::min(text.find(kLineEnd), text.size());
-    lines.emplace_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + kLineEnd.size(), text.size()));
+  for (std::string line; std::getline(document, line);) {
+    lines.push_back(line.substr(0, line.find('\r')));
   }
   return lines;
 }
@@ -150,22 +129,18 @@ std::vector<ChangedLines> CompareLines(const std::vector<std::string>& before, c
     }
   }
   std::vector<ChangedLines> runs;
-  bool isInRun = false;
-  for (std::size_t i = 0, j = 0; i < before.size() || j < after.size();) {
-    if (i < before.size() && j < after.size() && before[i] == after[j]) {
-      ++i;
-      ++j;
-      isInRun = false;
-      continue;
+  for (std::size_t i = 0, j = 0; i < before.size() || j < after.size(); ++i, ++j) {
+    ChangedLines run;
+    while ((i < before.size() || j < after.size()) &&
+           (i >= before.size() || j >= after.size() || before[i] != after[j])) {
+      if (j >= after.size() || (i < before.size() && common[i + 1][j] >= common[i][j + 1])) {
+        run.removed.push_back(before[i++]);
+      } else {
+        run.added.push_back(after[j++]);
+      }
     }
-    if (!isInRun) {
-      runs.emplace_back();
-      isInRun = true;
-    }
-    if (j == after.size() || (i < before.size() && common[i + 1][j] >= common[i][j + 1])) {
-      runs.back().removed.push_back(before[i++]);
-    } else {
-      runs.back().added.push_back(after[j++]);
+    if (!run.removed.empty() || !run.added.empty()) {
+      runs.push_back(std::move(run));
     }
   }
   return runs;
@@ -176,16 +151,6 @@ std::vector<ChangedLines> CompareLines(const std::vector<std::string>& before, c
 bool Comparison::IsAlike() const {
   return removed.empty() && added.empty() && changed.empty() && !isOrderChanged && !isPackageChanged &&
          hardware.empty() && !areSignersChanged && !areTextsChanged && programParts.empty() && configuration.empty();
-}
-
-std::vector<std::string> WindowsVersions(const PackagePlatform& platform) {
-  std::vector<std::string> versions;
-  for (const InfTarget& target : platform.models.targets) {
-    if (target.hasModels) {
-      versions.push_back(target.decoration);
-    }
-  }
-  return versions;
 }
 
 Comparison Compare(const Inspection& before, const Inspection& after) {

@@ -54,9 +54,6 @@ struct Comparison {
   bool IsAlike() const;
 };
 
-// The Windows versions that the INF's models of a platform are for, such as "NTamd64.6.1".
-std::vector<std::string> WindowsVersions(const PackagePlatform& platform);
-
 // The inspections must outlive the result.
 Comparison Compare(const Inspection& before, const Inspection& after);
 

@@ -26,21 +26,7 @@ std::vector<PeSection> SectionsToSearch(const PeImage& image) {
   return sections;
 }
 
-void FindTruncation(InstallerFile* installer) {
-  // The sections after the first that is cut off are missing for the same reason.
-  const std::vector<PeSection>& sections = installer->image->sections;
-  const auto cut =
-      std::find_if(sections.begin(), sections.end(), [](const PeSection& section) { return section.IsTruncated(); });
-  if (cut != sections.end()) {
-    installer->findings.AddError(
-        "section " + cut->name,
-        "the file ends " + std::to_string(cut->fileSize - cut->bytes.Size()) + " bytes before it does", "truncated");
-  }
-}
-
-// Adds an archive that was found in an area.
-//
-// areaOffset  of the area, in the file
+// Adds an archive that was found in an area of the file, which begins at `areaOffset`.
 void AddArchive(ParsedArchive archive, char letter, std::uint64_t areaOffset, InstallerFile* installer) {
   installer->archives.push_back({letter, areaOffset + archive.offset, archive.size});
   for (ArchiveItem& item : archive.items) {
@@ -81,15 +67,6 @@ void FindInSections(InstallerFile* installer) {
 
 }  // namespace
 
-void InstallerFile::SetSingleArchive(char letter) {
-  for (ArchivePlace& archive : archives) {
-    archive.letter = letter;
-  }
-  for (ArchiveItem& item : items) {
-    item.archive = letter;
-  }
-}
-
 Result<InstallerFile> ReadInstallerFile(ByteSpan bytes) {
   InstallerFile installer;
   installer.bytes = bytes;
@@ -99,7 +76,15 @@ Result<InstallerFile> ReadInstallerFile(ByteSpan bytes) {
       return tl::unexpected(image.error());
     }
     installer.image = std::move(*image);
-    FindTruncation(&installer);
+    for (const PeSection& section : installer.image->sections) {
+      if (section.IsTruncated()) {
+        installer.findings.AddError(
+            "section " + section.name,
+            "the file ends " + std::to_string(section.fileSize - section.bytes.Size()) + " bytes before it does",
+            "truncated");
+        break;  // the sections after it are missing for the same reason
+      }
+    }
     FindInSections(&installer);
     return installer;
   }

@@ -43,8 +43,6 @@ struct InstallerFile {
   }
   // Whether both archives' files must be there.
   bool HoldsBothArchives() const { return form == InputForm::Installer || form == InputForm::PayloadFolder; }
-  // Says which archive a single archive or package folder is: 'A' or 'B'.
-  void SetSingleArchive(char letter);
 };
 
 // Reads an installer or archive as far as possible. Fails when the bytes are neither.

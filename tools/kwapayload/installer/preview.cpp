@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
-#include <string_view>
 
 #include "dpinst/device_families.h"
 #include "dpinst/dpinst_document.h"
@@ -12,36 +11,24 @@
 #include "trust/digest.h"
 
 namespace kwa {
-namespace {
 
-// What `write` writes to a stream.
-template <typename Write>
-std::string WrittenText(Write write) {
+std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode) {
   char* text = nullptr;
   std::size_t size = 0;
   std::FILE* const stream = ::open_memstream(&text, &size);
   if (stream == nullptr) {
     throw std::bad_alloc();
   }
-  write(stream);
+  WriteDpinstDocument(stream, identity.version.text.c_str(), identity.displayName.text.c_str(), legacyMode);
   const bool isWhole = std::fclose(stream) == 0;  // gives `text` its final value
   const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
   if (!isWhole) {
     throw std::bad_alloc();
   }
-  return {text, size};
-}
-
-}  // namespace
-
-std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode) {
-  const std::string written = WrittenText([&](std::FILE* stream) {
-    WriteDpinstDocument(stream, identity.version.text.c_str(), identity.displayName.text.c_str(), legacyMode);
-  });
   std::string document;
-  for (const char c : written) {
+  for (std::size_t i = 0; i < size; ++i) {
     // As the text mode of the installer's stream does.
-    document += c == '\n' ? std::string_view("\r\n") : std::string_view(&c, 1);
+    document += text[i] == '\n' ? "\r\n" : std::string(1, text[i]);
   }
   return document;
 }

@@ -1,7 +1,8 @@
 #include "installer/program.h"
 
 #include <algorithm>
-#include <utility>
+#include <iterator>
+#include <map>
 
 #include "trust/digest.h"
 
@@ -11,31 +12,23 @@ namespace {
 // Bytes of the file that do not count.
 struct Gap {
   std::uint64_t begin;  // in the file
-  std::uint64_t end;
+  std::uint64_t size;
   char kind;  // an archive's letter for the archive or its address; otherwise ' ', or 'S' for a signature
+
+  std::uint64_t End() const { return begin + size; }
 };
 
 // The linker leaves two addresses of archives in the program. A file with very many of them is made to cost time.
 constexpr std::size_t kMaxAddresses = 1024;
 
-const PeSection* FindPayloadSection(const PeImage& image) {
-  const auto found = std::find_if(image.sections.begin(), image.sections.end(),
-                                  [](const PeSection& section) { return section.name == ".payload"; });
-  return found == image.sections.end() ? nullptr : &*found;
-}
-
-void AddGap(std::uint64_t offset, std::uint64_t size, char kind, std::vector<Gap>* gaps) {
-  gaps->push_back({offset, offset + size, kind});
-}
-
 void FindHeaderGaps(const PeImage& image, const PeSection* payload, std::vector<Gap>* gaps) {
   const std::uint64_t optionalHeader = std::uint64_t{image.headerOffset} + 24;
-  AddGap(optionalHeader + 64, 4, ' ', gaps);  // CheckSum
+  gaps->push_back({optionalHeader + 64, 4, ' '});  // CheckSum
   if (payload != nullptr) {
-    AddGap(optionalHeader + 8, 4, ' ', gaps);          // SizeOfInitializedData
-    AddGap(optionalHeader + 56, 4, ' ', gaps);         // SizeOfImage
-    AddGap(payload->headerOffset + 8, 4, ' ', gaps);   // VirtualSize
-    AddGap(payload->headerOffset + 16, 4, ' ', gaps);  // SizeOfRawData
+    gaps->push_back({optionalHeader + 8, 4, ' '});          // SizeOfInitializedData
+    gaps->push_back({optionalHeader + 56, 4, ' '});         // SizeOfImage
+    gaps->push_back({payload->headerOffset + 8, 4, ' '});   // VirtualSize
+    gaps->push_back({payload->headerOffset + 16, 4, ' '});  // SizeOfRawData
   }
 }
 
@@ -47,12 +40,12 @@ void FindArchiveGaps(const InstallerFile& installer, const PeSection& payload, s
   for (const ArchivePlace& archive : installer.archives) {
     if (archive.fileOffset >= payload.fileOffset && archive.fileOffset < end) {
       last = archive.fileOffset + archive.size;
-      AddGap(archive.fileOffset, archive.size, archive.letter, gaps);
+      gaps->push_back({archive.fileOffset, archive.size, archive.letter});
     }
   }
   const ByteSpan rest = installer.bytes.Part(last, end - last);
   if (IsZeroFilled(rest)) {
-    AddGap(last, rest.Size(), ' ', gaps);
+    gaps->push_back({last, rest.Size(), ' '});
   }
 }
 
@@ -71,7 +64,7 @@ void FindAddressGaps(const InstallerFile& installer, const PeSection& payload, s
       const std::uint64_t place = word.U32(0) - image.imageBase - payload.virtualAddress + payload.fileOffset;
       for (const ArchivePlace& archive : installer.archives) {
         if (entries.U16(i) >> 12 == kHighLow && word.Size() == 4 && archive.fileOffset == place) {
-          AddGap(static_cast<std::uint64_t>(word.Data() - installer.bytes.Data()), 4, archive.letter, &addresses);
+          addresses.push_back({static_cast<std::uint64_t>(word.Data() - installer.bytes.Data()), 4, archive.letter});
         }
       }
       if (addresses.size() > kMaxAddresses) {
@@ -91,7 +84,7 @@ void FindSignatureGaps(const PeImage& image, std::vector<Gap>* gaps) {
                         table.Data() + table.Size() == image.file.Data() + image.file.Size();
   if (image.directories.size() > kPeSecurityDirectory && (isSigned || (entry.address == 0 && entry.size == 0))) {
     const std::uint64_t directories = std::uint64_t{image.headerOffset} + 24 + (image.isPlus ? 112 : 96);
-    AddGap(directories + kPeSecurityDirectory * 8, 8, ' ', gaps);
+    gaps->push_back({directories + kPeSecurityDirectory * 8, 8, ' '});
   }
   if (!isSigned) {
     return;
@@ -104,24 +97,20 @@ void FindSignatureGaps(const PeImage& image, std::vector<Gap>* gaps) {
   if (begin >= end && begin - end < 8 && IsZeroFilled(image.file.Part(end, begin - end))) {
     begin = end;
   }
-  AddGap(begin, image.file.Size() - begin, 'S', gaps);
+  gaps->push_back({begin, image.file.Size() - begin, 'S'});
 }
 
-// Where a part begins, and its name.
-using PartBegin = std::pair<std::uint64_t, std::string>;
-
-std::vector<PartBegin> PartBegins(const PeImage& image) {
-  std::vector<PartBegin> begins = {{0, "headers"}};
+// The names of the parts by where they begin.
+std::multimap<std::uint64_t, std::string> PartBegins(const PeImage& image) {
+  std::multimap<std::uint64_t, std::string> begins = {{0, "headers"}};
   std::uint64_t end = 0;
   for (const PeSection& section : image.sections) {
     if (!section.bytes.Empty()) {
-      begins.emplace_back(section.fileOffset, section.name);
+      begins.emplace(section.fileOffset, section.name);
       end = std::max(end, std::uint64_t{section.fileOffset} + section.bytes.Size());
     }
   }
-  begins.emplace_back(end, "the bytes after the last section");
-  std::stable_sort(begins.begin(), begins.end(),
-                   [](const PartBegin& left, const PartBegin& right) { return left.first < right.first; });
+  begins.emplace(end, "the bytes after the last section");
   return begins;
 }
 
@@ -132,7 +121,7 @@ std::string PartDigest(ByteSpan file, std::uint64_t begin, std::uint64_t end, co
   for (; *next < gaps.size() && gaps[*next].begin < end; ++*next) {
     const Gap& gap = gaps[*next];
     digest.Add(file.Part(begin, gap.begin - std::min(begin, gap.begin)));
-    begin = std::max(begin, gap.end);
+    begin = std::max(begin, gap.End());
   }
   digest.Add(file.Part(begin, end - std::min(begin, end)));
   return Hex(digest.Bytes());
@@ -145,7 +134,7 @@ std::string PlacesDigest(const std::vector<Gap>& gaps) {
   std::uint64_t end = 0;
   for (const Gap& gap : gaps) {
     places += gap.kind == 'S' ? "" : std::to_string(gap.begin - end) + gap.kind;
-    end = gap.end;
+    end = gap.End();
   }
   return Sha256Hex(ByteSpan(places));
 }
@@ -153,11 +142,11 @@ std::string PlacesDigest(const std::vector<Gap>& gaps) {
 // Whether the sizes that are left out follow from the payload, as a linker writes them. Otherwise they count.
 bool HasExpectedSizes(const InstallerFile& installer, const PeSection& payload) {
   const PeImage& image = *installer.image;
-  const ArchivePlace* const last = installer.archives.empty() ? nullptr : &installer.archives.back();
-  if (last == nullptr || image.sectionAlignment == 0) {
+  if (installer.archives.empty() || image.sectionAlignment == 0) {
     return false;
   }
-  const std::uint64_t size = last->fileOffset + last->size + kArchiveTerminatorSize - payload.fileOffset;
+  const ArchivePlace& last = installer.archives.back();
+  const std::uint64_t size = last.fileOffset + last.size + kArchiveTerminatorSize - payload.fileOffset;
   const std::uint64_t end = payload.virtualAddress + std::uint64_t{payload.virtualSize};
   return payload.virtualSize == size && payload.fileSize >= size && payload.fileSize - size < image.fileAlignment &&
          payload.fileSize % image.fileAlignment == 0 && image.imageSize >= end &&
@@ -166,10 +155,10 @@ bool HasExpectedSizes(const InstallerFile& installer, const PeSection& payload) 
 
 std::vector<Gap> FindGaps(const InstallerFile& installer) {
   const PeImage& image = *installer.image;
-  const PeSection* payload = FindPayloadSection(image);
-  if (payload != nullptr && !HasExpectedSizes(installer, *payload)) {
-    payload = nullptr;
-  }
+  const auto found = std::find_if(image.sections.begin(), image.sections.end(),
+                                  [](const PeSection& section) { return section.name == ".payload"; });
+  const bool isExpected = found != image.sections.end() && HasExpectedSizes(installer, *found);
+  const PeSection* const payload = isExpected ? &*found : nullptr;
   std::vector<Gap> gaps;
   FindHeaderGaps(image, payload, &gaps);
   if (payload != nullptr) {
@@ -179,7 +168,7 @@ std::vector<Gap> FindGaps(const InstallerFile& installer) {
   FindSignatureGaps(image, &gaps);
   std::sort(gaps.begin(), gaps.end(), [](const Gap& left, const Gap& right) { return left.begin < right.begin; });
   const auto overlap = std::adjacent_find(gaps.begin(), gaps.end(),
-                                          [](const Gap& left, const Gap& right) { return left.end > right.begin; });
+                                          [](const Gap& left, const Gap& right) { return left.End() > right.begin; });
   // No linker makes gaps that overlap: such a file counts as it is.
   return overlap == gaps.end() ? gaps : std::vector<Gap>();
 }
@@ -187,26 +176,23 @@ std::vector<Gap> FindGaps(const InstallerFile& installer) {
 }  // namespace
 
 Program ReadProgram(const InstallerFile& installer) {
-  if (installer.form != InputForm::Installer) {
-    if (installer.form != InputForm::Archive) {
-      return {};
-    }
-    const ArchivePlace& archive = installer.archives.front();
-    const ByteSpan rest = installer.bytes.From(archive.size + kArchiveTerminatorSize);
-    std::vector<ProgramPart> parts;
+  Program program;
+  if (installer.form == InputForm::Archive) {
+    const ByteSpan rest = installer.bytes.From(installer.archives.front().size + kArchiveTerminatorSize);
     if (!rest.Empty()) {
-      parts.push_back({"the bytes after the archive", Sha256Hex(rest)});
+      program.parts.push_back({"the bytes after the archive", Sha256Hex(rest)});
     }
-    return {parts, ""};
+  }
+  if (installer.form != InputForm::Installer) {
+    return program;
   }
   const std::vector<Gap> gaps = FindGaps(installer);
-  const std::vector<PartBegin> begins = PartBegins(*installer.image);
-  Program program;
-  std::size_t next = 0;
-  for (std::size_t i = 0; i < begins.size(); ++i) {
-    const auto& [begin, name] = begins[i];
-    const std::uint64_t end = i + 1 < begins.size() ? begins[i + 1].first : installer.bytes.Size();
-    program.parts.push_back({name, PartDigest(installer.bytes, begin, end, gaps, &next)});
+  const std::multimap<std::uint64_t, std::string> begins = PartBegins(*installer.image);
+  std::size_t nextGap = 0;
+  for (auto part = begins.begin(); part != begins.end(); ++part) {
+    const auto next = std::next(part);
+    const std::uint64_t end = next == begins.end() ? installer.bytes.Size() : next->first;
+    program.parts.push_back({part->second, PartDigest(installer.bytes, part->first, end, gaps, &nextGap)});
   }
   program.parts.push_back({"the places of the archives", PlacesDigest(gaps)});
   std::string all;

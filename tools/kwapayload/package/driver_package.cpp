@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/ascii_text.h"
-#include "inf/catalog_name.h"
 #include "inf/inf_text.h"
 #include "payload/entry_name.h"
 
@@ -20,14 +19,12 @@ std::optional<DriverPackage> ReadDriverPackage(const std::vector<ArchiveItem>& i
     return std::nullopt;
   }
   const InfText text(inf->body);
-  DriverPackage package = {*inf, ReadHostPackageIdentity(text), nullptr, std::nullopt};
+  DriverPackage package = {*inf, ReadHostPackageIdentity(text), nullptr, std::nullopt, {}};
   package.family = FindDeviceFamily(package.identity.displayName.text.c_str());
-  if (CheckEncoding(text)) {
-    package.setup = {SetupInf(text), {}};
-    const SetupInf& setup = package.setup->inf;
+  if (text.Encoding()) {
+    package.setup = SetupInf(text);
     for (const InfPlatform platform : kInfPlatforms) {
-      package.setup->platforms.push_back({platform, CatalogName(setup, platform), ReadModels(setup, platform),
-                                          ReadSourceFiles(setup, platform), ReadCopiedFiles(setup, platform)});
+      package.platforms.push_back(ReadPlatformInf(*package.setup, platform));
     }
   }
   return package;

@@ -1,8 +1,6 @@
 #include "package/package_trust.h"
 
 #include <algorithm>
-#include <set>
-#include <utility>
 
 #include "base/ascii_text.h"
 #include "content/text_kind.h"
@@ -11,46 +9,33 @@
 namespace kwa {
 namespace {
 
-// For each catalog, by its index, the upper-case names of the files that it must cover.
-using RequiredFiles = std::vector<std::set<std::string>>;
-
-// The catalog with that name; it is added if it is new.
-std::size_t IndexOf(const std::string& name, const std::vector<ArchiveItem>& items,
-                    std::vector<PackageCatalog>* catalogs) {
-  const auto known = std::find_if(catalogs->begin(), catalogs->end(),
-                                  [&name](const PackageCatalog& catalog) { return IsSameText(catalog.name, name); });
-  if (known != catalogs->end()) {
-    return static_cast<std::size_t>(known - catalogs->begin());
-  }
-  PackageCatalog& added = catalogs->emplace_back();
-  added.name = name;
-  if (const ArchiveItem* const item = FindItem(items, name)) {
-    added.item = *item;
-    added.catalog = ReadCatalog(item->body);
-  }
-  return catalogs->size() - 1;
-}
-
-RequiredFiles ReadCatalogs(const std::vector<ArchiveItem>& items, const DriverPackage& package,
-                           std::vector<PackageCatalog>* catalogs) {
-  RequiredFiles required;
-  for (const PackagePlatform& platform : package.setup->platforms) {
-    if (platform.catalogName.empty()) {
+std::vector<PackageCatalog> ReadCatalogs(const std::vector<ArchiveItem>& items, const DriverPackage& package) {
+  std::vector<PackageCatalog> catalogs;
+  for (const PlatformInf& platform : package.platforms) {
+    const std::string& name = platform.catalogName;
+    if (name.empty()) {
       continue;
     }
-    const std::size_t index = IndexOf(platform.catalogName, items, catalogs);
-    required.resize(catalogs->size());
-    required[index].insert(UpperCase(package.inf.name));
+    auto catalog = std::find_if(catalogs.begin(), catalogs.end(),
+                                [&name](const PackageCatalog& known) { return IsSameText(known.name, name); });
+    if (catalog == catalogs.end()) {
+      catalog = catalogs.insert(catalog, {name, {}, {}, {}, 0});
+      if (const ArchiveItem* const item = FindItem(items, name)) {
+        catalog->item = *item;
+        catalog->catalog = ReadCatalog(item->body);
+      }
+    }
+    catalog->requiredFiles.insert(UpperCase(package.inf.name));
     for (const InfSourceFile& source : platform.sourceFiles) {
-      required[index].insert(UpperCase(source.name));
+      catalog->requiredFiles.insert(UpperCase(source.name));
     }
   }
-  for (const PackageCatalog& catalog : *catalogs) {
-    for (std::set<std::string>& names : required) {
-      names.erase(UpperCase(catalog.name));
+  for (PackageCatalog& catalog : catalogs) {
+    for (const PackageCatalog& other : catalogs) {
+      catalog.requiredFiles.erase(UpperCase(other.name));
     }
   }
-  return required;
+  return catalogs;
 }
 
 // The signatures of a file, unless the files before it already have more than any package: each takes time.
@@ -68,12 +53,10 @@ std::vector<Signature> ReadSignatures(FileDigests& digests, std::size_t* count) 
   return {{"", Failure("is one of more than 256 in all files, and not read"), false, {}}};
 }
 
-void JudgeCoverage(const ArchiveItem& item, const RequiredFiles& required, FileDigests& digests, PackageTrust* trust,
-                   FileTrust* file) {
+void JudgeCoverage(const ArchiveItem& item, FileDigests& digests, PackageTrust* trust, FileTrust* file) {
   const std::string name = UpperCase(item.name);
-  for (std::size_t i = 0; i < trust->catalogs.size(); ++i) {
-    PackageCatalog& owner = trust->catalogs[i];
-    if (!owner.catalog || !*owner.catalog || required[i].count(name) == 0) {
+  for (PackageCatalog& owner : trust->catalogs) {
+    if (!owner.catalog || !*owner.catalog || owner.requiredFiles.count(name) == 0) {
       continue;
     }
     const Catalog& catalog = **owner.catalog;
@@ -102,9 +85,8 @@ const PackageCatalog* PackageTrust::CatalogOf(const ArchiveItem& item) const {
 
 PackageTrust ReadPackageTrust(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package) {
   PackageTrust trust;
-  RequiredFiles required;
-  if (package && package->setup) {
-    required = ReadCatalogs(items, *package, &trust.catalogs);
+  if (package) {
+    trust.catalogs = ReadCatalogs(items, *package);
   }
   std::size_t signatureCount = 0;
   for (const ArchiveItem& item : items) {
@@ -113,7 +95,7 @@ PackageTrust ReadPackageTrust(const std::vector<ArchiveItem>& items, const std::
     const PackageCatalog* const own = trust.CatalogOf(item);
     const bool isCatalog = own != nullptr && *own->catalog;
     file.signatures = isCatalog ? (*own->catalog)->signatures : ReadSignatures(digests, &signatureCount);
-    JudgeCoverage(item, required, digests, &trust, &file);
+    JudgeCoverage(item, digests, &trust, &file);
   }
   return trust;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,7 +17,8 @@ struct PackageCatalog {
   std::string name;                        // as the INF has it
   std::optional<ArchiveItem> item;         // nothing where it is not carried
   std::optional<Result<Catalog>> catalog;  // likewise
-  std::size_t coveredCount = 0;            // how many of the files that it must cover and that are carried it covers
+  std::set<std::string> requiredFiles;     // the upper-case names of the files that it must cover
+  std::size_t coveredCount = 0;            // how many of them that are carried it covers
 };
 
 // What vouches for a carried file.

@@ -87,11 +87,11 @@ ordered_json FilesJson(const std::vector<const InspectedFile*>& files, const Pac
 
 ordered_json PlatformsJson(const DriverPackage& package) {
   ordered_json list = ordered_json::array();
-  for (const PackagePlatform& platform : package.setup ? package.setup->platforms : std::vector<PackagePlatform>()) {
+  for (const PlatformInf& platform : package.platforms) {
     list.push_back({{"platform", PlatformName(platform.platform)},
                     {"catalog", TextOrNull(platform.catalogName)},
-                    {"windows", EscapedLines(WindowsVersions(platform))},
-                    {"hardwareIds", EscapedLines(platform.models.hardwareIds)}});
+                    {"windows", EscapedLines(platform.windowsVersions)},
+                    {"hardwareIds", EscapedLines(platform.hardwareIds)}});
   }
   return list;
 }

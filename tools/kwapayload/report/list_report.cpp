@@ -101,14 +101,14 @@ std::string TrustText(const Inspection& inspection) {
 std::string HardwareText(const DriverPackage& package) {
   constexpr std::size_t kMaxIds = 10;
   std::string text;
-  for (const PackagePlatform& platform : package.setup ? package.setup->platforms : std::vector<PackagePlatform>()) {
+  for (const PlatformInf& platform : package.platforms) {
     const std::string name = PlatformName(platform.platform);
-    std::vector<std::string> ids = platform.models.hardwareIds;
+    std::vector<std::string> ids = platform.hardwareIds;
     if (ids.empty()) {
       continue;
     }
-    if (const std::vector<std::string> windows = WindowsVersions(platform); !windows.empty()) {
-      text += Line(("Windows (" + name + "):").c_str(), Escaped(Joined(windows)));
+    if (!platform.windowsVersions.empty()) {
+      text += Line(("Windows (" + name + "):").c_str(), Escaped(Joined(platform.windowsVersions)));
     }
     const std::size_t more = ids.size() - std::min(ids.size(), kMaxIds);
     ids.resize(ids.size() - more);

@@ -86,12 +86,9 @@ std::vector<Change> PackageChanges(const Comparison& comparison) {
     if (package) {
       facts = {Escaped(package->inf.name), Escaped(package->identity.version.text),
                Escaped(package->identity.displayName.text), package->family != nullptr ? package->family->key : "", ""};
-    }
-    if (package && package->setup) {
       std::vector<std::string> windows;
-      for (const PackagePlatform& platform : package->setup->platforms) {
-        const std::vector<std::string> versions = WindowsVersions(platform);
-        windows.insert(windows.end(), versions.begin(), versions.end());
+      for (const PlatformInf& platform : package->platforms) {
+        windows.insert(windows.end(), platform.windowsVersions.begin(), platform.windowsVersions.end());
       }
       facts.windows = Escaped(Joined(windows));
     }

@@ -17,26 +17,15 @@ namespace kwa {
 // Where an item is: "archive A, marlin_usb.inf", or the name alone where it is not known which archive this is.
 std::string Where(const ArchiveItem& item);
 
-// Structure of file and archives, and the names as the installer uses them.
-void VerifyLayout(const InstallerFile& installer, Findings* findings);
-
 // The items of one archive against the list of what an installer must hold.
 //
 // archive  which archive of the list, 'A' or 'B'; other items are ignored
 void VerifyContents(const std::vector<ArchiveItem>& items, const PayloadContents& contents, char archive,
                     Findings* findings);
 
-// The files that the installer and its configuration name: both editions of DPInst, licence texts, watermark. Missing
-// files that `contents` lists are left to VerifyContents.
-void VerifyCompanions(const std::vector<ArchiveItem>& items, const PayloadContents& contents, Findings* findings);
-
 // The driver package as its INF describes it.
 void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package,
                    Findings* findings);
-
-// Whether something refers to each item.
-void VerifyUse(const std::vector<ArchiveItem>& items, const std::optional<DriverPackage>& package,
-               const PackageTrust& trust, Findings* findings);
 
 // What DriverVer says, to Setup and about the drivers' own versions.
 void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& package, Findings* findings);
@@ -45,15 +34,9 @@ void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& 
 // programs. Whether a signer is trusted, and when, is left to Windows.
 void VerifyTrust(const std::vector<ArchiveItem>& items, const PackageTrust& trust, Findings* findings);
 
-// Whether signatures of a program hold.
-//
-// where  the program
-// code   of a signature that does not hold
+// Whether signatures of a program hold. `code` is for one that does not.
 void VerifySignatures(const std::string& where, const std::vector<Signature>& signatures, const char* code,
                       Findings* findings);
-
-// Where the parts of the program are in memory and in the file.
-void VerifyImageLayout(const PeImage& image, Findings* findings);
 
 // The program itself.
 void VerifyExecutable(const PeImage& image, Findings* findings);

@@ -20,32 +20,33 @@ constexpr std::uint16_t kImageDllCharacteristicsTerminalServerAware = 0x8000;
 constexpr std::uint16_t kOldestWindows = 5;
 
 void VerifyHeaders(const PeImage& image, Findings* findings) {
-  const auto add = [&](const char* what, const char* code, Severity severity = Severity::Error) {
-    findings->Add({severity, "executable", what, code});
+  const bool isRelocatable = (image.dllCharacteristics & kImageDllCharacteristicsDynamicBase) != 0;
+  const struct {
+    bool isFault;
+    const char* what;
+    const char* code;
+    Severity severity = Severity::Error;
+  } checks[] = {
+      {image.isPlus || image.machine != kImageFileMachineI386, "is not a 32-bit x86 program (PE32)", "machine"},
+      {(image.characteristics & kImageFileExecutable) == 0 || (image.characteristics & kImageFileDll) != 0,
+       "is not marked as a program", "not-a-program"},
+      {image.subsystem != kImageSubsystemWindowsGui, "is not of the GUI subsystem: Windows would open a console",
+       "subsystem"},
+      {image.majorSubsystemVersion > kOldestWindows || image.majorOperatingSystemVersion > kOldestWindows ||
+           (image.majorSubsystemVersion == kOldestWindows && image.minorSubsystemVersion > 0),
+       "asks for a Windows later than 2000", "windows-version"},
+      {!isRelocatable, "is not marked for address space randomization (ASLR)", "no-aslr"},
+      {isRelocatable && !image.HasBaseRelocations(),
+       "has no relocations, so address space randomization (ASLR) has no effect", "no-relocations"},
+      {(image.dllCharacteristics & kImageDllCharacteristicsNxCompat) == 0,
+       "is not marked for data execution prevention (DEP)", "no-dep"},
+      {(image.dllCharacteristics & kImageDllCharacteristicsTerminalServerAware) == 0,
+       "is not marked as aware of terminal servers", "not-terminal-server-aware", Severity::Warning},
   };
-  if (image.isPlus || image.machine != kImageFileMachineI386) {
-    add("is not a 32-bit x86 program (PE32)", "machine");
-  }
-  if ((image.characteristics & kImageFileExecutable) == 0 || (image.characteristics & kImageFileDll) != 0) {
-    add("is not marked as a program", "not-a-program");
-  }
-  if (image.subsystem != kImageSubsystemWindowsGui) {
-    add("is not of the GUI subsystem: Windows would open a console", "subsystem");
-  }
-  if (image.majorSubsystemVersion > kOldestWindows || image.majorOperatingSystemVersion > kOldestWindows ||
-      (image.majorSubsystemVersion == kOldestWindows && image.minorSubsystemVersion > 0)) {
-    add("asks for a Windows later than 2000", "windows-version");
-  }
-  if ((image.dllCharacteristics & kImageDllCharacteristicsDynamicBase) == 0) {
-    add("is not marked for address space randomization (ASLR)", "no-aslr");
-  } else if (!image.HasBaseRelocations()) {
-    add("has no relocations, so address space randomization (ASLR) has no effect", "no-relocations");
-  }
-  if ((image.dllCharacteristics & kImageDllCharacteristicsNxCompat) == 0) {
-    add("is not marked for data execution prevention (DEP)", "no-dep");
-  }
-  if ((image.dllCharacteristics & kImageDllCharacteristicsTerminalServerAware) == 0) {
-    add("is not marked as aware of terminal servers", "not-terminal-server-aware", Severity::Warning);
+  for (const auto& check : checks) {
+    if (check.isFault) {
+      findings->Add({check.severity, "executable", check.what, check.code});
+    }
   }
   for (const PeSection& section : image.sections) {
     if ((section.characteristics & kImageScnMemExecute) != 0 && (section.characteristics & kImageScnMemWrite) != 0) {
@@ -54,16 +55,57 @@ void VerifyHeaders(const PeImage& image, Findings* findings) {
   }
 }
 
-bool IsListed(const OldWindowsLibrary& library, const std::string& function) {
-  return function.find(' ') == std::string::npos &&
-         library.functions.find(" " + function + " ") != std::string_view::npos;
+bool IsPowerOfTwo(std::uint64_t number) {
+  return number != 0 && (number & (number - 1)) == 0;
 }
 
-const OldWindowsLibrary* FindOldLibrary(const std::string& name) {
-  const auto* const found =
-      std::find_if(std::begin(kOldWindowsLibraries), std::end(kOldWindowsLibraries),
-                   [&name](const OldWindowsLibrary& library) { return IsSameText(library.name, name); });
-  return found == std::end(kOldWindowsLibraries) ? nullptr : found;
+std::uint64_t AlignedTo(std::uint64_t alignment, std::uint64_t offset) {
+  return (offset + alignment - 1) / alignment * alignment;
+}
+
+// What the loader of Windows refuses. Microsoft, "PE Format", the fields of the optional header; that the sections
+// follow each other in memory without a gap is seen with all loaders of Windows, and every linker makes it so.
+void VerifyImageLayout(const PeImage& image, Findings* findings) {
+  const auto add = [findings](const std::string& what, const char* code) {
+    findings->AddError("executable", what, code);
+  };
+  if (!IsPowerOfTwo(image.fileAlignment) || image.fileAlignment < 0x200 || image.fileAlignment > 0x10000 ||
+      !IsPowerOfTwo(image.sectionAlignment) ||
+      image.sectionAlignment < std::max<std::uint32_t>(image.fileAlignment, 0x1000)) {
+    add("its alignments (sections " + std::to_string(image.sectionAlignment) + ", file " +
+            std::to_string(image.fileAlignment) + ") are not powers of two that Windows loads",
+        "alignment");
+    return;  // nothing else can be judged without them
+  }
+  if (image.imageBase % 0x10000 != 0) {
+    add("its image base is not a multiple of 65536", "image-base");
+  }
+  std::uint64_t next = AlignedTo(image.sectionAlignment, image.headersSize);
+  std::uint64_t fileEnd = image.headersSize;
+  bool isEntryExecutable = false;
+  for (const PeSection& section : image.sections) {
+    const std::uint64_t size = section.virtualSize != 0 ? section.virtualSize : section.fileSize;
+    if (section.virtualAddress != next || size == 0) {
+      add("its section " + section.name + " does not begin where the one before it ends in memory", "section-place");
+      return;  // nor do those after it
+    }
+    const bool isInFile = section.fileSize != 0;
+    if (isInFile && (section.fileOffset % image.fileAlignment != 0 || section.fileOffset < fileEnd)) {
+      add("its section " + section.name + " is not aligned in the file, or overlaps another part", "section-place");
+    }
+    fileEnd = isInFile ? section.fileOffset + std::uint64_t{section.fileSize} : fileEnd;
+    isEntryExecutable = isEntryExecutable || ((section.characteristics & kImageScnMemExecute) != 0 &&
+                                              image.entryPoint >= next && image.entryPoint - next < size);
+    next = AlignedTo(image.sectionAlignment, next + size);
+  }
+  if (image.imageSize < next) {
+    add("its size in memory (" + std::to_string(image.imageSize) + ") is less than the " + std::to_string(next) +
+            " bytes of its sections",
+        "image-size");
+  }
+  if (!isEntryExecutable) {
+    add("its entry point is not in an executable section", "entry-point");
+  }
 }
 
 void VerifyImports(const PeImage& image, Findings* findings) {
@@ -72,14 +114,18 @@ void VerifyImports(const PeImage& image, Findings* findings) {
     findings->AddError("executable", "its import table is damaged", "imports-damaged");
   }
   for (const ImportedLibrary& imported : imports.libraries) {
-    const OldWindowsLibrary* const library = FindOldLibrary(imported.name);
     const std::string where = "executable, imports of " + imported.name;
-    if (library == nullptr) {
+    const auto* const library =
+        std::find_if(std::begin(kOldWindowsLibraries), std::end(kOldWindowsLibraries),
+                     [&imported](const OldWindowsLibrary& old) { return IsSameText(old.name, imported.name); });
+    if (library == std::end(kOldWindowsLibraries)) {
       findings->AddError(where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed");
       continue;
     }
     for (const std::string& function : imported.functions) {
-      if (!IsListed(*library, function)) {
+      const bool isListed = function.find(' ') == std::string::npos &&
+                            library->functions.find(" " + function + " ") != std::string_view::npos;
+      if (!isListed) {
         findings->AddError(where, function + " is not known to be in Windows 2000 and XP", "import-too-new");
       }
     }
@@ -88,17 +134,13 @@ void VerifyImports(const PeImage& image, Findings* findings) {
 
 void VerifyManifest(const std::vector<PeResource>& resources, Findings* findings) {
   constexpr std::uint32_t kProcessManifest = 1;  // CREATEPROCESS_MANIFEST_RESOURCE_ID
-  std::size_t count = 0;
-  bool isExpected = true;
-  for (const PeResource& resource : resources) {
-    if (resource.type == kResourceTypeManifest) {
-      ++count;
-      isExpected = isExpected && resource.name == kProcessManifest && resource.bytes.Text() == kInstallerManifest;
-    }
-  }
-  if (count == 0) {
+  std::vector<PeResource> manifests;
+  std::copy_if(resources.begin(), resources.end(), std::back_inserter(manifests),
+               [](const PeResource& resource) { return resource.type == kResourceTypeManifest; });
+  if (manifests.empty()) {
     findings->AddError("executable", "has no manifest", "no-manifest");
-  } else if (count > 1 || !isExpected) {
+  } else if (manifests.size() > 1 || manifests[0].name != kProcessManifest ||
+             manifests[0].bytes.Text() != kInstallerManifest) {
     findings->AddError("executable, manifest",
                        "is not the one manifest with the number 1 that asks for administrator rights, byte for byte as "
                        "this tool knows it",
@@ -106,28 +148,25 @@ void VerifyManifest(const std::vector<PeResource>& resources, Findings* findings
   }
 }
 
-// Whether a text gives the version: all four parts, or without zeros at the end.
-bool MeansVersion(std::string text, const std::string& number) {
-  while (!text.empty() && text.size() < number.size()) {
-    text += ".0";
-  }
-  return text == number;
-}
-
 void VerifyResources(const PeImage& image, Findings* findings) {
   const std::vector<PeResource> resources = ReadResources(image);
   VerifyManifest(resources, findings);
   const ByteSpan version = FirstResource(resources, kResourceTypeVersion);
   const std::optional<VersionRecord> record = ReadVersionRecord(version);
+  const std::string number = record ? record->fileVersion : "";
+  // The text has all four parts of the number, or no zeros at its end.
+  std::string text = record ? record->Text("FileVersion") : "";
+  while (text.size() < number.size()) {
+    text += ".0";
+  }
   if (version.Empty()) {
     findings->AddError("executable", "has no version record", "no-version");
   } else if (!record) {
     findings->AddError("executable", "its version record is damaged", "version-damaged");
-  } else if (record->fileVersion != record->productVersion ||
-             !MeansVersion(record->Text("FileVersion"), record->fileVersion)) {
+  } else if (number != record->productVersion || number != text) {
     findings->AddError("executable, version record",
-                       "its versions differ: file " + record->fileVersion + " (\"" + record->Text("FileVersion") +
-                           "\"), product " + record->productVersion,
+                       "its versions differ: file " + number + " (\"" + record->Text("FileVersion") + "\"), product " +
+                           record->productVersion,
                        "versions-differ");
   }
 }

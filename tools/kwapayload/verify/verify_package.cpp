@@ -6,8 +6,8 @@
 #include "base/ascii_text.h"
 #include "content/file_kind.h"
 #include "content/text_kind.h"
-#include "inf/profile_value.h"
 #include "pe/pe_image.h"
+#include "pe/version_record.h"
 #include "verify/verification.h"
 
 namespace kwa {
@@ -33,16 +33,16 @@ Check CheckXml(const std::string& value) {
 }
 
 // Judges a value that the installer writes into its configuration. Returns whether it is fit.
-bool VerifyValue(const std::string& where, const char* key, const IdentityValue& value, Findings* findings) {
+bool VerifyValue(const std::string& where, const std::string& key, const IdentityValue& value, Findings* findings) {
   if (value.text.empty()) {
-    findings->AddError(where, std::string("[Version] has no ") + key, "version-key-missing");
+    findings->AddError(where, "[Version] has no " + key, "version-key-missing");
   } else if (value.isCut) {
-    findings->AddError(where,
-                       std::string(key) + " has more than " + std::to_string(kProfileValueLimit) +
-                           " characters, and the installer keeps no more",
-                       "value-too-long");
+    findings->AddError(
+        where,
+        key + " has more than " + std::to_string(kProfileValueLimit) + " characters, and the installer keeps no more",
+        "value-too-long");
   } else if (const Check xml = CheckXml(value.text); !xml) {
-    findings->AddError(where, std::string(key) + " " + xml.error().what, "value-breaks-xml");
+    findings->AddError(where, key + " " + xml.error().what, "value-breaks-xml");
   } else {
     return true;
   }
@@ -65,17 +65,17 @@ void VerifyIdentity(const std::string& where, const DriverPackage& package, Find
 }
 
 void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>& items,
-                        const std::vector<PackagePlatform>& platforms, Findings* findings) {
+                        const std::vector<PlatformInf>& platforms, Findings* findings) {
   std::set<std::string> names;
-  for (const PackagePlatform& platform : platforms) {
+  for (const PlatformInf& platform : platforms) {
     names.insert(platform.catalogName);
   }
   if (names == std::set<std::string>{""}) {
     findings->AddError(where, "[Version] has no CatalogFile", "version-key-missing");
     return;
   }
-  for (const PackagePlatform& platform : platforms) {
-    if (platform.catalogName.empty() && !platform.models.installSections.empty()) {
+  for (const PlatformInf& platform : platforms) {
+    if (platform.catalogName.empty() && !platform.installSections.empty()) {
       findings->AddError(where, "[Version] names no CatalogFile for the models of " + PlatformName(platform.platform),
                          "version-key-missing");
     }
@@ -87,20 +87,12 @@ void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>
   }
 }
 
-// What Setup refuses or may read in another way.
-void VerifyInfFaults(const std::string& where, const SetupInf& inf, Findings* findings) {
-  for (const InfFault& fault : inf.Faults()) {
-    const std::string line = fault.line == 0 ? "" : ", line " + std::to_string(fault.line);
-    findings->Add({fault.severity, where + line, fault.what, fault.code});
-  }
-}
-
 // Microsoft, "INF SourceDisksFiles Section": a file of a package needs an entry there, and its disk one in
 // [SourceDisksNames].
 void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>& items,
-                       const std::vector<PackagePlatform>& platforms, Findings* findings) {
+                       const std::vector<PlatformInf>& platforms, Findings* findings) {
   std::set<std::size_t> seen;  // a line for both platforms is one finding
-  for (const PackagePlatform& platform : platforms) {
+  for (const PlatformInf& platform : platforms) {
     for (const InfSourceFile& source : platform.sourceFiles) {
       if (!seen.insert(source.line).second) {
         continue;
@@ -124,22 +116,20 @@ void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>&
   }
 }
 
-bool IsListed(const std::vector<InfSourceFile>& sources, const std::string& name) {
-  return std::any_of(sources.begin(), sources.end(),
-                     [&name](const InfSourceFile& source) { return IsSameText(source.name, name); });
-}
-
 // The files that install sections copy, and whether the drivers among them fit the platform.
 void VerifyCopiedFiles(const std::string& where, const std::vector<ArchiveItem>& items,
-                       const std::vector<PackagePlatform>& platforms, Findings* findings) {
+                       const std::vector<PlatformInf>& platforms, Findings* findings) {
   std::set<std::size_t> seen;
-  for (const PackagePlatform& platform : platforms) {
+  for (const PlatformInf& platform : platforms) {
     const std::uint16_t machine =
         platform.platform == InfPlatform::X86 ? kImageFileMachineI386 : kImageFileMachineAmd64;
     for (const InfCopiedFile& copied : platform.copiedFiles) {
       const ArchiveItem* const item = FindItem(items, copied.source);
       const std::string place = where + ", line " + std::to_string(copied.line);
-      if (!IsListed(platform.sourceFiles, copied.source) && seen.insert(copied.line).second) {
+      const bool isListed =
+          std::any_of(platform.sourceFiles.begin(), platform.sourceFiles.end(),
+                      [&](const InfSourceFile& source) { return IsSameText(source.name, copied.source); });
+      if (!isListed && seen.insert(copied.line).second) {
         const std::string what = "CopyFiles names \"" + copied.source + "\", which [SourceDisksFiles] does not list";
         // A file that is not carried may be one of Windows.
         findings->Add({item != nullptr ? Severity::Error : Severity::Warning, place,
@@ -153,6 +143,32 @@ void VerifyCopiedFiles(const std::string& where, const std::vector<ArchiveItem>&
       }
     }
   }
+}
+
+void VerifyCatalog(const std::string& where, const PackageCatalog& catalog, Findings* findings) {
+  const Result<Catalog>& read = *catalog.catalog;
+  if (!read) {
+    findings->AddError(where, read.error().what, "catalog-unreadable");
+    return;
+  }
+  if (read->signatures.empty()) {
+    findings->AddError(where, "is not signed", "catalog-unsigned");
+  }
+  VerifySignatures(where, read->signatures, "catalog-signature-broken", findings);
+  if (catalog.coveredCount == 0) {
+    findings->AddWarning(where, "covers no carried file: it is the catalog of other files", "catalog-of-other-files");
+  }
+}
+
+std::string Uncovered(const FileTrust& file) {
+  std::string text = "is not covered by ";
+  for (const std::string& name : file.uncoveringNames) {
+    text += (&name == &file.uncoveringNames.front() ? "" : ", ") + name;
+  }
+  if (file.coveringLineEnds) {
+    return text + "; would be covered with " + *file.coveringLineEnds + " line ends";
+  }
+  return text + (file.isNamed ? "; the catalog names it, but with other contents" : "");
 }
 
 }  // namespace
@@ -179,13 +195,74 @@ void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<Dr
   if (!package->setup) {
     return;
   }
-  VerifyInfFaults(where, package->setup->inf, findings);
-  if (package->setup->inf.HasError()) {
+  for (const Finding& fault : package->setup->Faults()) {
+    const std::string line = fault.where.empty() ? "" : ", " + fault.where;
+    findings->Add({fault.severity, where + line, fault.what, fault.code});
+  }
+  if (package->setup->Faults().HasError()) {
     return;  // Setup reads nothing of it
   }
-  VerifyCatalogNames(where, items, package->setup->platforms, findings);
-  VerifySourceFiles(where, items, package->setup->platforms, findings);
-  VerifyCopiedFiles(where, items, package->setup->platforms, findings);
+  VerifyCatalogNames(where, items, package->platforms, findings);
+  VerifySourceFiles(where, items, package->platforms, findings);
+  VerifyCopiedFiles(where, items, package->platforms, findings);
+}
+
+void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& package, Findings* findings) {
+  const std::string& driverVer = package.identity.version.text;
+  if (driverVer.empty() || !package.identity.certainty) {
+    return;  // a finding of the package
+  }
+  const std::optional<DriverVersion> version = ReadDriverVersion(driverVer);
+  if (!version) {
+    findings->AddError("package, " + std::string(package.inf.name),
+                       "DriverVer \"" + driverVer +
+                           "\" is not a date that exists (mm/dd/yyyy), a comma and one to four numbers up to 65535: "
+                           "Setup does not rank the package as intended",
+                       "driver-ver");
+    return;
+  }
+  for (const ArchiveItem& item : items) {
+    const bool isDriver = item.name.size() > 4 && IsSameText(item.name.substr(item.name.size() - 4), ".sys");
+    const std::optional<VersionRecord> record = isDriver ? FileVersionRecord(item.body) : std::nullopt;
+    if (record && record->fileVersion != VersionText(*version)) {
+      findings->AddWarning(
+          Where(item),
+          "has version " + record->fileVersion + ", but DriverVer says " + VersionText(*version) + ": a stale build",
+          "driver-version");
+    }
+  }
+}
+
+void VerifySignatures(const std::string& where, const std::vector<Signature>& signatures, const char* code,
+                      Findings* findings) {
+  for (const Signature& signature : signatures) {
+    const std::string text =
+        "its signature" + (signature.signer.empty() ? "" : " by \"" + signature.signer + "\"") + " ";
+    if (!signature.check) {
+      findings->AddError(where, text + signature.check.error().what, code);
+      continue;
+    }
+    for (const Timestamp& timestamp : signature.timestamps) {
+      if (!timestamp.check) {
+        findings->AddWarning(where, text + "has a timestamp that " + timestamp.check.error().what, "timestamp-broken");
+      }
+    }
+  }
+}
+
+void VerifyTrust(const std::vector<ArchiveItem>& items, const PackageTrust& trust, Findings* findings) {
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const std::string where = Where(items[i]);
+    const FileTrust& file = trust.files[i];
+    if (const PackageCatalog* const catalog = trust.CatalogOf(items[i])) {
+      VerifyCatalog(where, *catalog, findings);
+    } else {
+      VerifySignatures(where, file.signatures, "signature-broken", findings);
+    }
+    if (!file.uncoveringNames.empty()) {
+      findings->AddError(where, Uncovered(file), "not-in-catalog");
+    }
+  }
 }
 
 }  // namespace kwa
