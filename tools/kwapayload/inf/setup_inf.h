@@ -1,31 +1,21 @@
 #pragma once
 
-#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/finding.h"
+#include "inf/inf_parser.h"
 #include "inf/inf_text.h"
 
 namespace kwa {
-
-// An entry "key = value, value" or "value, value". A single value without a key is its own key.
-struct InfLine {
-  std::size_t number;               // from 1; the first line of an entry that continues on other lines
-  std::string key;                  // without substitution, as Setup compares it; "" if there is none
-  std::vector<std::string> values;  // with the texts of [Strings]; at least one
-
-  // The value at an index from 0, or "" after the last one.
-  std::string Value(std::size_t index) const { return index < values.size() ? values[index] : ""; }
-};
 
 // An INF as Setup (SetupAPI) reads it. Sections of one name are one section. Names of sections and keys are compared
 // without regard to case.
 class SetupInf {
  public:
-  // Reads at most 100,000 entries and headers with 500,000 values and 16 MB of text in all. If there are more, the
+  // Reads at most 100,000 entries and headers with 200,000 values and 16 MB of text in all. If there are more, the
   // content is not complete, and the fault "inf-too-large" says so.
   explicit SetupInf(const InfText& inf);
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 
@@ -12,6 +13,8 @@
 
 namespace kwa {
 namespace {
+
+using ItemsByName = std::map<std::string, const ArchiveItem*>;  // by upper-case name
 
 // Whether the configuration stays readable with a value, which the installer writes into the XML text without escaping.
 Check CheckXml(const std::string& value) {
@@ -89,8 +92,8 @@ void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>
 
 // Microsoft, "INF SourceDisksFiles Section": a file of a package needs an entry there, and its disk one in
 // [SourceDisksNames].
-void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>& items,
-                       const std::vector<PlatformInf>& platforms, Findings* findings) {
+void VerifySourceFiles(const std::string& where, const ItemsByName& items, const std::vector<PlatformInf>& platforms,
+                       Findings* findings) {
   std::set<std::size_t> seen;  // a line for both platforms is one finding
   for (const PlatformInf& platform : platforms) {
     for (const InfSourceFile& source : platform.sourceFiles) {
@@ -98,7 +101,7 @@ void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>&
         continue;
       }
       const std::string named = "[SourceDisksFiles] names \"" + source.name + "\", ";
-      if (FindItem(items, source.name) == nullptr) {
+      if (items.count(UpperCase(source.name)) == 0) {
         findings->AddError(where, named + "which is not carried", "source-file-missing");
       } else if (!source.folder.empty()) {
         findings->AddError(where,
@@ -117,25 +120,31 @@ void VerifySourceFiles(const std::string& where, const std::vector<ArchiveItem>&
 }
 
 // The files that install sections copy, and whether the drivers among them fit the platform.
-void VerifyCopiedFiles(const std::string& where, const std::vector<ArchiveItem>& items,
-                       const std::vector<PlatformInf>& platforms, Findings* findings) {
+void VerifyCopiedFiles(const std::string& where, const ItemsByName& items, const std::vector<PlatformInf>& platforms,
+                       Findings* findings) {
   std::set<std::size_t> seen;
   for (const PlatformInf& platform : platforms) {
+    std::set<std::string> listed;
+    for (const InfSourceFile& source : platform.sourceFiles) {
+      listed.insert(UpperCase(source.name));
+    }
+    std::set<std::string> copiedNames;
     const std::uint16_t machine =
         platform.platform == InfPlatform::X86 ? kImageFileMachineI386 : kImageFileMachineAmd64;
     for (const InfCopiedFile& copied : platform.copiedFiles) {
-      const ArchiveItem* const item = FindItem(items, copied.source);
-      const std::string place = where + ", line " + std::to_string(copied.line);
-      const bool isListed =
-          std::any_of(platform.sourceFiles.begin(), platform.sourceFiles.end(),
-                      [&](const InfSourceFile& source) { return IsSameText(source.name, copied.source); });
-      if (!isListed && seen.insert(copied.line).second) {
+      const std::string name = UpperCase(copied.source);
+      const auto found = items.find(name);
+      const ArchiveItem* const item = found == items.end() ? nullptr : found->second;
+      if (listed.count(name) == 0 && seen.insert(copied.line).second) {
+        const std::string place = where + ", line " + std::to_string(copied.line);
         const std::string what = "CopyFiles names \"" + copied.source + "\", which [SourceDisksFiles] does not list";
         // A file that is not carried may be one of Windows.
         findings->Add({item != nullptr ? Severity::Error : Severity::Warning, place,
                        what + (item != nullptr ? "" : ": Setup may not find it"), "copied-file-not-listed"});
       }
-      const FileKind kind = item != nullptr ? ReadFileKind(item->body) : FileKind();
+      // A file may be copied many times.
+      const bool isNew = item != nullptr && copiedNames.insert(name).second;
+      const FileKind kind = isNew ? ReadFileKind(item->body) : FileKind();
       if (kind.program && kind.program->subsystem == kImageSubsystemNative && kind.program->machine != machine) {
         findings->AddError(Where(*item),
                            "is " + KindText(kind) + ", but is copied on " + PlatformName(platform.platform),
@@ -143,32 +152,6 @@ void VerifyCopiedFiles(const std::string& where, const std::vector<ArchiveItem>&
       }
     }
   }
-}
-
-void VerifyCatalog(const std::string& where, const PackageCatalog& catalog, Findings* findings) {
-  const Result<Catalog>& read = *catalog.catalog;
-  if (!read) {
-    findings->AddError(where, read.error().what, "catalog-unreadable");
-    return;
-  }
-  if (read->signatures.empty()) {
-    findings->AddError(where, "is not signed", "catalog-unsigned");
-  }
-  VerifySignatures(where, read->signatures, "catalog-signature-broken", findings);
-  if (catalog.coveredCount == 0) {
-    findings->AddWarning(where, "covers no carried file: it is the catalog of other files", "catalog-of-other-files");
-  }
-}
-
-std::string Uncovered(const FileTrust& file) {
-  std::string text = "is not covered by ";
-  for (const std::string& name : file.uncoveringNames) {
-    text += (&name == &file.uncoveringNames.front() ? "" : ", ") + name;
-  }
-  if (file.coveringLineEnds) {
-    return text + "; would be covered with " + *file.coveringLineEnds + " line ends";
-  }
-  return text + (file.isNamed ? "; the catalog names it, but with other contents" : "");
 }
 
 }  // namespace
@@ -203,8 +186,12 @@ void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<Dr
     return;  // Setup reads nothing of it
   }
   VerifyCatalogNames(where, items, package->platforms, findings);
-  VerifySourceFiles(where, items, package->platforms, findings);
-  VerifyCopiedFiles(where, items, package->platforms, findings);
+  ItemsByName itemsByName;
+  for (const ArchiveItem& item : items) {
+    itemsByName.emplace(UpperCase(item.name), &item);
+  }
+  VerifySourceFiles(where, itemsByName, package->platforms, findings);
+  VerifyCopiedFiles(where, itemsByName, package->platforms, findings);
 }
 
 void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& package, Findings* findings) {
@@ -229,38 +216,6 @@ void VerifyVersions(const std::vector<ArchiveItem>& items, const DriverPackage& 
           Where(item),
           "has version " + record->fileVersion + ", but DriverVer says " + VersionText(*version) + ": a stale build",
           "driver-version");
-    }
-  }
-}
-
-void VerifySignatures(const std::string& where, const std::vector<Signature>& signatures, const char* code,
-                      Findings* findings) {
-  for (const Signature& signature : signatures) {
-    const std::string text =
-        "its signature" + (signature.signer.empty() ? "" : " by \"" + signature.signer + "\"") + " ";
-    if (!signature.check) {
-      findings->AddError(where, text + signature.check.error().what, code);
-      continue;
-    }
-    for (const Timestamp& timestamp : signature.timestamps) {
-      if (!timestamp.check) {
-        findings->AddWarning(where, text + "has a timestamp that " + timestamp.check.error().what, "timestamp-broken");
-      }
-    }
-  }
-}
-
-void VerifyTrust(const std::vector<ArchiveItem>& items, const PackageTrust& trust, Findings* findings) {
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    const std::string where = Where(items[i]);
-    const FileTrust& file = trust.files[i];
-    if (const PackageCatalog* const catalog = trust.CatalogOf(items[i])) {
-      VerifyCatalog(where, *catalog, findings);
-    } else {
-      VerifySignatures(where, file.signatures, "signature-broken", findings);
-    }
-    if (!file.uncoveringNames.empty()) {
-      findings->AddError(where, Uncovered(file), "not-in-catalog");
     }
   }
 }

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/finding.h"
+
+namespace kwa {
+
+// The longest field in characters, before and after substitution. Microsoft, "INF Strings Section": 4096 with the
+// terminator.
+constexpr std::size_t kMaxField = 4095;
+
+// An entry "key = value, value" or "value, value". A single value without a key is its own key.
+struct InfLine {
+  std::size_t number;               // from 1; the first line of an entry that continues on other lines
+  std::string key;                  // without substitution, as Setup compares it; "" if there is none
+  std::vector<std::string> values;  // with the texts of [Strings]; at least one
+
+  // The value at an index from 0, or "" after the last one.
+  std::string Value(std::size_t index) const { return index < values.size() ? values[index] : ""; }
+};
+
+// The sections of an INF, lines and fields as they are written.
+struct InfParts {
+  // Adds a fault, unless there is one with this code. The number of a line is 0 for the file as a whole.
+  void AddFault(Severity severity, const char* code, std::size_t line, const char* what);
+
+  // The limits are far above what an INF has, so that no file costs much time or memory.
+  bool AreLimitsKept() const { return lineCount <= 100000 && valueCount <= 200000 && textSize <= 16 << 20; }
+
+  std::map<std::string, std::vector<InfLine>> sections;  // by upper-case name
+  Findings faults;
+  std::size_t lineNumber = 1;  // where the reader is; a line that continues the one before counts
+  std::size_t lineCount = 0;
+  std::size_t valueCount = 0;
+  std::size_t textSize = 0;  // of all that is kept
+};
+
+// Reads until a limit is met. No text is substituted.
+InfParts ParseInf(std::string_view text);
+
+}  // namespace kwa
