@@ -28,14 +28,6 @@ std::string OptionalHeader(const BuiltImage& image) {
   return header;
 }
 
-std::string Utf16(const std::string& text) {
-  std::string bytes;
-  for (auto at = text.begin(); at != text.end();) {
-    bytes += HalfBytes(static_cast<std::uint16_t>(utf8::next(at, text.end())));
-  }
-  return bytes + std::string(2, '\0');
-}
-
 // A block of a version record: a key, a value and blocks in it.
 //
 // textUnits  units of the value if it is text, its terminator counted; 0 for other values
@@ -43,7 +35,7 @@ std::string VersionBlock(const std::string& key, const std::string& value, std::
                          const std::string& children) {
   std::string block = std::string(2, '\0') +
                       HalfBytes(static_cast<std::uint16_t>(textUnits ? textUnits : value.size())) +
-                      HalfBytes(textUnits ? 1 : 0) + Utf16(key);
+                      HalfBytes(textUnits ? 1 : 0) + Utf16(key + '\0');
   for (const std::string& part : {value, children}) {
     block.resize((block.size() + 3) / 4 * 4);
     block += part;
@@ -54,6 +46,14 @@ std::string VersionBlock(const std::string& key, const std::string& value, std::
 }
 
 }  // namespace
+
+std::string Utf16(const std::string& text) {
+  std::string bytes;
+  for (auto at = text.begin(); at != text.end();) {
+    bytes += HalfBytes(static_cast<std::uint16_t>(utf8::next(at, text.end())));
+  }
+  return bytes;
+}
 
 std::string BuildImage(const BuiltImage& image) {
   constexpr std::uint32_t kHeaderOffset = 0x80;
@@ -102,7 +102,7 @@ std::string BuildResourceImage(std::uint32_t type, const std::string& resource) 
 std::string BuildVersionRecord(const std::map<std::string, std::string>& texts) {
   std::string strings;
   for (const auto& [key, text] : texts) {
-    const std::string value = Utf16(text);
+    const std::string value = Utf16(text + '\0');
     strings += VersionBlock(key, value, value.size() / 2, "");
   }
   const std::string version = WordBytes(0x00010002) + WordBytes(0x00030004);

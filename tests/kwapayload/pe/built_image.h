@@ -29,6 +29,9 @@ struct BuiltImage {
       std::vector<std::pair<std::uint32_t, std::uint32_t>>(16);
 };
 
+// A text in UTF-8 as UTF-16, little-endian, without a terminator.
+std::string Utf16(const std::string& text);
+
 // As a linker lays it out, with alignments of 4096 in memory and 512 in the file. Section i is at the address
 // SectionAddress(i). In the file it follows the headers and the sections before it, at a multiple of 512.
 std::string BuildImage(const BuiltImage& image);

@@ -33,7 +33,7 @@ std::string IndirectMember(const std::string& tag, const char* algorithm, const 
 std::string FileNameAttribute(const std::string& name) {
   const std::string bigEndianFile("\0F\0i\0l\0e", 8);
   return DerAttribute("1.3.6.1.4.1.311.12.2.1",
-                      Der(kDerSequence, Der(0x1E, bigEndianFile) + Der(0x02, "\1") + Der(kDerOctets, Wide(name))));
+                      Der(kDerSequence, Der(0x1E, bigEndianFile) + Der(0x02, "\1") + Der(kDerOctets, Utf16(name))));
 }
 
 // The element with lists of indefinite length, down to a depth.
@@ -107,7 +107,7 @@ std::string EmbeddedIn(const std::string& program) {
 
 TEST(Trust, CatalogCovers) {
   const std::string text = "[Version]\r\n";
-  const std::string hexTag = Wide("39488A95FF3BD1C8E34DC7B728BB935F5032E1EE") + std::string(2, '\0');
+  const std::string hexTag = Utf16("39488A95FF3BD1C8E34DC7B728BB935F5032E1EE") + std::string(2, '\0');
   const std::string program = Program(21);
   const std::string fewDirectories = Program(24, 4);
   const std::string damaged = program.substr(0, kSecurityEntry);
@@ -135,7 +135,7 @@ TEST(Trust, CatalogCovers) {
       {"digest of a damaged program's file", 2, Member(sha256(damaged), ""), damaged, false},
       {"another tag", 2, IndirectMember(sha256("other"), kSha256, sha256(text)), text, false},
       {"a tag of another algorithm", 2, IndirectMember(hexTag, kSha256, sha256(text)), text, false},
-      {"a label as tag", 1, IndirectMember(Wide("any.inf"), kSha1, sha1(text)), text, false},
+      {"a label as tag", 1, IndirectMember(Utf16("any.inf"), kSha1, sha1(text)), text, false},
       {"other indirect data", 2, IndirectMember(sha256(text), kSha256, sha256("other")), text, false},
       {"an algorithm that does not fit", 2, IndirectMember(sha256(text), kSha1, sha256(text)), text, false},
       {"MD5", 1, Member(md5, "") + IndirectMember(md5, kMd5, md5), text, false},

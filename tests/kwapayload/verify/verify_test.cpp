@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "inf/inf_cases.h"
 #include "pe/built_image.h"
 #include "temporary_folder.h"
 #include "trust/built_signature.h"
@@ -29,11 +28,7 @@ struct Row {
 const char kInf[] = "package, marlin_usb.inf";
 const char kPackage[] = "package, a.inf";
 const char kArchive[] = "archive at offset ";
-std::string Wide(const std::string& text) {
-  return Utf16Inf(text).substr(2);
-}
-
-const std::string kVersionText = Wide("FileVersion") + std::string(4, '\0');
+const std::string kVersionText = Utf16("FileVersion") + std::string(4, '\0');
 
 // Places in the archive of InArchive.
 constexpr std::size_t kSecondEntry = 8 + 264;
@@ -189,12 +184,12 @@ const Row kRows[] = {
     {"no manifest", InResources(24, ResourceNumber::Type, 23), {{"no-manifest", "executable"}}},
     {"manifest", InProgram("requireAdministrator", "requireAdministrat0r"), {{"manifest", "executable, manifest"}}},
     {"no version record", InResources(16, ResourceNumber::Type, 15), {{"no-version", "executable"}}},
-    {"version record", InProgram(Wide("VS_VERSION_INFO"), Wide("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
+    {"version record", InProgram(Utf16("VS_VERSION_INFO"), Utf16("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
     // The number is 16 bytes after the signature of the fixed part.
     {"product version",
      Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE", image.A().position) + 18, "\x02"); }),
      {{"versions-differ", "executable, version record"}}},
-    {"version text", InProgram(kVersionText + Wide("1.0"), kVersionText + Wide("1.") + Wide({0})),
+    {"version text", InProgram(kVersionText + Utf16("1.0"), kVersionText + Utf16("1.") + Utf16({0})),
      {{"versions-differ", "executable, version record"}}},
     {"import table", InHeader(128, WordBytes(0x70000000)), {{"imports-damaged", "executable"}}},
     {"library", InProgram("SHELL32.dll", "SHELL33.dll"), {{"library-not-allowed", "executable, imports of SHELL33.dll"}}},
