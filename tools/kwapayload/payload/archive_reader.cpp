@@ -36,8 +36,8 @@ Check CheckNameField(ByteSpan field) {
   return {};
 }
 
-// Calls `visit` with the offset of each magic that a name follows, outside sound archives, in their order, and with what
-// ReadArchive says of it, until it returns false.
+// Calls `visit` with the offset of each magic that a name follows, outside sound archives, in their order, and with
+// what ReadArchive says of it, until it returns false.
 //
 // The work is linear, even where tables overlap on purpose: the name field of one table then consists of another's
 // names and sizes. Both need text where the other has zeros, so one of the two soon has a size that leads out of the
