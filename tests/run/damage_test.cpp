@@ -54,20 +54,4 @@ TEST_F(DamagedInstaller, StartsNothing) {
   }
 }
 
-// A size of 2^31 or more counts as 0 bytes. Every later body is then read from the wrong place, and the run continues.
-TEST_F(InstallerRun, TakesABodyOf2To31BytesForEmpty) {
-  InstallerImage image;
-  image.SetSize(image.Find("marlin_usb.inf"), 0x80000000);
-  const RunResult result = RunChanged(image);
-  EXPECT_EQ(result.exitStatus, 0U);
-  const std::vector<EmbeddedFile>& files = image.A().files;
-  std::size_t position = files[0].bodyPosition;
-  for (const EmbeddedFile& file : files) {
-    const std::size_t size = file.name == "marlin_usb.inf" ? 0 : file.size;
-    EXPECT_EQ(result.files.at(file.name), Fingerprint(image.Bytes().substr(position, size))) << file.name;
-    position += (size + 3) / 4 * 4;
-  }
-  EXPECT_NE(result.document.find("Welcome to the KWA  Driver"), std::string::npos) << "no INF, no name";
-}
-
 }  // namespace

@@ -132,12 +132,4 @@ TEST_F(Pack, KeepsAFileThatAppearsMeanwhile) {
   EXPECT_EQ("of another", ReadWholeFile(folder / "out/archive"));
 }
 
-TEST_F(Pack, FailedRenameLeavesNothing) {
-  kwa::OutputFile output(folder / "out/archive", kwa::Existing::Kept);
-  std::filesystem::remove_all(folder / "out");  // with the temporary file
-  std::filesystem::create_directory(folder / "out");
-  EXPECT_THROW(output.Commit(), kwa::ToolFailure);
-  EXPECT_EQ(std::vector<std::string>{}, NamesIn(folder / "out"));
-}
-
 }  // namespace
