@@ -128,7 +128,7 @@ void VerifyCopiedFiles(const std::string& where, const ItemsByName& items, const
     for (const InfSourceFile& source : platform.sourceFiles) {
       listed.insert(UpperCase(source.name));
     }
-    std::set<std::string> copiedNames;
+    std::set<std::string> copiedNames;  // a file may be copied many times
     const std::uint16_t machine =
         platform.platform == InfPlatform::X86 ? kImageFileMachineI386 : kImageFileMachineAmd64;
     for (const InfCopiedFile& copied : platform.copiedFiles) {
@@ -142,9 +142,10 @@ void VerifyCopiedFiles(const std::string& where, const ItemsByName& items, const
         findings->Add({item != nullptr ? Severity::Error : Severity::Warning, place,
                        what + (item != nullptr ? "" : ": Setup may not find it"), "copied-file-not-listed"});
       }
-      // A file may be copied many times.
-      const bool isNew = item != nullptr && copiedNames.insert(name).second;
-      const FileKind kind = isNew ? ReadFileKind(item->body) : FileKind();
+      if (item == nullptr || !copiedNames.insert(name).second) {
+        continue;
+      }
+      const FileKind kind = ReadFileKind(item->body);
       if (kind.program && kind.program->subsystem == kImageSubsystemNative && kind.program->machine != machine) {
         findings->AddError(Where(*item),
                            "is " + KindText(kind) + ", but is copied on " + PlatformName(platform.platform),
