@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "built_archive.h"
 #include "installer_image.h"
@@ -37,6 +38,17 @@ TEST_F(Commands, MisuseEndsWithStatus2) {
     EXPECT_EQ(2, run.status) << arguments;
     EXPECT_EQ(0U, run.errors.find("kwapayload: ")) << run.errors;
     EXPECT_EQ("", run.output);
+  }
+}
+
+TEST_F(Commands, HelpFitsTheTerminal) {
+  for (const char* const command : {"compare", "extract", "list", "pack", "preview", "verify"}) {
+    std::istringstream help(RunTool({command, "--help"}).output);
+    std::size_t longest = 0;
+    for (std::string line; std::getline(help, line);) {
+      longest = std::max(longest, line.size());
+    }
+    EXPECT_TRUE(longest > 70 && longest <= 80) << command << ": " << longest;
   }
 }
 

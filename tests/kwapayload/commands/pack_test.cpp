@@ -81,6 +81,16 @@ TEST_F(Pack, EveryDifferenceFromTheListIsNamed) {
   EXPECT_EQ(2, bad.status);
 }
 
+// A new list would hide what is missing.
+TEST_F(Pack, MissingFilesNeedNoNewList) {
+  std::string list = ReadWholeFile(KWA_CONTENTS);
+  list.insert(list.find('[') + 1, R"({"archive": "A", "name": "gone", "size": 1, "kind": "k"},)");
+  WriteWholeFile(folder / "list", list);
+  ExpectFailure(
+      RunTool({"pack", KWA_PAYLOAD_DIR "/a", folder / "out/archive", "--contents", folder / "list", "--archive", "A"}),
+      KWA_PAYLOAD_DIR, {"a: archive A, gone: is missing"});
+}
+
 TEST_F(Pack, PlacesThatDoNotDo) {
   ExpectFaults({"in: holds no files"});
   AddFile("a");

@@ -33,6 +33,7 @@ TEST(FileKind, ByTheFilesOwnBytes) {
       {"MZ", "DOS program"},
       {signedData, "PKCS #7 signed data"},
       {signedData.substr(0, 16), "unknown data"},
+      {"\x30\x85" + std::string(3, '\0') + signedData.substr(2), "unknown data"},
       {Bitmap(51, 305, 24, 0), "Windows bitmap, 51 x 305 pixels, 24 bits per pixel, uncompressed"},
       {Bitmap(2, 0xFFFFFFFD, 8, 1), "Windows bitmap, 2 x 3 pixels, 8 bits per pixel, compression 1, top-down"},
       {Bitmap(51, 305, 24, 0).substr(0, 50), "unknown data"},

@@ -17,6 +17,7 @@ struct Parts {
   std::uint32_t moreMemory = 0;  // of their section, than the archives need
   bool areSwapped = false;       // the addresses of the two archives
   bool isSigned = false;
+  std::string beforeSignature;
   std::string atEnd;
 };
 
@@ -37,12 +38,9 @@ std::string Installer(const Parts& parts) {
   image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2), 12};
   std::string bytes = BuildImage(image);
   if (parts.isSigned) {
-    bytes.resize((bytes.size() + 7) / 8 * 8);
+    bytes += parts.beforeSignature;
     image.directories[kwa::kPeSecurityDirectory] = {static_cast<std::uint32_t>(bytes.size()), 16};
-    const std::size_t size = bytes.size();
-    bytes = BuildImage(image);
-    bytes.resize(size);
-    bytes += WordBytes(16) + "a signature.";
+    bytes = BuildImage(image) + parts.beforeSignature + WordBytes(16) + "a signature.";
   }
   return bytes + parts.atEnd;
 }
@@ -56,6 +54,8 @@ TEST(ReadProgram, IsTheSameAroundAnotherPayloadAndSignature) {
   const std::pair<void (*)(Parts&), std::vector<std::string>> cases[] = {
       {[](Parts& parts) { parts.a = std::string(5001, 'a'); }, {}},
       {[](Parts& parts) { parts.isSigned = true; }, {}},
+      {[](Parts& parts) { parts.isSigned = true, parts.beforeSignature = "8 bytes."; },
+       {"the bytes after the last section"}},
       {[](Parts& parts) { parts.code = "\xC2"; }, {".text"}},
       {[](Parts& parts) { parts.afterArchives = "x"; }, {".payload", "the places of the archives"}},
       {[](Parts& parts) { parts.moreMemory = 4; }, {"headers", ".text", ".payload", "the places of the archives"}},

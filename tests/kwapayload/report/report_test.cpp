@@ -90,6 +90,8 @@ TEST(Report, ListOfAnInstaller) {
   ExpectFields(list["package"], R"({"inf": "driver.inf", "version": "1,2", "displayName": "Vireo One",
       "family": "Vireo"})");
   EXPECT_EQ("Vireoe Serie (Y2", list["package"]["germanDevices"][7]);
+  const json inArchive = json::parse(kwa::ListJson("", Inspection(kArchiveA)))["files"][1];
+  EXPECT_EQ(inArchive["position"], inArchive["fileOffset"]);
 }
 
 TEST(Report, BillOfMaterials) {
