@@ -69,11 +69,11 @@ function open(files) {
 
 // The signatures of a file as text with what was found about each.
 function signatures(all) {
-  return all.map(({signer, nested, timestamps, fault}) => make('span', {},
-    `${signer ?? 'a signer without a name'}${nested ? ' (nested)' : ''}, `,
-    ...(timestamps ?? []).map((stamp) => `${stamp.time ?? 'at an unreadable time'} (${stamp.kind}${
-      stamp.fault ? `, BROKEN: ${stamp.fault}` : ''}), `),
-    make('span', {className: fault ? 'bad' : 'good'}, fault ? `BROKEN: ${fault}` : 'the signature holds')));
+  return all.map(({signer, certificate, nested, timestamps, fault}) => make('span', {},
+    `${signer ?? 'a signer without a name'}${nested ? ' (nested)' : ''}, certificate `, code(certificate ?? 'none'),
+    ...(timestamps ?? []).map((stamp) => `, ${stamp.time ?? 'at an unreadable time'} (${stamp.kind}${
+      stamp.fault ? `, BROKEN: ${stamp.fault}` : ''})`),
+    ', ', make('span', {className: fault ? 'bad' : 'good'}, fault ? `BROKEN: ${fault}` : 'the signature holds')));
 }
 
 function verdict(findings) {

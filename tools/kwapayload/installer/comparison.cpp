@@ -16,7 +16,8 @@ namespace {
 bool HaveSameSigners(const std::vector<Signature>& before, const std::vector<Signature>& after) {
   return std::equal(before.begin(), before.end(), after.begin(), after.end(),
                     [](const Signature& left, const Signature& right) {
-                      return left.signer == right.signer && left.check.has_value() == right.check.has_value();
+                      return left.signer == right.signer && left.certificate == right.certificate &&
+                             left.check.has_value() == right.check.has_value();
                     });
 }
 

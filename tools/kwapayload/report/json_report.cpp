@@ -41,6 +41,7 @@ ordered_json SignaturesJson(const std::vector<Signature>& signatures) {
                             {"fault", FaultOrNull(timestamp.check)}});
     }
     list.push_back({{"signer", TextOrNull(signature.signer)},
+                    {"certificate", TextOrNull(signature.certificate)},
                     {"nested", signature.isNested},
                     {"timestamps", timestamps},
                     {"fault", FaultOrNull(signature.check)}});

@@ -12,15 +12,14 @@
 namespace kwa {
 namespace {
 
-std::string SignersOrNone(const std::vector<Signature>& signatures) {
-  return signatures.empty() ? "none" : SignersText(signatures);
+std::string OrNone(const std::string& text) {
+  return text.empty() ? "none" : text;
 }
 
 std::string ChangesText(const std::vector<Change>& changes) {
-  const auto shown = [](const std::string& text) { return text.empty() ? "none" : text; };
   std::vector<std::string> texts;
   for (const Change& change : changes) {
-    texts.push_back(std::string(change.what) + " " + shown(change.before) + " -> " + shown(change.after));
+    texts.push_back(std::string(change.what) + " " + OrNone(change.before) + " -> " + OrNone(change.after));
   }
   return Joined(texts, "; ");
 }
@@ -88,8 +87,8 @@ std::string InstallerText(const Comparison& comparison) {
     text += "dpinst.xml: not all wizard texts are those of this tool; what is said of the file is a guess\n";
   }
   if (comparison.areSignersChanged) {
-    text += "signature: " + SignersOrNone(comparison.before->signatures) + " -> " +
-            SignersOrNone(comparison.after->signatures) + '\n';
+    const Change signature = SignatureChange(comparison);
+    text += "signature: " + OrNone(signature.before) + " -> " + OrNone(signature.after) + '\n';
   }
   return text;
 }

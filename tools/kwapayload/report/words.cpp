@@ -105,13 +105,22 @@ std::vector<Change> PackageChanges(const Comparison& comparison) {
   return changes;
 }
 
+Change SignatureChange(const Comparison& comparison) {
+  Change change = {"signature", SignersText(comparison.before->signatures), SignersText(comparison.after->signatures)};
+  if (comparison.areSignersChanged && change.before == change.after) {
+    change.after += " (another certificate)";
+  }
+  return change;
+}
+
 std::vector<Change> InstallerChanges(const Comparison& comparison) {
   const Inspection& before = *comparison.before;
   const Inspection& after = *comparison.after;
   std::vector<Change> changes;
   Add("fingerprint", before.program.fingerprint, after.program.fingerprint, &changes);
   Add("texts", Escaped(before.configuration), Escaped(after.configuration), &changes);
-  Add("signature", SignersText(before.signatures), SignersText(after.signatures), &changes);
+  const Change signature = SignatureChange(comparison);
+  Add(signature.what, signature.before, signature.after, &changes);
   return changes;
 }
 

@@ -38,6 +38,8 @@ struct Change {
 std::vector<Change> FileChanges(const ChangedFile& file);
 // What differs in what the installer reads of the package.
 std::vector<Change> PackageChanges(const Comparison& comparison);
+// Who signed. Anybody can make a certificate with the same name, so another certificate counts.
+Change SignatureChange(const Comparison& comparison);
 // What differs in the installer around the payload.
 std::vector<Change> InstallerChanges(const Comparison& comparison);
 

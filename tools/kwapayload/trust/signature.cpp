@@ -133,8 +133,8 @@ void AppendOwnSignatures(ByteSpan bytes, bool isNested, const ContentCheck& chec
     if (result.check) {
       result.check = checkContent(*data);
     }
-    signatures.push_back(
-        {std::move(result.name), std::move(result.check), isNested, ReadTimestamps(signer, certificates)});
+    signatures.push_back({std::move(result.name), std::move(result.check), isNested,
+                          ReadTimestamps(signer, certificates), std::move(result.certificate)});
     ForEachAttributeValue(ByteSpan(signer.unsignedAttributes), kNestedSignature, [&](const Asn1Element& value) {
       nested.emplace_back(value.whole.Text());
       return nested.size() <= kMaxSignatures;

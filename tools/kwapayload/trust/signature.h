@@ -24,6 +24,7 @@ struct Signature {
   Check check;         // whether it holds; the fault is a phrase such as "does not fit the signer's certificate"
   bool isNested;       // it is part of another signature, which comes before it
   std::vector<Timestamp> timestamps;
+  std::string certificate = "";  // the SHA-256 of the certificate in hexadecimal digits; "" where there is none
 };
 
 // Says whether the content of signed data fits the file that it signs.

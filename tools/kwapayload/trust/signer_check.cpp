@@ -9,6 +9,7 @@
 #include <openssl/x509v3.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <memory>
 
@@ -55,6 +56,13 @@ std::string CommonName(const X509* certificate) {
     --end;
   }
   return name.substr(0, end);
+}
+
+std::string CertificateDigest(const X509* certificate) {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest = {};
+  unsigned size = 0;
+  X509_digest(certificate, EVP_sha256(), digest.data(), &size);
+  return Hex(std::string(digest.begin(), digest.begin() + size));
 }
 
 // Whether a check with the key takes long: keys of more than 8192 bits, or an RSA exponent of more than 32.
@@ -152,7 +160,8 @@ SignerCheck CheckSigner(const SignerInfo& signer, ByteSpan content, const Certif
   });
   const X509* const certificate = found == certificates.end() ? nullptr : found->get();
   SignerCheck result = {certificate != nullptr ? CommonName(certificate) : "",
-                        CheckSignature(signer, content, certificate, kind)};
+                        CheckSignature(signer, content, certificate, kind),
+                        certificate != nullptr ? CertificateDigest(certificate) : ""};
   ERR_clear_error();
   return result;
 }

@@ -17,8 +17,9 @@ using Certificates = std::vector<std::shared_ptr<const x509_st>>;
 Certificates ReadCertificates(const std::string& encodedList);
 
 struct SignerCheck {
-  std::string name;  // the common name in the certificate, UTF-8 as it is; "" where there is none
-  Check check;       // whether the signature holds
+  std::string name;         // the common name in the certificate, UTF-8 as it is; "" where there is none
+  Check check;              // whether the signature holds
+  std::string certificate;  // its SHA-256 in hexadecimal digits; "" where there is none
 };
 
 enum class SignerKind { Signer, CounterSigner };
