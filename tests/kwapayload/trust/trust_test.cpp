@@ -189,7 +189,7 @@ TEST(Trust, CatalogsAndTheirSignatures) {
   std::string brokenSignature = good;
   brokenSignature.back() ^= 1;
   std::string manyMembers;
-  for (int i = 0; i < 100001; ++i) {
+  for (int i = 0; i < 100000; ++i) {
     manyMembers += Member("", "");
   }
   const auto inForm = [&list](SignerForm form) {
@@ -212,7 +212,10 @@ TEST(Trust, CatalogsAndTheirSignatures) {
       {BuildCatalog(2, tag + IndirectMember("tag", kSha1, "")), kDamagedMember},
       {BuildCatalog(2, tag + Der(0x02, "\x01")), kDamagedMember},
       {BuildCatalog(2, tag + tag.substr(0, 4)), kDamagedMember},
-      {BuildCatalog(2, manyMembers), "is a catalog of more than 100000 members"},
+      {BuildCatalog(2, manyMembers), kGood},
+      {BuildCatalog(2, manyMembers + Member("", "")), "is a catalog of more than 100000 members"},
+      {Der(kDerSequence, kwa::DerObjectId("1.2.840.113549.1.7.2") + Der(0xA0, Der(kDerSequence, ""))),
+       "is no signed data"},
       {BuildSignedData({kTrustListType, list, 17}), "has more than 16 signers"},
       {replaced(good, "some tag", "same tag"), "Tester: does not fit what it signs\n"},
       {brokenSignature, kUnfit},
