@@ -1,6 +1,5 @@
 // kwapayload: packs payload archives and looks into built installers, on the build machine.
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <csignal>
 #include <exception>
 #include <iostream>
@@ -14,26 +13,9 @@
 #include "files/output_file.h"
 #include "files/tool_failure.h"
 #include "report/escaped_text.h"
+#include "report/wrapped_text.h"
 
 namespace {
-
-// Breaks a help line at blanks to at most 80 characters. A description goes on in its own column.
-std::string Wrapped(std::string line) {
-  constexpr std::size_t kWidth = 80;
-  const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
-  const std::size_t gap = line.find("  ", begin);
-  const std::size_t indent = begin == 0 || gap == std::string::npos ? begin : line.find_first_not_of(' ', gap);
-  std::string wrapped;
-  while (line.size() > kWidth) {
-    const std::size_t end = line.rfind(' ', kWidth);
-    if (end == std::string::npos || end <= indent) {
-      break;
-    }
-    wrapped += line.substr(0, end) + '\n';
-    line = std::string(indent, ' ') + line.substr(end + 1);
-  }
-  return wrapped + line;
-}
 
 class NarrowHelp : public CLI::Formatter {
  public:
@@ -41,7 +23,7 @@ class NarrowHelp : public CLI::Formatter {
     std::istringstream help(CLI::Formatter::make_help(app, std::move(name), mode));
     std::string text;
     for (std::string line; std::getline(help, line);) {
-      text += Wrapped(line) + '\n';
+      text += kwa::Wrapped(line, 80) + '\n';
     }
     return text;
   }

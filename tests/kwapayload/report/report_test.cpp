@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include "built_archive.h"
 #include "pe/built_image.h"
@@ -76,6 +77,11 @@ TEST(Report, ListOfAnInstaller) {
   ExpectPart(text, "\nPackage:           driver.inf\nVersion:           1,2\nDisplay name:      Vireo One\n");
   ExpectPart(text, "\nDevices:           Vireo Series (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), Vireoe ");
   ExpectPart(text, "\nDevices (German):  Vireo Serie (");
+
+  std::istringstream lines(kwa::ListText("a.exe" + std::string(100, ' '), inspection, 80));
+  for (std::string line; std::getline(lines, line);) {
+    EXPECT_LE(line.size(), 80U) << line;
+  }
 
   const json list = json::parse(kwa::ListJson("a.exe", inspection));
   ASSERT_EQ(5U, list["files"].size());

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <sstream>
 
 #include "report/escaped_text.h"
 #include "report/words.h"
+#include "report/wrapped_text.h"
 
 namespace kwa {
 namespace {
@@ -162,8 +164,13 @@ std::string ListText(const std::string& file, const Inspection& inspection, std:
                     std::to_string(carried.item.body.Size()), VersionText(carried.version), CoverageText(carried),
                     KindText(carried.kind)});
   }
-  return TableText(rows, width) + '\n' + InstallerText(file, inspection) + TrustText(inspection) +
-         PackageText(inspection);
+  const std::string facts = InstallerText(file, inspection) + TrustText(inspection) + PackageText(inspection);
+  std::string text = TableText(rows, width) + '\n';
+  std::istringstream lines(facts);
+  for (std::string line; std::getline(lines, line);) {
+    text += (width == 0 ? line : Wrapped(line, width)) + '\n';
+  }
+  return text;
 }
 
 }  // namespace kwa
