@@ -43,8 +43,9 @@ run_build() {
   return "$status"
 }
 
-# The tools print a payload's faults after their names, and findings after the severity.
-build_faults() { grep -E '^(kwapayload|samplepayload|error|warning): ' "$1" || tail -n 40 "$1"; }
+# The tools print a payload's faults after their names, and findings after the severity. A fault of the list of contents
+# stops the packing of both archives.
+build_faults() { grep -E '^(kwapayload|samplepayload|error|warning): ' "$1" | awk '!seen[$0]++' || tail -n 40 "$1"; }
 
 for cli_argument in "$@"; do
   if [ "$cli_argument" = --help ]; then
