@@ -43,7 +43,7 @@ std::optional<TextKind> ReadUtf16Kind(ByteSpan text, TextEncoding encoding) {
   const bool isBigEndian = encoding == TextEncoding::Utf16BigEndian;
   LineEndNotes lineEnds;
   for (std::uint64_t at = 0; at + 1 < text.Size(); at += 2) {
-    const std::uint32_t unit = isBigEndian ? text.U8(at) << 8U | text.U8(at + 1) : text.U16(at);
+    const std::uint32_t unit = isBigEndian ? std::uint32_t{text.U8(at)} << 8U | text.U8(at + 1) : text.U16(at);
     if (IsControl(unit)) {
       return std::nullopt;
     }
