@@ -7,9 +7,9 @@
 
 #include "temporary_folder.h"
 
-ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& before) {
+ToolRun RunTool(const std::vector<std::string>& arguments) {
   const TemporaryFolder folder;
-  std::string command = before + "'" KWA_TOOL "'";
+  std::string command = "'" KWA_TOOL "'";
   for (const std::string& argument : arguments) {
     command += " '" + argument + "'";
   }

@@ -9,8 +9,8 @@ struct ToolRun {
   std::string errors;  // standard error
 };
 
-// Runs the built kwapayload. `before` is put in front of the command, for the shell.
-ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& before = "");
+// Runs the built kwapayload.
+ToolRun RunTool(const std::vector<std::string>& arguments);
 
 // Expects exit status 2, no output, and on the error stream one line for each fault. A fault begins with the name of a
 // file in the folder.
