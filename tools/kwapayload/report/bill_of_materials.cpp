@@ -92,7 +92,8 @@ std::string BillOfMaterials(const std::string& name, const Inspection& inspectio
   ordered_json installer = {{"type", inspection.installer.image ? "application" : "file"}, {"name", Escaped(name)}};
   AddFacts(inspection.version, CompanyName(inspection.version), inspection.sha256, &installer);
   if (inspection.installer.image) {
-    installer["properties"] = {Property("fingerprint", inspection.program.fingerprint)};
+    // Without "array", some compilers take a list of one object for the object.
+    installer["properties"] = ordered_json::array({Property("fingerprint", inspection.program.fingerprint)});
     AddSigners(inspection.signatures, &installer["properties"]);
   }
   ordered_json components = ordered_json::array();
