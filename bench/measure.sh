@@ -106,7 +106,7 @@ peak() {
 }
 
 # Archive A, nine tenths of the payload, compared with a copy of the same files.
-pack_files() { "$work/installer/kwapayload" pack "$work/payload/a" "$work/packed/a"; }
+pack_files() { build/kwapayload pack "$work/payload/a" "$work/packed/a"; }
 copy_files() { cp "$work"/payload/a/* "$work/packed"; }
 
 time_packing() {
@@ -123,7 +123,7 @@ measure_packing() {
   result pack.ratio "$(median 1 2)"
   rm -rf "$work/packed"
   mkdir "$work/packed"
-  result pack.memory "$(peak "$work/installer/kwapayload" pack "$work/payload/a" "$work/packed/a")"
+  result pack.memory "$(peak build/kwapayload pack "$work/payload/a" "$work/packed/a")"
   rm -rf "$work/packed"
 }
 
@@ -140,7 +140,7 @@ time_building() {
     # The smallest possible change of a payload, and a new one each time.
     changes=$((${changes:-0} + 1))
     printf '%08d' "$changes" | dd of="$work/payload/a/marlin_usb.cat" conv=notrunc status=none
-    seconds cmake --build "$work/installer"
+    seconds cmake --build "$work/installer" --target kwa_installer
   else
     seconds sh "$work/$1.sh"
   fi
