@@ -18,8 +18,8 @@
 #include "report/json_report.h"
 #include "report/list_report.h"
 #include "report/text_report.h"
-#include "trust/authenticode.h"
 #include "trust/catalog.h"
+#include "trust/signature.h"
 #include "verify/verification.h"
 
 namespace {

@@ -13,7 +13,6 @@
 #include "files/output_file.h"
 #include "files/tool_failure.h"
 #include "report/escaped_text.h"
-#include "report/wrapped_text.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "catalog.h"
-#include "files/contents_input.h"
 #include "files/mapped_file.h"
 #include "files/output_file.h"
+#include "files/payload_folder.h"
 #include "padding.h"
 #include "program.h"
 #include "signer.h"

@@ -8,7 +8,6 @@
 #include "built_image.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
-#include "pe/version_record.h"
 
 namespace {
 

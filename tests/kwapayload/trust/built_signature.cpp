@@ -6,8 +6,7 @@
 #include <memory>
 
 #include "signer.h"
-#include "trust/asn1_list.h"
-#include "trust/asn1_value.h"
+#include "trust/asn1.h"
 #include "trust/digest.h"
 
 namespace {

@@ -8,10 +8,10 @@
 #include "built_archive.h"
 #include "built_image.h"
 #include "program.h"
-#include "trust/asn1_list.h"
-#include "trust/authenticode.h"
+#include "trust/asn1.h"
 #include "trust/built_signature.h"
 #include "trust/catalog.h"
+#include "trust/signature.h"
 #include "verify/faulty_file.h"
 
 namespace {

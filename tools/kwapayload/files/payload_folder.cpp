@@ -1,11 +1,16 @@
 #include "files/payload_folder.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"
+#include "files/mapped_file.h"
+#include "files/output_file.h"
 #include "files/tool_failure.h"
 #include "payload/entry_name.h"
 
@@ -32,6 +37,17 @@ std::vector<std::filesystem::path> ListFolder(const std::filesystem::path& folde
     return upperLeft != upperRight ? upperLeft < upperRight : left < right;
   });
   return paths;
+}
+
+// A 32-bit program has 2 GiB of address space for itself and both archives.
+constexpr std::uint64_t kArchiveSizeLimit = 0x80000000U;
+
+void WriteWord(std::uint64_t word, OutputFile* output) {
+  std::string bytes;
+  for (unsigned shift = 0; shift < 32; shift += 8) {
+    bytes += static_cast<char>(word >> shift & 0xFF);
+  }
+  output->Write(bytes);
 }
 
 }  // namespace
@@ -67,6 +83,45 @@ PayloadFolder::PayloadFolder(std::filesystem::path folderPath, char archive) : p
   if (!faults.empty()) {
     throw ToolFailure(std::move(faults));
   }
+}
+
+PayloadContents ReadContentsFile(const std::filesystem::path& path) {
+  const MappedFile file(path);
+  auto contents = ReadPayloadContents(file.Bytes());
+  if (!contents) {
+    std::vector<FileFault> faults;
+    for (const Fault& fault : contents.error()) {
+      faults.push_back({path, fault.what});
+    }
+    throw ToolFailure(std::move(faults));
+  }
+  return std::move(*contents);
+}
+
+void PackArchive(const std::vector<ArchiveItem>& items, const std::filesystem::path& archive) {
+  std::uint64_t size = kArchiveHeaderSize + items.size() * sizeof(ArchiveEntry) + kArchiveTerminatorSize;
+  for (const ArchiveItem& item : items) {
+    size += PaddedSize(item.body.Size());
+  }
+  if (size >= kArchiveSizeLimit) {
+    throw ToolFailure(archive,
+                      "would have " + std::to_string(size) + " bytes; a 32-bit program holds less than 2147483648");
+  }
+  OutputFile output(archive);
+  WriteWord(kArchiveMagic, &output);
+  WriteWord(items.size(), &output);
+  for (const ArchiveItem& item : items) {
+    std::string name(item.name);
+    name.resize(kEntryNameCapacity);
+    output.Write(name);
+    WriteWord(item.body.Size(), &output);
+  }
+  for (const ArchiveItem& item : items) {
+    output.Write(item.body.Text());
+    output.Write(std::string(PaddedSize(item.body.Size()) - item.body.Size(), '\0'));
+  }
+  WriteWord(0, &output);  // the terminator
+  output.Commit();
 }
 
 }  // namespace kwa

@@ -38,4 +38,11 @@ class PayloadFolder {
   std::vector<ArchiveItem> items;
 };
 
+// Reads a file with a list of contents. Throws ToolFailure with every fault of it.
+PayloadContents ReadContentsFile(const std::filesystem::path& path);
+
+// Writes an archive of the items, in their order, with its terminator. It appears complete or not at all. Throws
+// ToolFailure when the archive would be too large for a 32-bit program or cannot be written.
+void PackArchive(const std::vector<ArchiveItem>& items, const std::filesystem::path& archive);
+
 }  // namespace kwa

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "installer/preview.h"
-#include "trust/authenticode.h"
 #include "trust/digest.h"
+#include "trust/signature.h"
 
 namespace kwa {
 

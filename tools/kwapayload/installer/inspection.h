@@ -9,7 +9,7 @@
 #include "installer/program.h"
 #include "package/driver_package.h"
 #include "package/package_trust.h"
-#include "pe/version_record.h"
+#include "pe/pe_resources.h"
 
 namespace kwa {
 

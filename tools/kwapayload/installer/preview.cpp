@@ -7,7 +7,7 @@
 
 #include "dpinst/device_families.h"
 #include "dpinst/dpinst_document.h"
-#include "pe/version_record.h"
+#include "pe/pe_resources.h"
 #include "trust/digest.h"
 
 namespace kwa {

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/ascii_text.h"
-#include "content/text_kind.h"
-#include "trust/authenticode.h"
+#include "content/file_kind.h"
+#include "trust/signature.h"
 
 namespace kwa {
 namespace {

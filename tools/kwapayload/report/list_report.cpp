@@ -9,7 +9,6 @@
 
 #include "report/escaped_text.h"
 #include "report/words.h"
-#include "report/wrapped_text.h"
 
 namespace kwa {
 namespace {

@@ -7,8 +7,7 @@
 #include <array>
 
 #include "base/ascii_text.h"
-#include "trust/asn1_list.h"
-#include "trust/asn1_value.h"
+#include "trust/asn1.h"
 #include "trust/signed_data.h"
 
 namespace kwa {

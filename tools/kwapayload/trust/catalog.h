@@ -8,7 +8,7 @@
 
 #include "base/byte_span.h"
 #include "base/fault.h"
-#include "trust/file_digests.h"
+#include "trust/digest.h"
 #include "trust/signature.h"
 
 namespace kwa {

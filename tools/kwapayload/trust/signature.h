@@ -6,6 +6,7 @@
 
 #include "base/byte_span.h"
 #include "base/fault.h"
+#include "trust/digest.h"
 #include "trust/signed_data.h"
 
 // Whether signatures of untrusted files fit what they sign and the certificates that come with them. Whether a
@@ -33,5 +34,10 @@ using ContentCheck = std::function<Check(const SignedData&)>;
 // Appends the signatures of PKCS #7 signed data, then those nested in them. Signed data that cannot be read becomes a
 // signature with that fault, and so does the rest after the 16th signature.
 void AppendSignatures(ByteSpan bytes, const ContentCheck& checkContent, std::vector<Signature>& signatures);
+
+// The signatures in the certificate table of a Windows program; none for any other file. A signature over another
+// digest than that of the program's image does not hold. A table that is cut off or holds no signature is a signature
+// that does not hold.
+std::vector<Signature> ReadEmbeddedSignatures(FileDigests& file);
 
 }  // namespace kwa

@@ -4,8 +4,7 @@
 
 #include <utility>
 
-#include "trust/asn1_list.h"
-#include "trust/asn1_value.h"
+#include "trust/asn1.h"
 
 namespace kwa {
 namespace {

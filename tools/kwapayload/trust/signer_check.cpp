@@ -13,8 +13,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "trust/asn1_list.h"
-#include "trust/asn1_value.h"
+#include "trust/asn1.h"
 #include "trust/digest.h"
 
 namespace kwa {

@@ -7,9 +7,8 @@
 
 #include "base/ascii_text.h"
 #include "content/file_kind.h"
-#include "content/text_kind.h"
 #include "payload/entry_name.h"
-#include "trust/authenticode.h"
+#include "trust/signature.h"
 
 namespace kwa {
 namespace {

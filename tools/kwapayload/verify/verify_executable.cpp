@@ -5,7 +5,6 @@
 #include "base/ascii_text.h"
 #include "pe/pe_imports.h"
 #include "pe/pe_resources.h"
-#include "pe/version_record.h"
 #include "verify/installer_manifest.h"
 #include "verify/old_windows_imports.h"
 #include "verify/verification.h"

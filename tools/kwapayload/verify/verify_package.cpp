@@ -6,9 +6,8 @@
 
 #include "base/ascii_text.h"
 #include "content/file_kind.h"
-#include "content/text_kind.h"
 #include "pe/pe_image.h"
-#include "pe/version_record.h"
+#include "pe/pe_resources.h"
 #include "verify/verification.h"
 
 namespace kwa {

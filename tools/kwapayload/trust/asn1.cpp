@@ -1,12 +1,9 @@
-#include "trust/asn1_list.h"
+#include "trust/asn1.h"
 
-#include <openssl/asn1.h>
-#include <openssl/err.h>
+#include <openssl/evp.h>
 #include <openssl/objects.h>
 
-#include <algorithm>
-#include <climits>
-#include <memory>
+#include <array>
 
 namespace kwa {
 namespace {
@@ -94,6 +91,31 @@ ByteSpan AttributeValue(ByteSpan attributes, const char* type) {
     return false;
   });
   return first;
+}
+
+ByteSpan BytesOf(const ASN1_STRING* text) {
+  return text == nullptr ? ByteSpan()
+                         : ByteSpan(ASN1_STRING_get0_data(text), static_cast<std::size_t>(ASN1_STRING_length(text)));
+}
+
+std::string TextOf(const ASN1_STRING* text) {
+  return std::string(BytesOf(text).Text());
+}
+
+ByteSpan EncodedOf(const ASN1_TYPE* value) {
+  const int type = value == nullptr ? V_ASN1_UNDEF : ASN1_TYPE_get(value);
+  return type == V_ASN1_SEQUENCE || type == V_ASN1_SET ? BytesOf(value->value.asn1_string) : ByteSpan();
+}
+
+std::string DottedNumbers(const ASN1_OBJECT* object) {
+  std::array<char, 128> text = {};
+  OBJ_obj2txt(text.data(), static_cast<int>(text.size()), object, 1);
+  return text.data();
+}
+
+std::string DigestName(const X509_ALGOR* algorithm) {
+  const EVP_MD* const digest = EVP_get_digestbynid(OBJ_obj2nid(algorithm->algorithm));
+  return digest == nullptr ? DottedNumbers(algorithm->algorithm) : EVP_MD_get0_name(digest);
 }
 
 }  // namespace kwa
