@@ -78,7 +78,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // A file larger than the user's limit is then a failed write, reported and cleaned up like any other.
   std::signal(SIGXFSZ, SIG_IGN);
-  kwa::RemoveTemporaryFilesOnSignals();
+  kwa::RemoveTemporaryFileOnSignals();
   int status = kwa::kExitFailure;
   try {
     status = Run(argc, argv);

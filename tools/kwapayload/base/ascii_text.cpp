@@ -33,4 +33,14 @@ std::string_view TakeLine(std::string_view* text) {
   return line;
 }
 
+std::string NarrowedUtf16(ByteSpan text, char other, bool isBigEndian) {
+  std::string narrowed;
+  narrowed.reserve(text.Size() / 2);
+  for (std::uint64_t at = 0; text.Contains(at, 2); at += 2) {
+    const int unit = isBigEndian ? text.U8(at) << 8 | text.U8(at + 1) : text.U16(at);
+    narrowed += unit < 0x80 ? static_cast<char>(unit) : other;
+  }
+  return narrowed;
+}
+
 }  // namespace kwa

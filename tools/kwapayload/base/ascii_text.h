@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/byte_span.h"
+
 // Text whose meaning is ASCII; other bytes pass as they are.
 
 namespace kwa {
@@ -19,5 +21,9 @@ std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t")
 // Takes the first line off the text and returns it without its end, a CR or LF. Between CR and LF there is an empty
 // line.
 std::string_view TakeLine(std::string_view* text);
+
+// UTF-16 text with ASCII characters as they are and `other` for any other unit. The last byte of an odd number of bytes
+// is left out.
+std::string NarrowedUtf16(ByteSpan text, char other, bool isBigEndian = false);
 
 }  // namespace kwa

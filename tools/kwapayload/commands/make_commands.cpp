@@ -1,22 +1,20 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "base/ascii_text.h"
 #include "commands/commands.h"
-#include "content/file_kind.h"
 #include "files/extraction.h"
 #include "files/installer_input.h"
 #include "files/output_file.h"
 #include "files/payload_folder.h"
 #include "files/tool_failure.h"
 #include "installer/preview.h"
+#include "package/driver_package.h"
 #include "payload/payload_contents.h"
 #include "verify/verification.h"
 
@@ -46,9 +44,7 @@ void CheckContents(const PackOptions& options, const PayloadFolder& files) {
                                             payload.string() + " --output " + (payload / "contents.json").string() +
                                             "' makes a new list"});
   }
-  if (!faults.empty()) {
-    throw ToolFailure(std::move(faults));
-  }
+  ThrowFaults(std::move(faults));
 }
 
 int RunPack(const PackOptions& options) {
@@ -70,41 +66,33 @@ struct ContentsOptions {
   std::filesystem::path output;
 };
 
-// The list of what a payload folder holds, or every fault of both its folders.
-PayloadContents ListContents(const std::filesystem::path& folder) {
-  PayloadContents contents;
-  std::vector<FileFault> faults;
-  std::map<std::string, std::filesystem::path> known;  // by upper-case name
-  for (const char archive : {'A', 'B'}) {
-    try {
-      const PayloadFolder files(folder / (archive == 'A' ? "a" : "b"), archive);
-      for (const ArchiveItem& item : files.Items()) {
-        const std::filesystem::path path = files.Path() / item.name;
-        if (const auto [other, isNew] = known.emplace(UpperCase(item.name), path); !isNew) {
-          faults.push_back({path, "is the same name for Windows as " + other->second.string()});
-        }
-        contents.push_back({archive, std::string(item.name), static_cast<std::uint32_t>(item.body.Size()),
-                            KindText(ReadFileKind(item.body))});
-      }
-    } catch (const ToolFailure& failure) {
-      faults.insert(faults.end(), failure.Faults().begin(), failure.Faults().end());
-    }
+// Writes a file, or prints it where there is no path.
+void WriteText(const std::filesystem::path& path, const std::string& text) {
+  if (path.empty()) {
+    std::cout << text;
+    return;
   }
-  if (!faults.empty()) {
-    throw ToolFailure(std::move(faults));
-  }
-  return contents;
+  OutputFile output(path);
+  output.Write(text);
+  output.Commit();
 }
 
 int RunContents(const ContentsOptions& options) {
-  const std::string text = ContentsText(ListContents(options.folder));
-  if (options.output.empty()) {
-    std::cout << text;
-  } else {
-    OutputFile output(options.output);
-    output.Write(text);
-    output.Commit();
+  const InstallerInput input(options.folder);
+  if (input.Installer().form != InputForm::PayloadFolder) {
+    throw ToolFailure(options.folder, "is not a payload folder with a and b");
   }
+  const std::vector<ArchiveItem>& items = input.Installer().items;
+  std::vector<FileFault> faults;
+  for (const ArchiveItem& item : items) {
+    const ArchiveItem* const first = FindItem(items, item.name);
+    if (first != &item) {
+      faults.push_back({options.folder / "b" / item.name,
+                        "is the same name for Windows as " + (options.folder / "a" / first->name).string()});
+    }
+  }
+  ThrowFaults(std::move(faults));
+  WriteText(options.output, ContentsText(ContentsOf(items)));
   return kExitInOrder;
 }
 
@@ -121,13 +109,7 @@ int RunExtract(const ExtractOptions& options) {
 
 int RunConfiguration(const std::filesystem::path& header) {
   const std::string configuration = KnownConfiguration();
-  if (header.empty()) {
-    std::cout << configuration << '\n';
-  } else {
-    OutputFile output(header);
-    output.Write("#define KWA_CONFIGURATION \"" + configuration + "\"\n");
-    output.Commit();
-  }
+  WriteText(header, header.empty() ? configuration + '\n' : "#define KWA_CONFIGURATION \"" + configuration + "\"\n");
   return kExitInOrder;
 }
 

@@ -2,58 +2,34 @@
 
 #include <utf8.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "base/ascii_text.h"
 #include "pe/pe_image.h"
 
 namespace kwa {
 namespace {
 
-constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
-
-// Notes which line ends occur, character by character.
-class LineEndNotes {
- public:
-  void Add(std::uint32_t character) {
-    if (character == '\n') {
-      Note(isAfterReturn ? LineEnds::CrLf : LineEnds::Lf);
-    } else if (isAfterReturn) {
-      Note(LineEnds::Cr);
-    }
-    isAfterReturn = character == '\r';
-  }
-
-  // Called once, at the end.
-  LineEnds Found() {
-    Add('\0');
-    return found;
-  }
-
- private:
-  void Note(LineEnds lineEnd) { found = found == LineEnds::None || found == lineEnd ? lineEnd : LineEnds::Mixed; }
-
-  LineEnds found = LineEnds::None;
-  bool isAfterReturn = false;
-};
-
-bool IsControl(std::uint32_t character) {
+bool IsControl(std::uint8_t character) {
   const bool isLayout = character == '\t' || character == '\n' || character == '\r' || character == '\f';
   return (character < 0x20 && !isLayout) || character == 0x7F;
 }
 
-std::optional<TextKind> ReadUtf16Kind(ByteSpan text, TextEncoding encoding) {
-  const bool isBigEndian = encoding == TextEncoding::Utf16BigEndian;
-  LineEndNotes lineEnds;
-  for (std::uint64_t at = 0; at + 1 < text.Size(); at += 2) {
-    const std::uint32_t unit = isBigEndian ? std::uint32_t{text.U8(at)} << 8U | text.U8(at + 1) : text.U16(at);
-    if (IsControl(unit)) {
-      return std::nullopt;
+LineEnds LineEndsOf(ByteSpan text) {
+  LineEnds found = LineEnds::None;
+  for (std::size_t at = 0; at < text.Size(); ++at) {
+    const bool isLf = text.U8(at) == '\n';
+    if (!isLf && (text.U8(at) != '\r' || text.U8(at + 1) == '\n')) {
+      continue;
     }
-    lineEnds.Add(unit);
+    const bool isAfterCr = at > 0 && text.U8(at - 1) == '\r';
+    const LineEnds lineEnd = !isLf ? LineEnds::Cr : isAfterCr ? LineEnds::CrLf : LineEnds::Lf;
+    found = found == LineEnds::None || found == lineEnd ? lineEnd : LineEnds::Mixed;
   }
-  return TextKind{encoding, true, lineEnds.Found()};
+  return found;
 }
 
 std::string MachineText(std::uint16_t machine) {
@@ -149,27 +125,21 @@ bool IsUtf8(ByteSpan bytes) {
 }
 
 std::optional<TextKind> ReadTextKind(ByteSpan file) {
-  if (file.StartsWith("\xFF\xFE")) {
-    return ReadUtf16Kind(file.From(2), TextEncoding::Utf16LittleEndian);
+  const bool isBigEndian = file.StartsWith("\xFE\xFF");
+  const bool isWide = isBigEndian || file.StartsWith("\xFF\xFE");
+  const bool isMarkedUtf8 = file.StartsWith("\xEF\xBB\xBF");
+  const std::string narrowed = isWide ? NarrowedUtf16(file.From(2), '?', isBigEndian) : "";
+  const ByteSpan text = isWide ? ByteSpan(narrowed) : file.From(isMarkedUtf8 ? 3 : 0);
+  if (std::any_of(text.begin(), text.end(), IsControl)) {
+    return std::nullopt;
   }
-  if (file.StartsWith("\xFE\xFF")) {
-    return ReadUtf16Kind(file.From(2), TextEncoding::Utf16BigEndian);
-  }
-  const bool hasByteOrderMark = file.StartsWith(kUtf8ByteOrderMark);
-  const ByteSpan text = hasByteOrderMark ? file.From(kUtf8ByteOrderMark.size()) : file;
-  LineEndNotes lineEnds;
-  bool is7Bit = true;
-  for (const std::uint8_t byte : text) {
-    if (IsControl(byte)) {
-      return std::nullopt;
-    }
-    is7Bit = is7Bit && byte < 0x80;
-    lineEnds.Add(byte);
-  }
-  const TextEncoding encoding = !IsUtf8(text)                 ? TextEncoding::EightBit
-                                : hasByteOrderMark || !is7Bit ? TextEncoding::Utf8
-                                                              : TextEncoding::Ascii;
-  return TextKind{encoding, hasByteOrderMark, lineEnds.Found()};
+  const bool isAscii = std::none_of(text.begin(), text.end(), [](std::uint8_t byte) { return byte >= 0x80; });
+  const TextEncoding encoding = isBigEndian                ? TextEncoding::Utf16BigEndian
+                                : isWide                   ? TextEncoding::Utf16LittleEndian
+                                : !IsUtf8(text)            ? TextEncoding::EightBit
+                                : isMarkedUtf8 || !isAscii ? TextEncoding::Utf8
+                                                           : TextEncoding::Ascii;
+  return TextKind{encoding, isWide || isMarkedUtf8, LineEndsOf(text)};
 }
 
 FileKind ReadFileKind(ByteSpan file) {

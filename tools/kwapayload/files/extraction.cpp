@@ -7,11 +7,10 @@
 #include <utility>
 
 #include "base/ascii_text.h"
-#include "content/file_kind.h"
 #include "files/output_file.h"
+#include "files/payload_folder.h"
 #include "files/tool_failure.h"
 #include "payload/entry_name.h"
-#include "payload/payload_contents.h"
 
 namespace kwa {
 namespace {
@@ -59,15 +58,6 @@ void CheckItem(const ArchiveItem& item, const std::filesystem::path& path, std::
   }
 }
 
-PayloadContents ContentsOf(const std::vector<ArchiveItem>& items) {
-  PayloadContents contents;
-  for (const ArchiveItem& item : items) {
-    contents.push_back({item.archive, std::string(item.name), static_cast<std::uint32_t>(item.body.Size()),
-                        KindText(ReadFileKind(item.body))});
-  }
-  return contents;
-}
-
 }  // namespace
 
 void ExtractFiles(const std::filesystem::path& path, const InstallerFile& installer, const ExtractionRequest& request) {
@@ -98,9 +88,7 @@ void ExtractFiles(const std::filesystem::path& path, const InstallerFile& instal
       faults.push_back({target.path, fault});
     }
   }
-  if (!faults.empty()) {
-    throw ToolFailure(std::move(faults));
-  }
+  ThrowFaults(std::move(faults));
   for (const Target& target : targets) {
     std::error_code error;
     std::filesystem::create_directories(target.path.parent_path(), error);

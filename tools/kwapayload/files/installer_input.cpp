@@ -11,6 +11,11 @@
 namespace kwa {
 namespace {
 
+bool IsFolder(const std::filesystem::path& path) {
+  std::error_code ignored;
+  return std::filesystem::is_directory(path, ignored);
+}
+
 bool HasInf(const std::filesystem::path& folder) {
   std::error_code ignored;
   const std::filesystem::directory_iterator entries(folder, ignored);
@@ -22,36 +27,33 @@ bool HasInf(const std::filesystem::path& folder) {
 }  // namespace
 
 InstallerInput::InstallerInput(const std::filesystem::path& filePath) : path(filePath) {
-  std::error_code ignored;
-  std::filesystem::is_directory(path, ignored) ? ReadFolder() : ReadFile();
-}
-
-void InstallerInput::ReadFile() {
-  file.emplace(path);
-  Result<InstallerFile> read = ReadInstallerFile(file->Bytes());
-  if (!read) {
-    throw ToolFailure(path, read.error().what);
-  }
-  installer = std::move(*read);
-}
-
-void InstallerInput::ReadFolder() {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path / "a", ignored) && std::filesystem::is_directory(path / "b", ignored)) {
-    installer.form = InputForm::PayloadFolder;
-    folders.emplace_back(path / "a", 'A');
-    folders.emplace_back(path / "b", 'B');
-  } else {
-    if (!HasInf(path)) {
-      throw ToolFailure(path,
-                        "is neither a payload folder with a and b nor the folder of a driver package with an INF");
+  if (!IsFolder(path)) {
+    file.emplace(path);
+    Result<InstallerFile> read = ReadInstallerFile(file->Bytes());
+    if (!read) {
+      throw ToolFailure(path, read.error().what);
     }
+    installer = std::move(*read);
+    return;
+  }
+  std::vector<FileFault> faults;
+  const auto addFolder = [&](const std::filesystem::path& folder, char archive) {
+    CollectFaults(&faults, [&] {
+      const std::vector<ArchiveItem>& items = folders.emplace_back(folder, archive).Items();
+      installer.items.insert(installer.items.end(), items.begin(), items.end());
+    });
+  };
+  if (IsFolder(path / "a") && IsFolder(path / "b")) {
+    installer.form = InputForm::PayloadFolder;
+    addFolder(path / "a", 'A');
+    addFolder(path / "b", 'B');
+  } else if (HasInf(path)) {
     installer.form = InputForm::PackageFolder;
-    folders.emplace_back(path, '-');
+    addFolder(path, '-');
+  } else {
+    throw ToolFailure(path, "is neither a payload folder with a and b nor the folder of a driver package with an INF");
   }
-  for (const PayloadFolder& folder : folders) {
-    installer.items.insert(installer.items.end(), folder.Items().begin(), folder.Items().end());
-  }
+  ThrowFaults(std::move(faults));
 }
 
 const InstallerFile& InstallerInput::SoundFile() const {
@@ -68,9 +70,7 @@ const InstallerFile& InstallerInput::SoundInstaller() const {
       faults.push_back({path, finding.where + (finding.where.empty() ? "" : ": ") + finding.what});
     }
   }
-  if (!faults.empty()) {
-    throw ToolFailure(std::move(faults));
-  }
+  ThrowFaults(std::move(faults));
   return installer;
 }
 

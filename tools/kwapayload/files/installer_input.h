@@ -24,9 +24,6 @@ class InstallerInput {
   const InstallerFile& SoundFile() const;
 
  private:
-  void ReadFile();
-  void ReadFolder();
-
   std::filesystem::path path;
   std::optional<MappedFile> file;
   std::list<PayloadFolder> folders;

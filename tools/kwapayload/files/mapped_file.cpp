@@ -11,47 +11,26 @@
 #include "files/tool_failure.h"
 
 namespace kwa {
-namespace {
-
-// Maps a whole open file. `path` is for messages.
-ByteSpan Map(int file, const std::filesystem::path& path) {
-  struct stat status = {};
-  if (::fstat(file, &status) != 0) {
-    throw ToolFailure(path, WithSystemText("cannot be read", errno));
-  }
-  if (!S_ISREG(status.st_mode)) {
-    throw ToolFailure(path, "is not a file");
-  }
-  if (status.st_size == 0) {
-    return {};
-  }
-  const auto size = static_cast<std::size_t>(status.st_size);
-  void* const view = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0);
-  if (view == MAP_FAILED) {
-    throw ToolFailure(path, WithSystemText("cannot be read", errno));
-  }
-  return {static_cast<const std::uint8_t*>(view), size};
-}
-
-struct Descriptor {
-  explicit Descriptor(int openFile) : file(openFile) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { ::close(file); }
-
-  const int file;
-};
-
-}  // namespace
 
 MappedFile::MappedFile(const std::filesystem::path& path) {
   // Without O_NONBLOCK, opening a pipe waits for its writer.
   const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (file < 0) {
-    throw ToolFailure(path, WithSystemText("cannot be read", errno));
+  struct stat status = {};
+  bool isRead = file >= 0 && ::fstat(file, &status) == 0;
+  const bool isFile = S_ISREG(status.st_mode);
+  if (isRead && isFile && status.st_size != 0) {
+    const auto size = static_cast<std::size_t>(status.st_size);
+    void* const view = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0);
+    isRead = view != MAP_FAILED;
+    bytes = isRead ? ByteSpan(static_cast<const std::uint8_t*>(view), size) : ByteSpan();
   }
-  const Descriptor descriptor(file);
-  bytes = Map(file, path);
+  const int error = errno;
+  if (file >= 0) {
+    ::close(file);
+  }
+  if (!isRead || !isFile) {
+    throw ToolFailure(path, isRead ? "is not a file" : WithSystemText("cannot be read", error));
+  }
 }
 
 MappedFile::~MappedFile() {

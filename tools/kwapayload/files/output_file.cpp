@@ -29,23 +29,14 @@ constexpr std::array<int, 4> kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGBUS};
 // the processor's cache.
 constexpr std::size_t kBufferSize = 128 * 1024;
 
-// The paths of the temporary files, for a signal's handler, which may call next to nothing. No command writes more than
-// two files at a time; a fifth would not be removed.
-std::array<std::atomic<const char*>, 4> temporaryPaths;
+// The path of the temporary file, for a signal's handler, which may call next to nothing. No command writes two files
+// at a time. An unlink too many does no harm, so the path is set before the file is there, and until it is gone.
+std::atomic<const char*> temporaryPath;
 static_assert(std::atomic<const char*>::is_always_lock_free);
 
-void ReplaceTemporaryPath(const char* old, const char* path) {
-  const auto place = std::find(temporaryPaths.begin(), temporaryPaths.end(), old);
-  if (place != temporaryPaths.end()) {
-    *place = path;
-  }
-}
-
-void RemoveTemporaryFilesAndEnd(int signal) {
-  for (const std::atomic<const char*>& path : temporaryPaths) {
-    if (path != nullptr) {
-      ::unlink(path);
-    }
+void RemoveTemporaryFileAndEnd(int signal) {
+  if (temporaryPath != nullptr) {
+    ::unlink(temporaryPath);
   }
   if (signal == SIGBUS) {
     constexpr std::string_view kMessage = "kwapayload: a file became shorter while it was read\n";
@@ -56,25 +47,6 @@ void RemoveTemporaryFilesAndEnd(int signal) {
   std::raise(signal);
 }
 
-// Blocks the signals while the files and the paths above do not agree.
-class SignalPause {
- public:
-  SignalPause() {
-    sigset_t ending;
-    sigemptyset(&ending);
-    for (const int signal : kEndingSignals) {
-      sigaddset(&ending, signal);
-    }
-    ::sigprocmask(SIG_BLOCK, &ending, &before);
-  }
-  SignalPause(const SignalPause&) = delete;
-  SignalPause& operator=(const SignalPause&) = delete;
-  ~SignalPause() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
-
- private:
-  sigset_t before = {};
-};
-
 }  // namespace
 
 OutputFile::OutputFile(std::filesystem::path targetPath, Existing existingFile)
@@ -84,16 +56,14 @@ OutputFile::OutputFile(std::filesystem::path targetPath, Existing existingFile)
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
     throw ToolFailure(target, "exists and is not a file");
   }
-  const SignalPause pause;
-  do {
-    temporary = TemporaryPath(target);
-    // Fails with EEXIST where the file exists: no link that somebody placed there is followed.
-    stream = std::fopen(temporary.c_str(), "wbxe");
-  } while (stream == nullptr && errno == EEXIST);
+  temporary = TemporaryPath(target);
+  temporaryPath = temporary.c_str();
+  // Fails where the file exists: no link that somebody placed there is followed.
+  stream = std::fopen(temporary.c_str(), "wbxe");
   if (stream == nullptr) {
+    temporaryPath = nullptr;
     throw ToolFailure(target, WithSystemText("cannot be created", errno));
   }
-  ReplaceTemporaryPath(nullptr, temporary.c_str());
   std::setvbuf(stream, nullptr, _IOFBF, kBufferSize);
 }
 
@@ -102,10 +72,9 @@ OutputFile::~OutputFile() {
     std::fclose(stream);
   }
   if (!committed) {
-    const SignalPause pause;
     std::error_code ignored;
     std::filesystem::remove(temporary, ignored);
-    ReplaceTemporaryPath(temporary.c_str(), nullptr);
+    temporaryPath = nullptr;
   }
 }
 
@@ -121,31 +90,21 @@ void OutputFile::Commit() {
   if (std::fclose(std::exchange(stream, nullptr)) != 0) {
     throw ToolFailure(target, WithSystemText("cannot be written", errno));
   }
-  const SignalPause pause;
-  if (existing == Existing::Kept) {
-    // Takes the name, or fails because a file has it. Every file system can do this.
-    std::FILE* const place = std::fopen(target.c_str(), "wbxe");
-    if (place == nullptr) {
-      throw ToolFailure(target, WithSystemText("cannot be created", errno));
-    }
-    std::fclose(place);
-  }
   std::error_code error;
+  if (existing == Existing::Kept && std::filesystem::exists(std::filesystem::symlink_status(target, error))) {
+    throw ToolFailure(target, "cannot be created: it exists by now");
+  }
   std::filesystem::rename(temporary, target, error);
   if (error) {
-    if (existing == Existing::Kept) {
-      std::error_code ignored;
-      std::filesystem::remove(target, ignored);
-    }
     throw ToolFailure(target, "cannot be created: " + error.message());
   }
-  ReplaceTemporaryPath(temporary.c_str(), nullptr);
+  temporaryPath = nullptr;
   committed = true;
 }
 
-void RemoveTemporaryFilesOnSignals() {
+void RemoveTemporaryFileOnSignals() {
   for (const int signal : kEndingSignals) {
-    if (std::signal(signal, RemoveTemporaryFilesAndEnd) == SIG_IGN) {
+    if (std::signal(signal, RemoveTemporaryFileAndEnd) == SIG_IGN) {
       std::signal(signal, SIG_IGN);
     }
   }

@@ -11,7 +11,7 @@ enum class Existing { Replaced, Kept };
 
 // A file that appears under its name complete or not at all. It is written as a temporary file in the same folder, and
 // Commit renames it. Without Commit, the temporary file is removed and a file that already has the name stays as it is.
-// Every failure is thrown as ToolFailure.
+// Every failure is thrown as ToolFailure. There is one at a time.
 class OutputFile {
  public:
   // Creates the temporary file. If the target exists, it must be a regular file.
@@ -22,8 +22,8 @@ class OutputFile {
 
   void Write(std::string_view bytes);
 
-  // Closes the temporary file and gives it its name. Fails where a file that is to be kept has that name, also when
-  // that file appeared only after the constructor. Called at most once.
+  // Closes the temporary file and gives it its name. Fails where a file that is to be kept has that name by now. Called
+  // at most once.
   void Commit();
 
  private:
@@ -34,8 +34,8 @@ class OutputFile {
   bool committed = false;
 };
 
-// Makes the signals INT, TERM, HUP and BUS (see MappedFile) remove all temporary files before they end the program. A
+// Makes the signals INT, TERM, HUP and BUS (see MappedFile) remove the temporary file before they end the program. A
 // signal that the program's parent set to be ignored stays ignored. Called once, before the first OutputFile.
-void RemoveTemporaryFilesOnSignals();
+void RemoveTemporaryFileOnSignals();
 
 }  // namespace kwa

@@ -9,7 +9,7 @@
 
 #include "archive/archive_format.h"
 #include "base/ascii_text.h"
-#include "files/mapped_file.h"
+#include "content/file_kind.h"
 #include "files/output_file.h"
 #include "files/tool_failure.h"
 #include "payload/entry_name.h"
@@ -52,7 +52,7 @@ void WriteWord(std::uint64_t word, OutputFile* output) {
 
 }  // namespace
 
-PayloadFolder::PayloadFolder(std::filesystem::path folderPath, char archive) : path(std::move(folderPath)) {
+PayloadFolder::PayloadFolder(const std::filesystem::path& path, char archive) {
   std::vector<FileFault> faults;
   for (const std::filesystem::path& file : ListFolder(path)) {
     std::error_code ignored;
@@ -60,29 +60,32 @@ PayloadFolder::PayloadFolder(std::filesystem::path folderPath, char archive) : p
       faults.push_back({file, "is a folder; an archive holds only files"});
       continue;
     }
-    try {
-      files.emplace_back(file);
-    } catch (const ToolFailure& failure) {
-      faults.insert(faults.end(), failure.Faults().begin(), failure.Faults().end());
-      continue;
-    }
-    const std::string& name = files.back().name;
-    const ByteSpan body = files.back().mapped.Bytes();
-    if (const Check check = CheckEntryName(name); !check) {
-      faults.push_back({file, check.error().what});
-    }
-    if (body.Size() >= kEntrySizeLimit) {
-      faults.push_back(
-          {file, "has " + std::to_string(body.Size()) + " bytes; the installer reads bodies below 2147483648"});
-    }
-    if (!items.empty() && IsSameText(items.back().name, name)) {
-      faults.push_back({file, "is the same name for Windows as " + std::string(items.back().name)});
-    }
-    items.push_back({archive, name, body, {}, 0, 0});
+    CollectFaults(&faults, [&] {
+      const auto& [name, mapped] = files.emplace_back(file);
+      const ByteSpan body = mapped.Bytes();
+      if (const Check check = CheckEntryName(name); !check) {
+        faults.push_back({file, check.error().what});
+      }
+      if (body.Size() >= kEntrySizeLimit) {
+        faults.push_back(
+            {file, "has " + std::to_string(body.Size()) + " bytes; the installer reads bodies below 2147483648"});
+      }
+      if (!items.empty() && IsSameText(items.back().name, name)) {
+        faults.push_back({file, "is the same name for Windows as " + std::string(items.back().name)});
+      }
+      items.push_back({archive, name, body, {}, 0, 0});
+    });
   }
-  if (!faults.empty()) {
-    throw ToolFailure(std::move(faults));
+  ThrowFaults(std::move(faults));
+}
+
+PayloadContents ContentsOf(const std::vector<ArchiveItem>& items) {
+  PayloadContents contents;
+  for (const ArchiveItem& item : items) {
+    contents.push_back({item.archive, std::string(item.name), static_cast<std::uint32_t>(item.body.Size()),
+                        KindText(ReadFileKind(item.body))});
   }
+  return contents;
 }
 
 PayloadContents ReadContentsFile(const std::filesystem::path& path) {
@@ -90,8 +93,8 @@ PayloadContents ReadContentsFile(const std::filesystem::path& path) {
   auto contents = ReadPayloadContents(file.Bytes());
   if (!contents) {
     std::vector<FileFault> faults;
-    for (const Fault& fault : contents.error()) {
-      faults.push_back({path, fault.what});
+    for (const std::string& fault : contents.error()) {
+      faults.push_back({path, fault});
     }
     throw ToolFailure(std::move(faults));
   }

@@ -18,9 +18,8 @@ class PayloadFolder {
   // hold, names that Windows takes for one, sizes that the installer cannot read, no file at all.
   //
   // archive  'A' or 'B', or '-' where it is not known
-  PayloadFolder(std::filesystem::path folderPath, char archive);
+  PayloadFolder(const std::filesystem::path& path, char archive);
 
-  const std::filesystem::path& Path() const { return path; }
   // In the order of an archive: ascending bytes of the upper-case names. `position` and `fileOffset` are 0. Valid as
   // long as this object.
   const std::vector<ArchiveItem>& Items() const { return items; }
@@ -33,10 +32,12 @@ class PayloadFolder {
     MappedFile mapped;
   };
 
-  std::filesystem::path path;
   std::deque<File> files;
   std::vector<ArchiveItem> items;
 };
+
+// The list of contents that the items fit.
+PayloadContents ContentsOf(const std::vector<ArchiveItem>& items);
 
 // Reads a file with a list of contents. Throws ToolFailure with every fault of it.
 PayloadContents ReadContentsFile(const std::filesystem::path& path);

@@ -1,5 +1,7 @@
 #include "inf/inf_text.h"
 
+#include "base/ascii_text.h"
+
 namespace kwa {
 
 InfText::InfText(ByteSpan file) {
@@ -10,12 +12,8 @@ InfText::InfText(ByteSpan file) {
     encoding = Failure("is UTF-16 text in big-endian order, which not every Windows knows", "inf-encoding");
   } else if (file.StartsWith("\xFF\xFE")) {
     isUtf16 = true;
-    narrowed.reserve(file.Size() / 2);
-    // The last byte of an odd number of bytes is left out; Windows completes it with a byte that is not in the file.
-    for (std::uint64_t at = 2; file.Contains(at, 2); at += 2) {
-      const std::uint16_t unit = file.U16(at);
-      narrowed += unit < 0x80 ? static_cast<char>(unit) : kOtherUnit;
-    }
+    // Windows completes a last odd byte with one that is not in the file.
+    narrowed = NarrowedUtf16(file.From(2), kOtherUnit);
   } else {
     bytes = file;
   }

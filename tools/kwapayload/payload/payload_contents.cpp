@@ -58,42 +58,42 @@ ContentsFile ReadFile(const json& object, std::vector<std::string>* faults) {
 }
 
 // Windows must be able to tell the names apart, in both archives together.
-void CheckNames(const PayloadContents& contents, std::vector<Fault>* faults) {
+void CheckNames(const PayloadContents& contents, std::vector<std::string>* faults) {
   std::vector<std::string> names;
   for (const ContentsFile& file : contents) {
     names.push_back(UpperCase(file.name));
   }
   std::sort(names.begin(), names.end());
   for (auto at = names.begin(); (at = std::adjacent_find(at, names.end())) != names.end(); ++at) {
-    faults->push_back({*at + " is listed twice; for Windows, upper and lower case are the same", "", ""});
+    faults->push_back(*at + " is listed twice; for Windows, upper and lower case are the same");
   }
 }
 
 }  // namespace
 
-tl::expected<PayloadContents, std::vector<Fault>> ReadPayloadContents(ByteSpan text) {
+tl::expected<PayloadContents, std::vector<std::string>> ReadPayloadContents(ByteSpan text) {
   const Result<json> document = ParseJson(text.Text());
   if (!document) {
-    return tl::unexpected<std::vector<Fault>>({document.error()});
+    return tl::unexpected<std::vector<std::string>>({document.error().what});
   }
   const auto list = document->find("files");
   if (!document->is_object() || list == document->end() || !list->is_array() || list->empty()) {
-    return tl::unexpected<std::vector<Fault>>({{"has no list \"files\"", "", ""}});
+    return tl::unexpected<std::vector<std::string>>({"has no list \"files\""});
   }
   PayloadContents contents;
-  std::vector<Fault> faults;
+  std::vector<std::string> faults;
   for (const json& object : *list) {
     std::vector<std::string> fileFaults;
     contents.push_back(ReadFile(object, &fileFaults));
     const std::string& name = contents.back().name;
     const std::string place = "file " + std::to_string(contents.size()) + (name.empty() ? "" : " (" + name + ")");
     for (const std::string& fault : fileFaults) {
-      faults.push_back({place + ": " + fault, "", ""});
+      faults.push_back(place + ": " + fault);
     }
   }
   CheckNames(contents, &faults);
   if (!faults.empty()) {
-    return tl::unexpected<std::vector<Fault>>(std::move(faults));
+    return tl::unexpected(std::move(faults));
   }
   std::sort(contents.begin(), contents.end(), [](const ContentsFile& left, const ContentsFile& right) {
     return std::pair(left.archive, UpperCase(left.name)) < std::pair(right.archive, UpperCase(right.name));

@@ -53,13 +53,9 @@ ASN1_SEQUENCE(MemberFields) = {
     ASN1_OPT(MemberFields, attributes, ASN1_ANY),
 } static_ASN1_SEQUENCE_END(MemberFields);
 
-// ASCII text in little-endian UTF-16 up to a zero; other characters become '?'.
+// The text up to a zero; characters beyond ASCII become '?'.
 std::string NarrowText(ByteSpan wide) {
-  std::string text;
-  for (std::size_t i = 0; wide.U16(i) != 0; i += 2) {
-    text += wide.U16(i) < 0x80 ? static_cast<char>(wide.U16(i)) : '?';
-  }
-  return text;
+  return NarrowedUtf16(wide, '?').c_str();
 }
 
 // MakeCat knows no other algorithms (learn.microsoft.com, "MakeCat", HashAlgorithms).
