@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::size_t kMaxCertificates = 32;
 constexpr std::size_t kMaxCertificateSize = 16 * 1024;
-constexpr std::size_t kMaxNameSize = 256;  // bytes; the 64 characters of X.520 take no more
 
 constexpr char kMessageDigest[] = "1.2.840.113549.1.9.4";
 
@@ -47,14 +46,9 @@ std::string CommonName(const X509* certificate) {
   if (size < 0) {
     return "";
   }
-  std::string name(utf8, utf8 + size);
+  const std::string name(utf8, utf8 + size);
   OPENSSL_free(utf8);
-  std::size_t end = std::min(name.size(), kMaxNameSize);
-  // A character is not cut in two.
-  while (end < name.size() && (name[end] & 0xC0) == 0x80) {
-    --end;
-  }
-  return name.substr(0, end);
+  return name;
 }
 
 std::string CertificateDigest(const X509* certificate) {
