@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "base/ascii_text.h"
 
@@ -132,17 +133,14 @@ void ReadSourceFiles(const SetupInf& inf, PlatformInf* read) {
           {line.key, line.Value(0), isDiskListed, diskFolder + separator + ownFolder, line.number});
     }
   }
+  read->sourceNames = std::move(names.known);
 }
 
 // Microsoft, "SetupDiGetActualSectionToInstall": the section for the platform, else the one for all Windows NT, else
 // the undecorated one.
 std::string ActualSection(const SetupInf& inf, const std::string& name, InfPlatform platform) {
-  for (const std::string& decoration : {".NT" + PlatformName(platform), std::string(".NT")}) {
-    if (inf.HasSection(name + decoration)) {
-      return name + decoration;
-    }
-  }
-  return name;
+  const std::string forPlatform = name + ".NT" + PlatformName(platform);
+  return inf.HasSection(forPlatform) ? forPlatform : inf.HasSection(name + ".NT") ? name + ".NT" : name;
 }
 
 // Microsoft, "INF CopyFiles Directive": a value "@file" is a file, another value is a section of lines "target,
@@ -188,7 +186,7 @@ std::string PlatformName(InfPlatform platform) {
 }
 
 PlatformInf ReadPlatformInf(const SetupInf& inf, InfPlatform platform) {
-  PlatformInf read = {platform, CatalogName(inf, platform), {}, {}, {}, {}, {}};
+  PlatformInf read = {platform, CatalogName(inf, platform), {}, {}, {}, {}, {}, {}};
   ReadModels(inf, &read);
   ReadSourceFiles(inf, &read);
   ReadCopiedFiles(inf, &read);

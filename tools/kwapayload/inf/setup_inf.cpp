@@ -20,16 +20,9 @@ std::string Substituted(std::string_view value, const Strings& strings) {
     if (end == std::string_view::npos) {
       break;
     }
-    const std::string_view name = value.substr(begin + 1, end - begin - 1);
-    const auto known = strings.find(UpperCase(name));
+    const auto known = strings.find(UpperCase(value.substr(begin + 1, end - begin - 1)));
     whole += value.substr(0, begin);
-    if (name.empty()) {
-      whole += '%';
-    } else if (known != strings.end()) {
-      whole += known->second;
-    } else {
-      whole += value.substr(begin, end + 1 - begin);
-    }
+    whole += known == strings.end() ? value.substr(begin, end + 1 - begin) : std::string_view(known->second);
     value.remove_prefix(end + 1);
   }
   whole += value;
@@ -38,7 +31,7 @@ std::string Substituted(std::string_view value, const Strings& strings) {
 
 // Setup does not look for names in what it inserts, so the values of [Strings] remain as they are.
 void SubstituteAll(InfParts* parts) {
-  Strings strings;
+  Strings strings = {{"", "%"}};
   for (const InfLine& line : parts->sections["STRINGS"]) {
     strings.emplace(UpperCase(line.key), line.values.front());
   }

@@ -18,17 +18,22 @@ Inspection Inspect(InstallerFile installer) {
   FileDigests digests(bytes);
   inspection.signatures = ReadEmbeddedSignatures(digests);
   inspection.program = ReadProgram(inspection.installer);
-  inspection.configuration = ReadConfiguration(inspection.installer);
+  inspection.configuration = inspection.version ? inspection.version->Text("Configuration") : "";
   inspection.hasKnownTexts = HasKnownTexts(inspection.installer);
   inspection.package = ReadDriverPackage(items);
-  inspection.trust = ReadPackageTrust(items, inspection.package);
+  PackageTrust trust = ReadPackageTrust(items, inspection.package);
   inspection.files.reserve(items.size());
   for (std::size_t i = 0; i < items.size(); ++i) {
     const ByteSpan body = items[i].body;
     inspection.files.push_back(
-        {items[i], ReadFileKind(body), Sha256Hex(body), FileVersionRecord(body), inspection.trust.files[i]});
+        {items[i], ReadFileKind(body), Sha256Hex(body), FileVersionRecord(body), std::move(trust.files[i])});
   }
   return inspection;
+}
+
+const DriverPackage& PackageOf(const Inspection& inspection) {
+  static const DriverPackage kNone = {};
+  return inspection.package ? *inspection.package : kNone;
 }
 
 }  // namespace kwa

@@ -8,7 +8,6 @@
 #include "installer/installer_file.h"
 #include "installer/program.h"
 #include "package/driver_package.h"
-#include "package/package_trust.h"
 #include "pe/pe_resources.h"
 
 namespace kwa {
@@ -29,14 +28,16 @@ struct Inspection {
   std::optional<VersionRecord> version;  // of the installer itself
   std::vector<Signature> signatures;     // likewise
   Program program;
-  std::string configuration;             // see ReadConfiguration
+  std::string configuration;             // the digest of the wizard's texts, as the version record has it, or ""
   bool hasKnownTexts;                    // see HasKnownTexts
   std::optional<DriverPackage> package;  // nothing where there is no INF
-  PackageTrust trust;
-  std::vector<InspectedFile> files;  // one for each item of the installer, in that order
+  std::vector<InspectedFile> files;      // one for each item of the installer, in that order
 };
 
 // installer  a sound one: its findings have no error
 Inspection Inspect(InstallerFile installer);
+
+// The package, or an empty one where there is no INF.
+const DriverPackage& PackageOf(const Inspection& inspection);
 
 }  // namespace kwa

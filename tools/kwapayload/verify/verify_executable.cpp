@@ -114,16 +114,14 @@ void VerifyImports(const PeImage& image, Findings* findings) {
   }
   for (const ImportedLibrary& imported : imports.libraries) {
     const std::string where = "executable, imports of " + imported.name;
-    const auto* const library =
-        std::find_if(std::begin(kOldWindowsLibraries), std::end(kOldWindowsLibraries),
-                     [&imported](const OldWindowsLibrary& old) { return IsSameText(old.name, imported.name); });
-    if (library == std::end(kOldWindowsLibraries)) {
+    const auto library = kOldWindowsFunctions.find(UpperCase(imported.name));
+    if (library == kOldWindowsFunctions.end()) {
       findings->AddError(where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed");
       continue;
     }
     for (const std::string& function : imported.functions) {
       const bool isListed = function.find(' ') == std::string::npos &&
-                            library->functions.find(" " + function + " ") != std::string_view::npos;
+                            library->second.find(" " + function + " ") != std::string_view::npos;
       if (!isListed) {
         findings->AddError(where, function + " is not known to be in Windows 2000 and XP", "import-too-new");
       }

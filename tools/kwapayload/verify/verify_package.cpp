@@ -123,10 +123,6 @@ void VerifyCopiedFiles(const std::string& where, const ItemsByName& items, const
                        Findings* findings) {
   std::set<std::size_t> seen;
   for (const PlatformInf& platform : platforms) {
-    std::set<std::string> listed;
-    for (const InfSourceFile& source : platform.sourceFiles) {
-      listed.insert(UpperCase(source.name));
-    }
     std::set<std::string> copiedNames;  // a file may be copied many times
     const std::uint16_t machine =
         platform.platform == InfPlatform::X86 ? kImageFileMachineI386 : kImageFileMachineAmd64;
@@ -134,7 +130,7 @@ void VerifyCopiedFiles(const std::string& where, const ItemsByName& items, const
       const std::string name = UpperCase(copied.source);
       const auto found = items.find(name);
       const ArchiveItem* const item = found == items.end() ? nullptr : found->second;
-      if (listed.count(name) == 0 && seen.insert(copied.line).second) {
+      if (platform.sourceNames.count(name) == 0 && seen.insert(copied.line).second) {
         const std::string place = where + ", line " + std::to_string(copied.line);
         const std::string what = "CopyFiles names \"" + copied.source + "\", which [SourceDisksFiles] does not list";
         // A file that is not carried may be one of Windows.
