@@ -1,9 +1,8 @@
-#include "inf/inf_parser.h"
-
 #include <algorithm>
 #include <utility>
 
 #include "base/ascii_text.h"
+#include "inf/setup_inf.h"
 
 namespace kwa {
 namespace {
@@ -115,7 +114,9 @@ class InfParser {
   std::string ReadField(bool isFirst, char* separator) {
     std::string field;
     std::size_t keptSize = 0;  // blanks before this position are part of the field
-    const auto trimEnd = [&] { field.resize(std::max(keptSize, field.find_last_not_of(kBlanks) + 1)); };
+    const auto trimEnd = [&] {
+      field.resize(keptSize + std::string_view(field).substr(keptSize).find_last_not_of(kBlanks) + 1);
+    };
     *separator = '\0';
     Skip(kBlanks);
     while (!AtLineEnd() && *separator == '\0') {

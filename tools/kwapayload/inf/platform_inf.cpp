@@ -32,9 +32,8 @@ struct UniqueTexts {
 // Microsoft, "INF Version Section": an undecorated entry is for the platforms without a decorated one.
 std::string CatalogName(const SetupInf& inf, InfPlatform platform) {
   for (const std::string& decoration : {".nt" + PlatformName(platform), std::string(".nt"), std::string()}) {
-    const InfLine* const line = inf.FindLine("Version", "CatalogFile" + decoration);
-    if (line != nullptr && !line->Value(0).empty()) {
-      return line->Value(0);
+    if (const std::string name = inf.FindLine("Version", "CatalogFile" + decoration).Value(0); !name.empty()) {
+      return name;
     }
   }
   return "";
