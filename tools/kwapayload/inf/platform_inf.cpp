@@ -112,24 +112,19 @@ std::vector<InfLine> PlatformLines(const SetupInf& inf, const std::string& secti
 }
 
 void ReadSourceFiles(const SetupInf& inf, PlatformInf* read) {
-  std::map<std::uint32_t, std::string> diskFolders;
+  std::map<std::optional<std::uint32_t>, std::string> diskFolders;
   for (const InfLine& line : PlatformLines(inf, "SourceDisksNames", read->platform)) {
     constexpr std::size_t kPath = 3;
-    if (const auto disk = DiskNumber(line.key)) {
-      diskFolders.emplace(*disk, Folder(line.Value(kPath)));
-    }
+    diskFolders.emplace(DiskNumber(line.key), Folder(line.Value(kPath)));
   }
+  diskFolders.erase(std::nullopt);
   UniqueTexts names;
   for (const InfLine& line : PlatformLines(inf, "SourceDisksFiles", read->platform)) {
     if (names.Add(line.key)) {
-      const auto disk = DiskNumber(line.Value(0));
-      const auto found = disk ? diskFolders.find(*disk) : diskFolders.end();
-      const bool isDiskListed = found != diskFolders.end();
-      const std::string diskFolder = isDiskListed ? found->second : "";
-      const std::string ownFolder = Folder(line.Value(1));
-      const std::string separator = diskFolder.empty() || ownFolder.empty() ? "" : "\\";
-      read->sourceFiles.push_back(
-          {line.key, line.Value(0), isDiskListed, diskFolder + separator + ownFolder, line.number});
+      const auto disk = diskFolders.find(DiskNumber(line.Value(0)));
+      const bool isDiskListed = disk != diskFolders.end();
+      const std::string folder = (isDiskListed ? disk->second + "\\" : "") + Folder(line.Value(1));
+      read->sourceFiles.push_back({line.key, line.Value(0), isDiskListed, Folder(folder), line.number});
     }
   }
   read->sourceNames = std::move(names.known);

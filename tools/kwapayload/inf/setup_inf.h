@@ -25,12 +25,13 @@ struct InfLine {
   std::string Value(std::size_t index) const { return index < values.size() ? values[index] : ""; }
 };
 
-// The sections of an INF, and what SetupInf and its parser know of them.
+// What the reader of an INF keeps.
 struct InfParts {
   // Adds a fault, unless there is one with this code. The number of a line is 0 for the file as a whole.
   void AddFault(Severity severity, const char* code, std::size_t line, const char* what);
 
-  // The limits are far above what an INF has, so that no file costs much time or memory.
+  // The limits of entries and headers, values, and bytes are far above what an INF has, so that no file costs much
+  // time or memory.
   bool AreLimitsKept() const { return lineCount <= 100000 && valueCount <= 200000 && textSize <= 16 << 20; }
 
   std::map<std::string, std::vector<InfLine>> sections;  // by upper-case name
@@ -48,8 +49,7 @@ InfParts ParseInf(std::string_view text);
 // without regard to case.
 class SetupInf {
  public:
-  // Reads at most 100,000 entries and headers with 200,000 values and 16 MB of text in all. If there are more, the
-  // content is not complete, and the fault "inf-too-large" says so.
+  // Where the limits are not kept, the content is not complete, and the fault "inf-too-large" says so.
   explicit SetupInf(const InfText& inf);
 
   // What Setup refuses or may read in another way, or a limit of this reader: the first fault of each code. `where` is

@@ -74,7 +74,7 @@ void FindSignatureGaps(const PeImage& image, std::vector<Gap>* gaps) {
   const bool isSigned = !table.Empty() && table.Size() == entry.size &&
                         table.Data() + table.Size() == image.file.Data() + image.file.Size();
   if (image.directories.size() > kPeSecurityDirectory && (isSigned || (entry.address == 0 && entry.size == 0))) {
-    const std::uint64_t directories = std::uint64_t{image.headerOffset} + 24 + (image.isPlus ? 112 : 96);
+    const std::uint64_t directories = std::uint64_t{image.headerOffset} + 24 + image.OptionalHeaderSize();
     gaps->push_back({directories + kPeSecurityDirectory * 8, 8, ' '});
   }
   if (!isSigned) {

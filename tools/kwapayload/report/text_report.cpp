@@ -24,11 +24,11 @@ std::string ChangesText(const std::vector<Change>& changes) {
   return Joined(texts, "; ");
 }
 
-// The lines after what is said of each.
-std::string LinesText(const char* what, const std::vector<std::string>& lines) {
+// Each line after the same beginning.
+std::string LinesText(const char* beginning, const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) {
-    text += what + Escaped(line) + '\n';
+    text += beginning + Escaped(line) + '\n';
   }
   return text;
 }
