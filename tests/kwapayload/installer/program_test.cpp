@@ -1,6 +1,6 @@
 // The program around the payload: what of it counts when two installers are compared.
 
-#include "installer/program.h"
+#include "installer/inspection.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,8 @@
-#include "inf/inf_parser.h"
-
 #include <algorithm>
 #include <utility>
 
 #include "base/ascii_text.h"
+#include "inf/setup_inf.h"
 
 namespace kwa {
 namespace {
@@ -12,10 +11,9 @@ constexpr std::size_t kMaxSectionName = 255;
 // The longest field of Windows 2000, XP and Server 2003: 512 with the terminator.
 constexpr std::size_t kMaxOldField = 511;
 
-// A CR too: only LF ends a line, and a CR before it is a blank at the end of the line.
-bool IsBlank(char character) {
-  return character == ' ' || (character >= '\t' && character <= '\r' && character != '\n');
-}
+// CR too: only LF ends a line, and a CR before it is a blank at the end of the line.
+constexpr char kBlanks[] = " \t\v\f\r";
+constexpr char kBlanksAndBackslash[] = " \t\v\f\r\\";
 
 // Splits the text of an INF into sections, lines and fields.
 //
@@ -47,18 +45,14 @@ class InfParser {
  private:
   bool AtLineEnd() const { return at >= text.size() || text[at] == '\n'; }
 
-  void SkipBlanks() {
-    while (at < text.size() && IsBlank(text[at])) {
-      ++at;
-    }
-  }
+  void Skip(const char* characters) { at = std::min(text.find_first_not_of(characters, at), text.size()); }
 
   void SkipToLineEnd() { at = std::min(text.find('\n', at), text.size()); }
 
   // Goes to the next line with something other than blanks and a comment. Returns whether there is one.
   bool FindLine() {
     for (;; ++at, ++parts.lineNumber) {
-      SkipBlanks();
+      Skip(kBlanks);
       if (at >= text.size()) {
         return false;
       }
@@ -121,12 +115,10 @@ class InfParser {
     std::string field;
     std::size_t keptSize = 0;  // blanks before this position are part of the field
     const auto trimEnd = [&] {
-      while (field.size() > keptSize && IsBlank(field.back())) {
-        field.pop_back();
-      }
+      field.resize(keptSize + std::string_view(field).substr(keptSize).find_last_not_of(kBlanks) + 1);
     };
     *separator = '\0';
-    SkipBlanks();
+    Skip(kBlanks);
     while (!AtLineEnd() && *separator == '\0') {
       const char character = text[at];
       if (character == ';') {
@@ -175,9 +167,7 @@ class InfParser {
   // Elsewhere, it is a character like any other. Returns whether the line continues.
   bool ReadBackslashes(std::string* field) {
     const std::size_t begin = at;
-    while (at < text.size() && (text[at] == '\\' || IsBlank(text[at]))) {
-      ++at;
-    }
+    Skip(kBlanksAndBackslash);
     const std::size_t end = at;
     if (at < text.size() && text[at] == ';') {
       SkipToLineEnd();
@@ -189,7 +179,7 @@ class InfParser {
     if (at < text.size()) {
       ++at;
       ++parts.lineNumber;
-      SkipBlanks();
+      Skip(kBlanks);
       if (!AtLineEnd() && text[at] == '[') {
         parts.AddFault(Severity::Warning, "inf-section-continued", parts.lineNumber,
                        "has a section name in a line that continues the one before, so Setup does not see the section");

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "base/ascii_text.h"
 
@@ -31,9 +32,8 @@ struct UniqueTexts {
 // Microsoft, "INF Version Section": an undecorated entry is for the platforms without a decorated one.
 std::string CatalogName(const SetupInf& inf, InfPlatform platform) {
   for (const std::string& decoration : {".nt" + PlatformName(platform), std::string(".nt"), std::string()}) {
-    const InfLine* const line = inf.FindLine("Version", "CatalogFile" + decoration);
-    if (line != nullptr && !line->Value(0).empty()) {
-      return line->Value(0);
+    if (const std::string name = inf.FindLine("Version", "CatalogFile" + decoration).Value(0); !name.empty()) {
+      return name;
     }
   }
   return "";
@@ -112,37 +112,29 @@ std::vector<InfLine> PlatformLines(const SetupInf& inf, const std::string& secti
 }
 
 void ReadSourceFiles(const SetupInf& inf, PlatformInf* read) {
-  std::map<std::uint32_t, std::string> diskFolders;
+  std::map<std::optional<std::uint32_t>, std::string> diskFolders;
   for (const InfLine& line : PlatformLines(inf, "SourceDisksNames", read->platform)) {
     constexpr std::size_t kPath = 3;
-    if (const auto disk = DiskNumber(line.key)) {
-      diskFolders.emplace(*disk, Folder(line.Value(kPath)));
-    }
+    diskFolders.emplace(DiskNumber(line.key), Folder(line.Value(kPath)));
   }
+  diskFolders.erase(std::nullopt);
   UniqueTexts names;
   for (const InfLine& line : PlatformLines(inf, "SourceDisksFiles", read->platform)) {
     if (names.Add(line.key)) {
-      const auto disk = DiskNumber(line.Value(0));
-      const auto found = disk ? diskFolders.find(*disk) : diskFolders.end();
-      const bool isDiskListed = found != diskFolders.end();
-      const std::string diskFolder = isDiskListed ? found->second : "";
-      const std::string ownFolder = Folder(line.Value(1));
-      const std::string separator = diskFolder.empty() || ownFolder.empty() ? "" : "\\";
-      read->sourceFiles.push_back(
-          {line.key, line.Value(0), isDiskListed, diskFolder + separator + ownFolder, line.number});
+      const auto disk = diskFolders.find(DiskNumber(line.Value(0)));
+      const bool isDiskListed = disk != diskFolders.end();
+      const std::string folder = (isDiskListed ? disk->second + "\\" : "") + Folder(line.Value(1));
+      read->sourceFiles.push_back({line.key, line.Value(0), isDiskListed, Folder(folder), line.number});
     }
   }
+  read->sourceNames = std::move(names.known);
 }
 
 // Microsoft, "SetupDiGetActualSectionToInstall": the section for the platform, else the one for all Windows NT, else
 // the undecorated one.
 std::string ActualSection(const SetupInf& inf, const std::string& name, InfPlatform platform) {
-  for (const std::string& decoration : {".NT" + PlatformName(platform), std::string(".NT")}) {
-    if (inf.HasSection(name + decoration)) {
-      return name + decoration;
-    }
-  }
-  return name;
+  const std::string forPlatform = name + ".NT" + PlatformName(platform);
+  return inf.HasSection(forPlatform) ? forPlatform : inf.HasSection(name + ".NT") ? name + ".NT" : name;
 }
 
 // Microsoft, "INF CopyFiles Directive": a value "@file" is a file, another value is a section of lines "target,
@@ -188,7 +180,7 @@ std::string PlatformName(InfPlatform platform) {
 }
 
 PlatformInf ReadPlatformInf(const SetupInf& inf, InfPlatform platform) {
-  PlatformInf read = {platform, CatalogName(inf, platform), {}, {}, {}, {}, {}};
+  PlatformInf read = {platform, CatalogName(inf, platform), {}, {}, {}, {}, {}, {}};
   ReadModels(inf, &read);
   ReadSourceFiles(inf, &read);
   ReadCopiedFiles(inf, &read);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,7 @@ struct PlatformInf {
   std::vector<std::string> hardwareIds;      // the hardware ID of each model and the compatible IDs after it
   // The files of [SourceDisksFiles.x86] or [SourceDisksFiles.amd64], then those that only [SourceDisksFiles] lists.
   std::vector<InfSourceFile> sourceFiles;
+  std::set<std::string> sourceNames;  // their names in upper case
   // The files that CopyFiles names in the install sections of all models, of their co-installers, and in
   // [ClassInstall32]. What Needs takes from INFs of Windows, and what AddInterface names, is not included.
   std::vector<InfCopiedFile> copiedFiles;

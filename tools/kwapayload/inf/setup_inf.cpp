@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <unordered_map>
-#include <utility>
 
 #include "base/ascii_text.h"
 
@@ -20,16 +19,9 @@ std::string Substituted(std::string_view value, const Strings& strings) {
     if (end == std::string_view::npos) {
       break;
     }
-    const std::string_view name = value.substr(begin + 1, end - begin - 1);
-    const auto known = strings.find(UpperCase(name));
+    const auto known = strings.find(UpperCase(value.substr(begin + 1, end - begin - 1)));
     whole += value.substr(0, begin);
-    if (name.empty()) {
-      whole += '%';
-    } else if (known != strings.end()) {
-      whole += known->second;
-    } else {
-      whole += value.substr(begin, end + 1 - begin);
-    }
+    whole += known == strings.end() ? value.substr(begin, end + 1 - begin) : std::string_view(known->second);
     value.remove_prefix(end + 1);
   }
   whole += value;
@@ -38,7 +30,7 @@ std::string Substituted(std::string_view value, const Strings& strings) {
 
 // Setup does not look for names in what it inserts, so the values of [Strings] remain as they are.
 void SubstituteAll(InfParts* parts) {
-  Strings strings;
+  Strings strings = {{"", "%"}};
   for (const InfLine& line : parts->sections["STRINGS"]) {
     strings.emplace(UpperCase(line.key), line.values.front());
   }
@@ -73,42 +65,40 @@ void CheckCharacters(std::string_view text, InfParts* parts) {
 
 }  // namespace
 
-SetupInf::SetupInf(const InfText& inf) {
-  InfParts parts = ParseInf(inf.Text());
+SetupInf::SetupInf(const InfText& inf) : parts(ParseInf(inf.Text())) {
   SubstituteAll(&parts);
   CheckCharacters(inf.Text(), &parts);
-  sections = std::move(parts.sections);
   if (!parts.AreLimitsKept()) {
     parts.AddFault(Severity::Error, "inf-too-large", parts.lineNumber,
                    "is too large to be read in full: more than 100,000 entries, 200,000 values or 16 MB of text");
   } else {
     // Microsoft, "INF Version Section": another signature, or none, makes the file invalid. The check is Wine's, which
     // also takes "$Windows 95$". Setup's error is ERROR_WRONG_INF_STYLE.
-    const InfLine* const signature = FindLine("Version", "Signature");
-    const std::string value = signature == nullptr ? "" : UpperCase(signature->Value(0));
+    const InfLine& signature = FindLine("Version", "Signature");
+    const std::string value = UpperCase(signature.Value(0));
     if (value != "$WINDOWS NT$" && value != "$CHICAGO$" && value != "$WINDOWS 95$") {
-      parts.AddFault(Severity::Error, "inf-signature", signature == nullptr ? 0 : signature->number,
+      parts.AddFault(Severity::Error, "inf-signature", signature.number,
                      "has no Signature = \"$Windows NT$\" in [Version], and Setup refuses such a file");
     }
   }
-  faults = parts.faults;
 }
 
 bool SetupInf::HasSection(std::string_view name) const {
-  return sections.count(UpperCase(name)) != 0;
+  return parts.sections.count(UpperCase(name)) != 0;
 }
 
 const std::vector<InfLine>& SetupInf::Lines(std::string_view section) const {
   static const std::vector<InfLine> kNone;
-  const auto found = sections.find(UpperCase(section));
-  return found == sections.end() ? kNone : found->second;
+  const auto found = parts.sections.find(UpperCase(section));
+  return found == parts.sections.end() ? kNone : found->second;
 }
 
-const InfLine* SetupInf::FindLine(std::string_view section, std::string_view key) const {
+const InfLine& SetupInf::FindLine(std::string_view section, std::string_view key) const {
+  static const InfLine kNone = {};
   const std::vector<InfLine>& lines = Lines(section);
   const auto found =
       std::find_if(lines.begin(), lines.end(), [key](const InfLine& line) { return IsSameText(line.key, key); });
-  return found == lines.end() ? nullptr : &*found;
+  return found == lines.end() ? kNone : *found;
 }
 
 }  // namespace kwa

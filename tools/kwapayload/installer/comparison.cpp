@@ -63,13 +63,20 @@ std::vector<std::string> Missing(const std::vector<std::string>& list, const std
   return missing;
 }
 
-void CompareHardware(const Inspection& before, const Inspection& after, Comparison* comparison) {
+void ComparePackages(const DriverPackage& before, const DriverPackage& after, Comparison* comparison) {
+  comparison->isPackageChanged = before.inf.name != after.inf.name ||
+                                 before.identity.version.text != after.identity.version.text ||
+                                 before.identity.displayName.text != after.identity.displayName.text;
+  const std::optional<DriverVersion> oldVersion = ReadDriverVersion(before.identity.version.text);
+  const std::optional<DriverVersion> newVersion = ReadDriverVersion(after.identity.version.text);
+  if (oldVersion && newVersion) {
+    comparison->versionOrder = *newVersion < *oldVersion   ? VersionOrder::Older
+                               : *oldVersion < *newVersion ? VersionOrder::Newer
+                                                           : VersionOrder::Same;
+  }
   for (std::size_t i = 0; i < std::size(kInfPlatforms); ++i) {
-    const auto read = [i](const std::optional<DriverPackage>& package) {
-      return package && package->setup ? package->platforms[i] : PlatformInf();
-    };
-    const PlatformInf old = read(before.package);
-    const PlatformInf current = read(after.package);
+    const PlatformInf old = before.platforms.empty() ? PlatformInf() : before.platforms[i];
+    const PlatformInf current = after.platforms.empty() ? PlatformInf() : after.platforms[i];
     ChangedHardware changed = {kInfPlatforms[i], Missing(old.hardwareIds, current.hardwareIds),
                                Missing(current.hardwareIds, old.hardwareIds)};
     if (!changed.removed.empty() || !changed.added.empty()) {
@@ -79,40 +86,19 @@ void CompareHardware(const Inspection& before, const Inspection& after, Comparis
   }
 }
 
-VersionOrder CompareVersions(const std::optional<DriverPackage>& before, const std::optional<DriverPackage>& after) {
-  const auto read = [](const std::optional<DriverPackage>& package) {
-    return package ? ReadDriverVersion(package->identity.version.text) : std::nullopt;
-  };
-  const std::optional<DriverVersion> old = read(before);
-  const std::optional<DriverVersion> current = read(after);
-  if (!old || !current) {
-    return VersionOrder::Unknown;
-  }
-  return *current < *old ? VersionOrder::Older : *old < *current ? VersionOrder::Newer : VersionOrder::Same;
-}
-
-bool HaveSamePackage(const std::optional<DriverPackage>& before, const std::optional<DriverPackage>& after) {
-  if (!before || !after) {
-    return before.has_value() == after.has_value();
-  }
-  return before->inf.name == after->inf.name && before->identity.version.text == after->identity.version.text &&
-         before->identity.displayName.text == after->identity.displayName.text;
-}
-
 std::vector<std::string> ComparePrograms(const Program& before, const Program& after) {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < std::max(before.parts.size(), after.parts.size()); ++i) {
     const bool isInBoth = i < before.parts.size() && i < after.parts.size();
     if (!isInBoth || !(before.parts[i] == after.parts[i])) {
-      names.push_back(i < after.parts.size() ? after.parts[i].name : before.parts[i].name);
+      names.push_back((i < after.parts.size() ? after : before).parts[i].name);
     }
   }
   return names;
 }
 
-std::vector<std::string> ConfigurationLines(const Inspection& inspection) {
-  std::istringstream document(
-      PreviewDpinstConfig(inspection.package ? inspection.package->identity : PackageIdentity(), false));
+std::vector<std::string> ConfigurationLines(const DriverPackage& package) {
+  std::istringstream document(PreviewDpinstConfig(package.identity, false));
   std::vector<std::string> lines;
   for (std::string line; std::getline(document, line);) {
     lines.push_back(line.substr(0, line.find('\r')));
@@ -129,21 +115,21 @@ std::vector<ChangedLines> CompareLines(const std::vector<std::string>& before, c
       common[i][j] = before[i] == after[j] ? common[i + 1][j + 1] + 1 : std::max(common[i + 1][j], common[i][j + 1]);
     }
   }
-  std::vector<ChangedLines> runs;
-  for (std::size_t i = 0, j = 0; i < before.size() || j < after.size(); ++i, ++j) {
-    ChangedLines run;
-    while ((i < before.size() || j < after.size()) &&
-           (i >= before.size() || j >= after.size() || before[i] != after[j])) {
-      if (j >= after.size() || (i < before.size() && common[i + 1][j] >= common[i][j + 1])) {
-        run.removed.push_back(before[i++]);
-      } else {
-        run.added.push_back(after[j++]);
-      }
-    }
-    if (!run.removed.empty() || !run.added.empty()) {
-      runs.push_back(std::move(run));
+  // Each line that is the same ends a run, which may be empty.
+  std::vector<ChangedLines> runs(1);
+  for (std::size_t i = 0, j = 0; i < before.size() || j < after.size();) {
+    if (i < before.size() && j < after.size() && before[i] == after[j]) {
+      runs.emplace_back();
+      ++i;
+      ++j;
+    } else if (j == after.size() || (i < before.size() && common[i + 1][j] >= common[i][j + 1])) {
+      runs.back().removed.push_back(before[i++]);
+    } else {
+      runs.back().added.push_back(after[j++]);
     }
   }
+  const auto isEmpty = [](const ChangedLines& run) { return run.removed.empty() && run.added.empty(); };
+  runs.erase(std::remove_if(runs.begin(), runs.end(), isEmpty), runs.end());
   return runs;
 }
 
@@ -159,13 +145,11 @@ Comparison Compare(const Inspection& before, const Inspection& after) {
   comparison.before = &before;
   comparison.after = &after;
   CompareFiles(before, after, &comparison);
-  comparison.isPackageChanged = !HaveSamePackage(before.package, after.package);
-  comparison.versionOrder = CompareVersions(before.package, after.package);
-  CompareHardware(before, after, &comparison);
+  ComparePackages(PackageOf(before), PackageOf(after), &comparison);
   comparison.areSignersChanged = !HaveSameSigners(before.signatures, after.signatures);
   comparison.areTextsChanged = before.configuration != after.configuration;
   comparison.programParts = ComparePrograms(before.program, after.program);
-  comparison.configuration = CompareLines(ConfigurationLines(before), ConfigurationLines(after));
+  comparison.configuration = CompareLines(ConfigurationLines(PackageOf(before)), ConfigurationLines(PackageOf(after)));
   return comparison;
 }
 

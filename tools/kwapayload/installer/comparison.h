@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "installer/inspection.h"
@@ -18,10 +17,6 @@ struct ChangedFile {
 struct ChangedLines {
   std::vector<std::string> removed;
   std::vector<std::string> added;
-
-  bool operator<(const ChangedLines& other) const {
-    return std::pair(removed, added) < std::pair(other.removed, other.added);
-  }
 };
 
 // The hardware IDs that differ for a platform.

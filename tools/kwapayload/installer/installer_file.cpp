@@ -1,6 +1,7 @@
 #include "installer/installer_file.h"
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -76,14 +77,13 @@ Result<InstallerFile> ReadInstallerFile(ByteSpan bytes) {
       return tl::unexpected(image.error());
     }
     installer.image = std::move(*image);
-    for (const PeSection& section : installer.image->sections) {
-      if (section.IsTruncated()) {
-        installer.findings.AddError(
-            "section " + section.name,
-            "the file ends " + std::to_string(section.fileSize - section.bytes.Size()) + " bytes before it does",
-            "truncated");
-        break;  // the sections after it are missing for the same reason
-      }
+    const std::vector<PeSection>& sections = installer.image->sections;
+    // The sections after the first that is cut off are missing for the same reason.
+    const auto cut = std::find_if(sections.begin(), sections.end(), std::mem_fn(&PeSection::IsTruncated));
+    if (cut != sections.end()) {
+      const std::string missing = std::to_string(cut->fileSize - cut->bytes.Size());
+      installer.findings.AddError("section " + cut->name, "the file ends " + missing + " bytes before it does",
+                                  "truncated");
     }
     FindInSections(&installer);
     return installer;

@@ -48,13 +48,9 @@ std::string KnownConfiguration() {
   return Hex(digest.Bytes());
 }
 
-std::string ReadConfiguration(const InstallerFile& installer) {
-  const std::optional<VersionRecord> version = FileVersionRecord(installer.bytes);
-  return version ? version->Text("Configuration") : "";
-}
-
 bool HasKnownTexts(const InstallerFile& installer) {
-  return !installer.image || ReadConfiguration(installer) == KnownConfiguration();
+  const std::optional<VersionRecord> version = FileVersionRecord(installer.bytes);
+  return !installer.image || (version && version->Text("Configuration") == KnownConfiguration());
 }
 
 }  // namespace kwa

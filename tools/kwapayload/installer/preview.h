@@ -18,9 +18,6 @@ std::string PreviewDpinstConfig(const PackageIdentity& identity, bool legacyMode
 // another build of this program can tell whether its texts are those of an installer.
 std::string KnownConfiguration();
 
-// The digest of the wizard's texts that an installer's version record gives; "" where it gives none.
-std::string ReadConfiguration(const InstallerFile& installer);
-
 // Whether an installer has the wizard's texts that this program has: only then is a preview what it writes. An archive
 // without an installer around it has no other texts.
 bool HasKnownTexts(const InstallerFile& installer);

@@ -1,7 +1,7 @@
 #include "report/bill_of_materials.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <string_view>
 #include <utility>
 
 #include "base/ascii_text.h"
@@ -23,12 +23,7 @@ const char* ComponentType(const FileKind& kind) {
                                                           : "application";
 }
 
-// The redistributable program has these two names. Whose it is, only its signature tells.
-bool IsDpinst(std::string_view name) {
-  return IsSameText(name, "dpinst.exe") || IsSameText(name, "dpinst64.exe");
-}
-
-// What a component has beside type and name, as far as it is known.
+// Adds what a component has beside type and name, as far as it is known.
 void AddFacts(const std::optional<VersionRecord>& version, const std::string& supplier, const std::string& sha256,
               ordered_json* component) {
   if (version) {
@@ -37,14 +32,10 @@ void AddFacts(const std::optional<VersionRecord>& version, const std::string& su
   if (!supplier.empty()) {
     (*component)["supplier"] = {{"name", Escaped(supplier)}};
   }
-  if (const std::string description = version ? version->Text("FileDescription") : ""; !description.empty()) {
+  if (const std::string description = RecordText(version, "FileDescription"); !description.empty()) {
     (*component)["description"] = Escaped(description);
   }
   (*component)["hashes"] = ordered_json::array({{{"alg", "SHA-256"}, {"content", sha256}}});
-}
-
-std::string CompanyName(const std::optional<VersionRecord>& version) {
-  return version ? version->Text("CompanyName") : "";
 }
 
 ordered_json Property(const char* name, const std::string& value) {
@@ -57,20 +48,21 @@ void AddSigners(const std::vector<Signature>& signatures, ordered_json* properti
   }
 }
 
-std::string SupplierBySignature(const InspectedFile& file) {
-  constexpr std::string_view kMicrosoft = "Microsoft ";
-  for (const Signature& signature : file.trust.signatures) {
-    if (signature.check && signature.signer.compare(0, kMicrosoft.size(), kMicrosoft) == 0) {
-      return "Microsoft Corporation";
-    }
+// The redistributable program has two names. Whose it is, only its signature tells.
+std::string Supplier(const InspectedFile& file) {
+  if (!IsSameText(file.item.name, "dpinst.exe") && !IsSameText(file.item.name, "dpinst64.exe")) {
+    return RecordText(file.version, "CompanyName");
   }
-  return "";
+  const std::vector<Signature>& signatures = file.trust.signatures;
+  const bool isOfMicrosoft = std::any_of(signatures.begin(), signatures.end(), [](const Signature& signature) {
+    return signature.check && signature.signer.rfind("Microsoft ", 0) == 0;
+  });
+  return isOfMicrosoft ? "Microsoft Corporation" : "";
 }
 
 ordered_json FileComponent(const InspectedFile& file) {
   ordered_json component = {{"type", ComponentType(file.kind)}, {"name", Escaped(file.item.name)}};
-  AddFacts(file.version, IsDpinst(file.item.name) ? SupplierBySignature(file) : CompanyName(file.version), file.sha256,
-           &component);
+  AddFacts(file.version, Supplier(file), file.sha256, &component);
   component["properties"] = {Property("archive", std::string(1, file.item.archive)),
                              Property("size", std::to_string(file.item.body.Size())),
                              Property("kind", KindText(file.kind))};
@@ -90,7 +82,7 @@ std::string UuidFrom(std::string digest) {
 
 std::string BillOfMaterials(const std::string& name, const Inspection& inspection) {
   ordered_json installer = {{"type", inspection.installer.image ? "application" : "file"}, {"name", Escaped(name)}};
-  AddFacts(inspection.version, CompanyName(inspection.version), inspection.sha256, &installer);
+  AddFacts(inspection.version, RecordText(inspection.version, "CompanyName"), inspection.sha256, &installer);
   if (inspection.installer.image) {
     // Without "array", some compilers take a list of one object for the object.
     installer["properties"] = ordered_json::array({Property("fingerprint", inspection.program.fingerprint)});

@@ -5,16 +5,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <utility>
 
 namespace kwa {
 namespace {
 
-struct Range {
-  std::uint32_t first;
-  std::uint32_t last;
-};
-
-constexpr Range kUnsafe[] = {
+// The first and the last character of each range.
+constexpr std::pair<std::uint32_t, std::uint32_t> kUnsafe[] = {
     {0x0000, 0x001F},    // C0 controls
     {0x007F, 0x009F},    // DEL, C1 controls
     {0x061C, 0x061C},    // Arabic letter mark, a bidirectional control
@@ -28,7 +25,7 @@ constexpr Range kUnsafe[] = {
 
 bool IsUnsafe(std::uint32_t character) {
   return std::any_of(std::begin(kUnsafe), std::end(kUnsafe),
-                     [character](const Range& range) { return character >= range.first && character <= range.last; });
+                     [character](const auto& range) { return character >= range.first && character <= range.second; });
 }
 
 void AppendHex(std::string_view bytes, std::string* result) {

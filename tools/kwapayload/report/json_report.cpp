@@ -1,7 +1,6 @@
 #include "report/json_report.h"
 
 #include <nlohmann/json.hpp>
-#include <utility>
 
 #include "report/escaped_text.h"
 #include "report/words.h"
@@ -23,30 +22,33 @@ ordered_json FaultOrNull(const Check& check) {
   return check ? ordered_json() : ordered_json(Escaped(check.error().what));
 }
 
-std::vector<std::string> EscapedLines(const std::vector<std::string>& lines) {
-  std::vector<std::string> escaped;
-  for (const std::string& line : lines) {
-    escaped.push_back(Escaped(line));
-  }
-  return escaped;
-}
-
-ordered_json SignaturesJson(const std::vector<Signature>& signatures) {
-  ordered_json list;  // null for none
-  for (const Signature& signature : signatures) {
-    ordered_json timestamps;  // null for none
-    for (const Timestamp& timestamp : signature.timestamps) {
-      timestamps.push_back({{"kind", timestamp.isRfc3161 ? "RFC 3161" : "counter-signature"},
-                            {"time", TextOrNull(timestamp.time)},
-                            {"fault", FaultOrNull(timestamp.check)}});
-    }
-    list.push_back({{"signer", TextOrNull(signature.signer)},
-                    {"certificate", TextOrNull(signature.certificate)},
-                    {"nested", signature.isNested},
-                    {"timestamps", timestamps},
-                    {"fault", FaultOrNull(signature.check)}});
+// The list of what a function makes of each element.
+template <typename List, typename Function>
+ordered_json ListOf(const List& elements, Function function) {
+  ordered_json list = ordered_json::array();
+  for (const auto& element : elements) {
+    list.push_back(function(element));
   }
   return list;
+}
+
+template <typename List, typename Function>
+ordered_json ListOrNull(const List& elements, Function function) {
+  return elements.empty() ? ordered_json() : ListOf(elements, function);
+}
+
+ordered_json TimestampJson(const Timestamp& timestamp) {
+  return {{"kind", timestamp.isRfc3161 ? "RFC 3161" : "counter-signature"},
+          {"time", TextOrNull(timestamp.time)},
+          {"fault", FaultOrNull(timestamp.check)}};
+}
+
+ordered_json SignatureJson(const Signature& signature) {
+  return {{"signer", TextOrNull(signature.signer)},
+          {"certificate", TextOrNull(signature.certificate)},
+          {"nested", signature.isNested},
+          {"timestamps", ListOrNull(signature.timestamps, TimestampJson)},
+          {"fault", FaultOrNull(signature.check)}};
 }
 
 ordered_json CatalogJson(const PackageCatalog* catalog) {
@@ -54,14 +56,16 @@ ordered_json CatalogJson(const PackageCatalog* catalog) {
     return {};
   }
   const Result<Catalog>& read = *catalog->catalog;
-  return {{"version", read ? ordered_json(read->version) : ordered_json()},
-          {"members", read ? ordered_json(read->memberCount) : ordered_json()},
-          {"windows", read ? ordered_json(EscapedLines({read->windows.begin(), read->windows.end()})) : ordered_json()},
-          {"fault", read ? ordered_json() : ordered_json(Escaped(read.error().what))}};
+  if (!read) {
+    return {{"version", nullptr}, {"members", nullptr}, {"windows", nullptr}, {"fault", Escaped(read.error().what)}};
+  }
+  return {{"version", read->version},
+          {"members", read->memberCount},
+          {"windows", ListOf(read->windows, Escaped)},
+          {"fault", nullptr}};
 }
 
-ordered_json FileJson(const InspectedFile& file, const PackageTrust& trust) {
-  const std::optional<VersionRecord>& version = file.version;
+ordered_json FileJson(const InspectedFile& file) {
   const bool isInFile = file.item.fileOffset != 0;  // not in a folder
   return {{"archive", std::string(1, file.item.archive)},
           {"position", isInFile ? ordered_json(file.item.position) : ordered_json()},
@@ -69,75 +73,68 @@ ordered_json FileJson(const InspectedFile& file, const PackageTrust& trust) {
           {"name", Escaped(file.item.name)},
           {"size", file.item.body.Size()},
           {"kind", KindText(file.kind)},
-          {"version", TextOrNull(VersionText(version))},
-          {"description", TextOrNull(version ? version->Text("FileDescription") : "")},
-          {"company", TextOrNull(version ? version->Text("CompanyName") : "")},
+          {"version", TextOrNull(VersionText(file.version))},
+          {"description", TextOrNull(RecordText(file.version, "FileDescription"))},
+          {"company", TextOrNull(RecordText(file.version, "CompanyName"))},
           {"sha256", file.sha256},
-          {"signatures", SignaturesJson(file.trust.signatures)},
+          {"signatures", ListOrNull(file.trust.signatures, SignatureJson)},
           {"inCatalog", file.trust.isCovered ? ordered_json(*file.trust.isCovered) : ordered_json()},
-          {"catalog", CatalogJson(trust.CatalogOf(file.item))}};
+          {"catalog", CatalogJson(file.trust.catalog.get())}};
 }
 
-ordered_json FilesJson(const std::vector<const InspectedFile*>& files, const PackageTrust& trust) {
-  ordered_json list = ordered_json::array();
-  for (const InspectedFile* const file : files) {
-    list.push_back(FileJson(*file, trust));
-  }
-  return list;
+ordered_json PlatformJson(const PlatformInf& platform) {
+  return {{"platform", PlatformName(platform.platform)},
+          {"catalog", TextOrNull(platform.catalogName)},
+          {"windows", ListOf(platform.windowsVersions, Escaped)},
+          {"hardwareIds", ListOf(platform.hardwareIds, Escaped)}};
 }
 
-ordered_json PlatformsJson(const DriverPackage& package) {
-  ordered_json list = ordered_json::array();
-  for (const PlatformInf& platform : package.platforms) {
-    list.push_back({{"platform", PlatformName(platform.platform)},
-                    {"catalog", TextOrNull(platform.catalogName)},
-                    {"windows", EscapedLines(platform.windowsVersions)},
-                    {"hardwareIds", EscapedLines(platform.hardwareIds)}});
-  }
-  return list;
-}
-
-ordered_json PackageJson(const Inspection& inspection) {
-  if (!inspection.package) {
-    return {};
-  }
-  const DeviceFamily* const family = inspection.package->family;
+ordered_json PackageJson(const DriverPackage& package) {
+  const DeviceFamily* const family = package.family;
   const auto devices = [family](bool isGerman) {
     return family == nullptr ? ordered_json() : ordered_json(DeviceNames(*family, isGerman));
   };
-  return {{"inf", Escaped(inspection.package->inf.name)},
-          {"version", TextOrNull(inspection.package->identity.version.text)},
-          {"displayName", TextOrNull(inspection.package->identity.displayName.text)},
+  return {{"inf", Escaped(package.inf.name)},
+          {"version", TextOrNull(package.identity.version.text)},
+          {"displayName", TextOrNull(package.identity.displayName.text)},
           {"family", family == nullptr ? ordered_json() : ordered_json(family->key)},
           {"devices", devices(false)},
           {"germanDevices", devices(true)},
-          {"platforms", PlatformsJson(*inspection.package)}};
+          {"platforms", ListOf(package.platforms, PlatformJson)}};
 }
 
-ordered_json ChangesJson(const std::vector<Change>& changes) {
+ordered_json ChangeJson(const Change& change) {
   const auto text = [](const std::string& escaped) { return escaped.empty() ? ordered_json() : ordered_json(escaped); };
-  ordered_json list = ordered_json::array();
-  for (const Change& change : changes) {
-    list.push_back({{"what", change.what}, {"before", text(change.before)}, {"after", text(change.after)}});
-  }
-  return list;
+  return {{"what", change.what}, {"before", text(change.before)}, {"after", text(change.after)}};
 }
 
-ordered_json OrderWord(VersionOrder order) {
-  switch (order) {
-    case VersionOrder::Older:
-      return "older";
-    case VersionOrder::Same:
-      return "same";
-    case VersionOrder::Newer:
-      return "newer";
-    case VersionOrder::Unknown:
-      break;
-  }
-  return {};
+ordered_json ChangedFileJson(const ChangedFile& file) {
+  return {{"name", Escaped(file.after->item.name)}, {"changes", ListOf(FileChanges(file), ChangeJson)}};
+}
+
+ordered_json ChangedHardwareJson(const ChangedHardware& ids) {
+  return {{"platform", PlatformName(ids.platform)},
+          {"removed", ListOf(ids.removed, Escaped)},
+          {"added", ListOf(ids.added, Escaped)}};
+}
+
+ordered_json ChangedLinesJson(const ChangedLines& lines) {
+  return {{"removed", ListOf(lines.removed, Escaped)}, {"added", ListOf(lines.added, Escaped)}};
+}
+
+ordered_json FindingJson(const Finding& finding) {
+  return {{"severity", SeverityWord(finding.severity)},
+          {"code", finding.code},
+          {"where", TextOrNull(finding.where)},
+          {"what", Escaped(finding.what)}};
 }
 
 }  // namespace
+
+NLOHMANN_JSON_SERIALIZE_ENUM(VersionOrder, {{VersionOrder::Unknown, nullptr},
+                                            {VersionOrder::Older, "older"},
+                                            {VersionOrder::Same, "same"},
+                                            {VersionOrder::Newer, "newer"}})
 
 std::string ListJson(const std::string& file, const Inspection& inspection) {
   const bool isInstaller = inspection.installer.image.has_value();
@@ -147,58 +144,36 @@ std::string ListJson(const std::string& file, const Inspection& inspection) {
                {"configuration", TextOrNull(inspection.configuration)},
                {"textsKnown", inspection.hasKnownTexts}};
   }
-  ordered_json files = ordered_json::array();
-  for (const InspectedFile& carried : inspection.files) {
-    files.push_back(FileJson(carried, inspection.trust));
-  }
   const bool isFolder = inspection.sha256.empty();
   const ordered_json size = isFolder ? ordered_json() : ordered_json(inspection.installer.bytes.Size());
   return Dumped({{"file", {{"name", Escaped(file)}, {"size", size}, {"sha256", TextOrNull(inspection.sha256)}}},
                  {"installer", isInstaller},
                  {"version", TextOrNull(VersionText(inspection.version))},
                  {"program", program},
-                 {"signatures", SignaturesJson(inspection.signatures)},
-                 {"files", std::move(files)},
-                 {"package", PackageJson(inspection)}});
+                 {"signatures", ListOrNull(inspection.signatures, SignatureJson)},
+                 {"files", ListOf(inspection.files, FileJson)},
+                 {"package", inspection.package ? PackageJson(*inspection.package) : ordered_json()}});
 }
 
 std::string CompareJson(const Comparison& comparison) {
-  ordered_json changed = ordered_json::array();
-  for (const ChangedFile& file : comparison.changed) {
-    changed.push_back({{"name", Escaped(file.after->item.name)}, {"changes", ChangesJson(FileChanges(file))}});
-  }
-  ordered_json hardware = ordered_json::array();
-  for (const ChangedHardware& ids : comparison.hardware) {
-    hardware.push_back({{"platform", PlatformName(ids.platform)},
-                        {"removed", EscapedLines(ids.removed)},
-                        {"added", EscapedLines(ids.added)}});
-  }
-  ordered_json configuration = ordered_json::array();
-  for (const ChangedLines& lines : comparison.configuration) {
-    configuration.push_back({{"removed", EscapedLines(lines.removed)}, {"added", EscapedLines(lines.added)}});
-  }
+  const auto fileJson = [](const InspectedFile* file) { return FileJson(*file); };
   return Dumped({{"alike", comparison.IsAlike()},
-                 {"removed", FilesJson(comparison.removed, comparison.before->trust)},
-                 {"added", FilesJson(comparison.added, comparison.after->trust)},
-                 {"changed", changed},
+                 {"removed", ListOf(comparison.removed, fileJson)},
+                 {"added", ListOf(comparison.added, fileJson)},
+                 {"changed", ListOf(comparison.changed, ChangedFileJson)},
                  {"orderChanged", comparison.isOrderChanged},
-                 {"package", ChangesJson(PackageChanges(comparison))},
-                 {"driverVersion", OrderWord(comparison.versionOrder)},
-                 {"hardwareIds", hardware},
-                 {"installer", ChangesJson(InstallerChanges(comparison))},
-                 {"programParts", EscapedLines(comparison.programParts)},
-                 {"configuration", configuration}});
+                 {"package", ListOf(PackageChanges(comparison), ChangeJson)},
+                 {"driverVersion", comparison.versionOrder},
+                 {"hardwareIds", ListOf(comparison.hardware, ChangedHardwareJson)},
+                 {"installer", ListOf(InstallerChanges(comparison), ChangeJson)},
+                 {"programParts", ListOf(comparison.programParts, Escaped)},
+                 {"configuration", ListOf(comparison.configuration, ChangedLinesJson)}});
 }
 
 std::string VerifyJson(const std::string& file, const Verification& verification) {
-  ordered_json list = ordered_json::array();
-  for (const Finding& finding : verification.findings) {
-    list.push_back({{"severity", SeverityWord(finding.severity)},
-                    {"code", finding.code},
-                    {"where", TextOrNull(finding.where)},
-                    {"what", Escaped(finding.what)}});
-  }
-  return Dumped({{"file", Escaped(file)}, {"signatures", SignaturesJson(verification.signatures)}, {"findings", list}});
+  return Dumped({{"file", Escaped(file)},
+                 {"signatures", ListOrNull(verification.signatures, SignatureJson)},
+                 {"findings", ListOf(verification.findings, FindingJson)}});
 }
 
 }  // namespace kwa

@@ -19,11 +19,10 @@ constexpr std::size_t kSizeColumn = 2;
 constexpr std::size_t kGap = 2;  // blanks between columns
 using Row = std::array<std::string, kColumnCount>;
 
-std::string Line(const char* label, const std::string& text) {
+std::string Line(std::string label, const std::string& text) {
   constexpr std::size_t kLabelWidth = 19;
-  std::string line(label);
-  line.resize(std::max(line.size(), kLabelWidth), ' ');
-  return line + text + '\n';
+  label.resize(std::max(label.size(), kLabelWidth), ' ');
+  return label + text + '\n';
 }
 
 // The width in a terminal. Escaped text has no character of another width but wide ones, which no package's names have.
@@ -40,7 +39,7 @@ std::string Shortened(const std::string& text, std::size_t width) {
   return std::string(text.begin(), end) + "...";
 }
 
-// width  that the table must fit, 0 for any: long names are shortened first, then the kinds in the last column
+// width  that the table must fit: long names are shortened first, then the kinds in the last column
 std::string TableText(const std::vector<Row>& rows, std::size_t width) {
   std::array<std::size_t, kColumnCount> widths = {};
   for (const Row& row : rows) {
@@ -50,7 +49,7 @@ std::string TableText(const std::vector<Row>& rows, std::size_t width) {
   }
   const auto shorten = [&](std::size_t column, std::size_t least) {
     const std::size_t total = std::accumulate(widths.begin(), widths.end(), (kColumnCount - 1) * kGap);
-    const std::size_t excess = width == 0 || total <= width ? 0 : total - width;
+    const std::size_t excess = total - std::min(total, width);
     widths[column] = std::min(widths[column], std::max(widths[column] - std::min(widths[column], excess), least));
   };
   shorten(kNameColumn, 24);
@@ -75,9 +74,7 @@ std::string CatalogText(const InspectedFile& file, const Result<Catalog>& catalo
   }
   return name + "catalog version " + std::to_string(catalog->version) + ", " + std::to_string(catalog->memberCount) +
          " members" + (catalog->signatures.empty() ? ", NOT SIGNED" : "") +
-         (catalog->windows.empty()
-              ? ""
-              : ", for Windows " + Escaped(Joined({catalog->windows.begin(), catalog->windows.end()})));
+         (catalog->windows.empty() ? "" : ", for Windows " + Escaped(Joined(catalog->windows)));
 }
 
 // The catalogs, and who signed what.
@@ -85,8 +82,8 @@ std::string TrustText(const Inspection& inspection) {
   std::string text;
   bool isAnySigned = false;
   for (const InspectedFile& file : inspection.files) {
-    if (const PackageCatalog* const catalog = inspection.trust.CatalogOf(file.item)) {
-      text += Line("Catalog:", CatalogText(file, *catalog->catalog));
+    if (file.trust.catalog != nullptr) {
+      text += Line("Catalog:", CatalogText(file, *file.trust.catalog->catalog));
     }
     for (const Signature& signature : file.trust.signatures) {
       text += Line("Signed:", Escaped(file.item.name) + ": " + SignatureText(signature));
@@ -103,18 +100,17 @@ std::string HardwareText(const DriverPackage& package) {
   constexpr std::size_t kMaxIds = 10;
   std::string text;
   for (const PlatformInf& platform : package.platforms) {
-    const std::string name = PlatformName(platform.platform);
+    const std::string name = "(" + PlatformName(platform.platform) + "):";
     std::vector<std::string> ids = platform.hardwareIds;
-    if (ids.empty()) {
-      continue;
-    }
-    if (!platform.windowsVersions.empty()) {
-      text += Line(("Windows (" + name + "):").c_str(), Escaped(Joined(platform.windowsVersions)));
-    }
     const std::size_t more = ids.size() - std::min(ids.size(), kMaxIds);
     ids.resize(ids.size() - more);
-    text += Line(("Hardware (" + name + "):").c_str(),
-                 Escaped(Joined(ids)) + (more == 0 ? "" : " and " + std::to_string(more) + " more"));
+    if (!ids.empty() && !platform.windowsVersions.empty()) {
+      text += Line("Windows " + name, Escaped(Joined(platform.windowsVersions)));
+    }
+    if (!ids.empty()) {
+      text +=
+          Line("Hardware " + name, Escaped(Joined(ids)) + (more == 0 ? "" : " and " + std::to_string(more) + " more"));
+    }
   }
   return text;
 }
@@ -156,18 +152,18 @@ std::string InstallerText(const std::string& file, const Inspection& inspection)
 
 }  // namespace
 
-std::string ListText(const std::string& file, const Inspection& inspection, std::size_t width) {
+std::string ListText(const std::string& file, const Inspection& inspection, std::size_t terminalWidth) {
+  const std::size_t width = terminalWidth == 0 ? std::string::npos : terminalWidth;
   std::vector<Row> rows = {{"ARCHIVE", "NAME", "SIZE", "VERSION", "CATALOG", "KIND"}};
   for (const InspectedFile& carried : inspection.files) {
     rows.push_back({std::string(1, carried.item.archive), Escaped(carried.item.name),
                     std::to_string(carried.item.body.Size()), VersionText(carried.version), CoverageText(carried),
                     KindText(carried.kind)});
   }
-  const std::string facts = InstallerText(file, inspection) + TrustText(inspection) + PackageText(inspection);
   std::string text = TableText(rows, width) + '\n';
-  std::istringstream lines(facts);
-  for (std::string line; std::getline(lines, line);) {
-    text += (width == 0 ? line : Wrapped(line, width)) + '\n';
+  std::istringstream facts(InstallerText(file, inspection) + TrustText(inspection) + PackageText(inspection));
+  for (std::string line; std::getline(facts, line);) {
+    text += Wrapped(line, width) + '\n';
   }
   return text;
 }

@@ -24,6 +24,15 @@ std::string ChangesText(const std::vector<Change>& changes) {
   return Joined(texts, "; ");
 }
 
+// Each line after the same beginning.
+std::string LinesText(const char* beginning, const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) {
+    text += beginning + Escaped(line) + '\n';
+  }
+  return text;
+}
+
 std::string FilesText(const char* what, const std::vector<const InspectedFile*>& files) {
   std::string text;
   for (const InspectedFile* const file : files) {
@@ -32,13 +41,6 @@ std::string FilesText(const char* what, const std::vector<const InspectedFile*>&
             (file->version ? ", version " + VersionText(file->version) : "") + '\n';
   }
   return text;
-}
-
-// The number of lines that only one of two texts has, each line as often as it occurs.
-std::size_t CountOnlyIn(const std::vector<std::string_view>& one, const std::vector<std::string_view>& other) {
-  std::vector<std::string_view> rest;
-  std::set_difference(one.begin(), one.end(), other.begin(), other.end(), std::back_inserter(rest));
-  return rest.size();
 }
 
 std::vector<std::string_view> SortedLines(std::string_view text) {
@@ -60,8 +62,10 @@ std::string ContentText(const InspectedFile& before, const InspectedFile& after)
   }
   const std::vector<std::string_view> old = SortedLines(before.item.body.Text());
   const std::vector<std::string_view> current = SortedLines(after.item.body.Text());
-  const std::size_t removed = CountOnlyIn(old, current);
-  const std::size_t added = CountOnlyIn(current, old);
+  std::vector<std::string_view> common;
+  std::set_intersection(old.begin(), old.end(), current.begin(), current.end(), std::back_inserter(common));
+  const std::size_t removed = old.size() - common.size();
+  const std::size_t added = current.size() - common.size();
   return removed + added == 0 ? "the same lines in another order"
                               : "text, lines removed: " + std::to_string(removed) + ", added: " + std::to_string(added);
 }
@@ -96,35 +100,24 @@ std::string InstallerText(const Comparison& comparison) {
 std::string HardwareText(const Comparison& comparison) {
   std::string text;
   for (const ChangedHardware& ids : comparison.hardware) {
-    text += "hardware IDs of " + PlatformName(ids.platform) + ":\n";
-    for (const std::string& id : ids.removed) {
-      text += "  -" + Escaped(id) + '\n';
-    }
-    for (const std::string& id : ids.added) {
-      text += "  +" + Escaped(id) + '\n';
-    }
+    text += "hardware IDs of " + PlatformName(ids.platform) + ":\n" + LinesText("  -", ids.removed) +
+            LinesText("  +", ids.added);
   }
   return text;
 }
 
 std::string ConfigurationText(const Comparison& comparison) {
   // Most changes are the same in the elements of all languages.
-  std::map<ChangedLines, int> times;
+  std::vector<std::string> runs;
+  std::map<std::string, int> times;
   for (const ChangedLines& lines : comparison.configuration) {
-    ++times[lines];
+    runs.push_back(LinesText("  -", lines.removed) + LinesText("  +", lines.added));
+    ++times[runs.back()];
   }
   std::string text;
-  for (const ChangedLines& lines : comparison.configuration) {
-    const int count = std::exchange(times[lines], 0);
-    if (count == 0) {
-      continue;
-    }
-    text += "dpinst.xml" + (count == 1 ? "" : ", " + std::to_string(count) + " times") + ":\n";
-    for (const std::string& line : lines.removed) {
-      text += "  -" + Escaped(line) + '\n';
-    }
-    for (const std::string& line : lines.added) {
-      text += "  +" + Escaped(line) + '\n';
+  for (const std::string& run : runs) {
+    if (const int count = std::exchange(times[run], 0); count != 0) {
+      text += "dpinst.xml" + (count == 1 ? "" : ", " + std::to_string(count) + " times") + ":\n" + run;
     }
   }
   return text;

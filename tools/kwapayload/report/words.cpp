@@ -1,20 +1,52 @@
 #include "report/words.h"
 
+#include <utility>
+
 #include "report/escaped_text.h"
 #include "trust/digest.h"
 
 namespace kwa {
 namespace {
 
-void Add(const char* what, const std::string& before, const std::string& after, std::vector<Change>* changes) {
-  if (before != after) {
-    changes->push_back({what, before, after});
+// What is told of a thing: names and texts. All things of a kind have the same names.
+using Facts = std::vector<std::pair<const char*, std::string>>;
+
+std::vector<Change> Differences(const Facts& before, const Facts& after) {
+  std::vector<Change> changes;
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i].second != after[i].second) {
+      changes.push_back({before[i].first, before[i].second, after[i].second});
+    }
   }
+  return changes;
 }
 
 // "" for zeros, however many the size of the body needs.
 std::string PaddingText(const ArchiveItem& item) {
   return IsZeroFilled(item.padding) ? "" : Hex(std::string(item.padding.Text()));
+}
+
+Facts FileFacts(const InspectedFile& file) {
+  return {{"archive", {file.item.archive}},
+          {"name", Escaped(file.item.name)},
+          {"size", std::to_string(file.item.body.Size())},
+          {"version", VersionText(file.version)},
+          {"kind", KindText(file.kind)},
+          {"signer", SignersText(file.trust.signatures)},
+          {"in the catalog", CoverageText(file)},
+          {"padding", PaddingText(file.item)}};
+}
+
+Facts PackageFacts(const DriverPackage& package) {
+  std::vector<std::string> windows;
+  for (const PlatformInf& platform : package.platforms) {
+    windows.insert(windows.end(), platform.windowsVersions.begin(), platform.windowsVersions.end());
+  }
+  return {{"INF", Escaped(package.inf.name)},
+          {"version", Escaped(package.identity.version.text)},
+          {"display name", Escaped(package.identity.displayName.text)},
+          {"family", package.family != nullptr ? package.family->key : ""},
+          {"Windows versions", Escaped(Joined(windows))}};
 }
 
 }  // namespace
@@ -50,6 +82,10 @@ std::string VersionText(const std::optional<VersionRecord>& version) {
   return version ? version->fileVersion : "";
 }
 
+std::string RecordText(const std::optional<VersionRecord>& version, const char* key) {
+  return version ? version->Text(key) : "";
+}
+
 std::vector<std::string> DeviceNames(const DeviceFamily& family, bool isGerman) {
   std::vector<std::string> names;
   for (unsigned i = 0; i < family.rowCount; ++i) {
@@ -60,49 +96,12 @@ std::vector<std::string> DeviceNames(const DeviceFamily& family, bool isGerman) 
 }
 
 std::vector<Change> FileChanges(const ChangedFile& file) {
-  const InspectedFile& before = *file.before;
-  const InspectedFile& after = *file.after;
-  std::vector<Change> changes;
-  Add("archive", {before.item.archive}, {after.item.archive}, &changes);
-  Add("name", Escaped(before.item.name), Escaped(after.item.name), &changes);
-  Add("size", std::to_string(before.item.body.Size()), std::to_string(after.item.body.Size()), &changes);
-  Add("version", VersionText(before.version), VersionText(after.version), &changes);
-  Add("kind", KindText(before.kind), KindText(after.kind), &changes);
-  Add("signer", SignersText(before.trust.signatures), SignersText(after.trust.signatures), &changes);
-  Add("in the catalog", CoverageText(before), CoverageText(after), &changes);
-  Add("padding", PaddingText(before.item), PaddingText(after.item), &changes);
-  if (changes.empty()) {
-    Add("content", before.sha256, after.sha256, &changes);
-  }
-  return changes;
+  const std::vector<Change> changes = Differences(FileFacts(*file.before), FileFacts(*file.after));
+  return changes.empty() ? Differences({{"content", file.before->sha256}}, {{"content", file.after->sha256}}) : changes;
 }
 
 std::vector<Change> PackageChanges(const Comparison& comparison) {
-  struct Facts {
-    std::string inf, version, displayName, family, windows;
-  };
-  const auto read = [](const std::optional<DriverPackage>& package) {
-    Facts facts;
-    if (package) {
-      facts = {Escaped(package->inf.name), Escaped(package->identity.version.text),
-               Escaped(package->identity.displayName.text), package->family != nullptr ? package->family->key : "", ""};
-      std::vector<std::string> windows;
-      for (const PlatformInf& platform : package->platforms) {
-        windows.insert(windows.end(), platform.windowsVersions.begin(), platform.windowsVersions.end());
-      }
-      facts.windows = Escaped(Joined(windows));
-    }
-    return facts;
-  };
-  const Facts before = read(comparison.before->package);
-  const Facts after = read(comparison.after->package);
-  std::vector<Change> changes;
-  Add("INF", before.inf, after.inf, &changes);
-  Add("version", before.version, after.version, &changes);
-  Add("display name", before.displayName, after.displayName, &changes);
-  Add("family", before.family, after.family, &changes);
-  Add("Windows versions", before.windows, after.windows, &changes);
-  return changes;
+  return Differences(PackageFacts(PackageOf(*comparison.before)), PackageFacts(PackageOf(*comparison.after)));
 }
 
 Change SignatureChange(const Comparison& comparison) {
@@ -116,20 +115,13 @@ Change SignatureChange(const Comparison& comparison) {
 std::vector<Change> InstallerChanges(const Comparison& comparison) {
   const Inspection& before = *comparison.before;
   const Inspection& after = *comparison.after;
-  std::vector<Change> changes;
-  Add("fingerprint", before.program.fingerprint, after.program.fingerprint, &changes);
-  Add("texts", Escaped(before.configuration), Escaped(after.configuration), &changes);
   const Change signature = SignatureChange(comparison);
-  Add(signature.what, signature.before, signature.after, &changes);
-  return changes;
-}
-
-std::string Joined(const std::vector<std::string>& texts, const char* separator) {
-  std::string joined;
-  for (const std::string& text : texts) {
-    joined += (&text == &texts.front() ? "" : separator) + text;
-  }
-  return joined;
+  return Differences({{"fingerprint", before.program.fingerprint},
+                      {"texts", Escaped(before.configuration)},
+                      {signature.what, signature.before}},
+                     {{"fingerprint", after.program.fingerprint},
+                      {"texts", Escaped(after.configuration)},
+                      {signature.what, signature.after}});
 }
 
 }  // namespace kwa

@@ -24,6 +24,9 @@ std::string CoverageText(const InspectedFile& file);
 // The version of a version record, such as "1.0.42.0".
 std::string VersionText(const std::optional<VersionRecord>& version);
 
+// A text of a version record, raw.
+std::string RecordText(const std::optional<VersionRecord>& version, const char* key);
+
 // The names that the wizard shows for a device family, without the line feeds.
 std::vector<std::string> DeviceNames(const DeviceFamily& family, bool isGerman);
 
@@ -44,6 +47,13 @@ Change SignatureChange(const Comparison& comparison);
 std::vector<Change> InstallerChanges(const Comparison& comparison);
 
 // "one, two, three".
-std::string Joined(const std::vector<std::string>& texts, const char* separator = ", ");
+template <typename List>
+std::string Joined(const List& texts, const char* separator = ", ") {
+  std::string joined;
+  for (const std::string& text : texts) {
+    joined += (&text == &*texts.begin() ? "" : separator) + text;
+  }
+  return joined;
+}
 
 }  // namespace kwa

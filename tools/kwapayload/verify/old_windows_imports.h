@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <string>
 #include <string_view>
 
 // What an installer that starts on Windows 2000 (service pack 4) and XP may import: functions that both have, of the
@@ -14,13 +16,9 @@
 
 namespace kwa {
 
-struct OldWindowsLibrary {
-  std::string_view name;       // in lower case
-  std::string_view functions;  // in alphabetical order, with a blank before and after each
-};
-
-constexpr OldWindowsLibrary kOldWindowsLibraries[] = {
-    {"kernel32.dll",
+// By the upper-case name of the library, the functions in alphabetical order, with a blank before and after each.
+const std::map<std::string, std::string_view> kOldWindowsFunctions = {
+    {"KERNEL32.DLL",
      " CloseHandle CreateDirectoryA CreateFileA CreateMutexA CreateProcessA CreateSemaphoreA"
      " CreateSemaphoreW DeleteCriticalSection DuplicateHandle EnterCriticalSection ExitProcess FindClose"
      " FindFirstFileA FormatMessageA FreeLibrary GetCommandLineA GetCurrentProcess GetCurrentProcessId"
@@ -33,14 +31,14 @@ constexpr OldWindowsLibrary kOldWindowsLibraries[] = {
      " ReleaseSemaphore RtlUnwind SetLastError SetUnhandledExceptionFilter Sleep TerminateProcess TlsAlloc"
      " TlsFree TlsGetValue TlsSetValue TryEnterCriticalSection UnhandledExceptionFilter VirtualProtect"
      " VirtualQuery WaitForSingleObject WideCharToMultiByte "},
-    {"msvcrt.dll",
+    {"MSVCRT.DLL",
      " __dllonexit __getmainargs __initenv __p__acmdln __p__commode __p__environ __p__fmode __set_app_type"
      " __setusermatherr _amsg_exit _cexit _close _controlfp _errno _except_handler3 _exit _fmode _initterm"
      " _iob _ismbblead _lock _onexit _read _snprintf _unlock _vsnprintf abort atexit calloc exit fclose"
      " fflush fopen fprintf fputc fputs fread free fwrite getenv malloc memchr memcmp memcpy memmove memset"
      " realloc signal sprintf strcat strchr strcmp strcpy strerror strlen strncmp strncpy strstr strtoul"
      " vfprintf "},
-    {"shell32.dll", " SHFileOperationA "},
+    {"SHELL32.DLL", " SHFileOperationA "},
 };
 
 }  // namespace kwa

@@ -104,17 +104,15 @@ void VerifyUse(const std::vector<ArchiveItem>& items, const std::optional<Driver
   if (isSetupKnown) {
     used.insert(UpperCase(package->inf.name));
     for (const PlatformInf& platform : package->platforms) {
-      for (const InfSourceFile& source : platform.sourceFiles) {
-        used.insert(UpperCase(source.name));
-      }
+      used.insert(platform.sourceNames.begin(), platform.sourceNames.end());
       for (const InfCopiedFile& copied : platform.copiedFiles) {
         used.insert(UpperCase(copied.source));
       }
     }
-    for (const PackageCatalog& catalog : trust.catalogs) {
-      used.insert(UpperCase(catalog.name));
-      if (catalog.catalog && *catalog.catalog) {
-        used.insert((*catalog.catalog)->fileNames.begin(), (*catalog.catalog)->fileNames.end());
+    for (const std::shared_ptr<PackageCatalog>& catalog : trust.catalogs) {
+      used.insert(UpperCase(catalog->name));
+      if (catalog->catalog && *catalog->catalog) {
+        used.insert((*catalog->catalog)->fileNames.begin(), (*catalog->catalog)->fileNames.end());
       }
     }
   }
@@ -140,12 +138,11 @@ void VerifyContents(const std::vector<ArchiveItem>& items, const PayloadContents
   if (contents.empty()) {
     return;
   }
+  const auto isInArchive = [archive](const auto& file) { return file.archive == archive; };
   std::vector<ArchiveItem> found;
-  std::copy_if(items.begin(), items.end(), std::back_inserter(found),
-               [archive](const ArchiveItem& item) { return item.archive == archive; });
+  std::copy_if(items.begin(), items.end(), std::back_inserter(found), isInArchive);
   PayloadContents wanted;
-  std::copy_if(contents.begin(), contents.end(), std::back_inserter(wanted),
-               [archive](const ContentsFile& file) { return file.archive == archive; });
+  std::copy_if(contents.begin(), contents.end(), std::back_inserter(wanted), isInArchive);
   // A changed name is one fault, not a missing and an unexpected file.
   const auto isRenamed = [&](std::size_t i) {
     return i < found.size() && i < wanted.size() && FindName(wanted, found[i].name) == nullptr &&

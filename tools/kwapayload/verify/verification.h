@@ -6,7 +6,6 @@
 #include "base/finding.h"
 #include "installer/installer_file.h"
 #include "package/driver_package.h"
-#include "package/package_trust.h"
 #include "payload/payload_contents.h"
 
 // What `kwapayload verify` looks at, one function an area. Each adds what it finds. Only one of them reports a fault.

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <iterator>
+#include <functional>
 #include <string>
 
 #include "base/ascii_text.h"
@@ -65,9 +65,7 @@ std::uint64_t AlignedTo(std::uint64_t alignment, std::uint64_t offset) {
 // What the loader of Windows refuses. Microsoft, "PE Format", the fields of the optional header; that the sections
 // follow each other in memory without a gap is seen with all loaders of Windows, and every linker makes it so.
 void VerifyImageLayout(const PeImage& image, Findings* findings) {
-  const auto add = [findings](const std::string& what, const char* code) {
-    findings->AddError("executable", what, code);
-  };
+  const auto add = [&](const std::string& what, const char* code) { findings->AddError("executable", what, code); };
   if (!IsPowerOfTwo(image.fileAlignment) || image.fileAlignment < 0x200 || image.fileAlignment > 0x10000 ||
       !IsPowerOfTwo(image.sectionAlignment) ||
       image.sectionAlignment < std::max<std::uint32_t>(image.fileAlignment, 0x1000)) {
@@ -114,16 +112,14 @@ void VerifyImports(const PeImage& image, Findings* findings) {
   }
   for (const ImportedLibrary& imported : imports.libraries) {
     const std::string where = "executable, imports of " + imported.name;
-    const auto* const library =
-        std::find_if(std::begin(kOldWindowsLibraries), std::end(kOldWindowsLibraries),
-                     [&imported](const OldWindowsLibrary& old) { return IsSameText(old.name, imported.name); });
-    if (library == std::end(kOldWindowsLibraries)) {
+    const auto library = kOldWindowsFunctions.find(UpperCase(imported.name));
+    if (library == kOldWindowsFunctions.end()) {
       findings->AddError(where, "only KERNEL32, SHELL32 and msvcrt may be imported", "library-not-allowed");
       continue;
     }
     for (const std::string& function : imported.functions) {
       const bool isListed = function.find(' ') == std::string::npos &&
-                            library->functions.find(" " + function + " ") != std::string_view::npos;
+                            library->second.find(" " + function + " ") != std::string_view::npos;
       if (!isListed) {
         findings->AddError(where, function + " is not known to be in Windows 2000 and XP", "import-too-new");
       }
@@ -133,13 +129,12 @@ void VerifyImports(const PeImage& image, Findings* findings) {
 
 void VerifyManifest(const std::vector<PeResource>& resources, Findings* findings) {
   constexpr std::uint32_t kProcessManifest = 1;  // CREATEPROCESS_MANIFEST_RESOURCE_ID
-  std::vector<PeResource> manifests;
-  std::copy_if(resources.begin(), resources.end(), std::back_inserter(manifests),
-               [](const PeResource& resource) { return resource.type == kResourceTypeManifest; });
-  if (manifests.empty()) {
+  const auto isManifest = [](const PeResource& resource) { return resource.type == kResourceTypeManifest; };
+  const auto manifest = std::find_if(resources.begin(), resources.end(), isManifest);
+  if (manifest == resources.end()) {
     findings->AddError("executable", "has no manifest", "no-manifest");
-  } else if (manifests.size() > 1 || manifests[0].name != kProcessManifest ||
-             manifests[0].bytes.Text() != kInstallerManifest) {
+  } else if (std::count_if(resources.begin(), resources.end(), isManifest) > 1 || manifest->name != kProcessManifest ||
+             manifest->bytes.Text() != kInstallerManifest) {
     findings->AddError("executable, manifest",
                        "is not the one manifest with the number 1 that asks for administrator rights, byte for byte as "
                        "this tool knows it",
@@ -199,7 +194,7 @@ void VerifyEnd(const PeImage& image, Findings* findings) {
 
 void VerifyExecutable(const PeImage& image, Findings* findings) {
   const std::vector<PeSection>& sections = image.sections;
-  if (std::any_of(sections.begin(), sections.end(), [](const PeSection& section) { return section.IsTruncated(); })) {
+  if (std::any_of(sections.begin(), sections.end(), std::mem_fn(&PeSection::IsTruncated))) {
     return;  // a finding of the layout, and missing bytes cannot be judged
   }
   VerifyHeaders(image, findings);

@@ -15,40 +15,34 @@ namespace {
 
 using ItemsByName = std::map<std::string, const ArchiveItem*>;  // by upper-case name
 
-// Whether the configuration stays readable with a value, which the installer writes into the XML text without escaping.
-Check CheckXml(const std::string& value) {
-  for (const char c : value) {
+// Whether a value is fit for the configuration, into whose XML the installer writes it without escaping.
+Check CheckValue(const std::string& key, const IdentityValue& value) {
+  const auto breaksXml = [&key](const std::string& part) {
+    return Failure(key + " holds " + part + ", which breaks the XML of the configuration", "value-breaks-xml");
+  };
+  if (value.text.empty()) {
+    return Failure("[Version] has no " + key, "version-key-missing");
+  }
+  if (value.isCut) {
+    const std::string limit = std::to_string(kProfileValueLimit);
+    return Failure(key + " has more than " + limit + " characters, and the installer keeps no more", "value-too-long");
+  }
+  for (const char c : value.text) {
     if (c == '&' || c == '<') {
-      return Failure(std::string("holds \"") + c + "\", which breaks the XML of the configuration");
+      return breaksXml(std::string("\"") + c + '"');
     }
     if (static_cast<unsigned char>(c) < ' ' && c != '\t') {
-      return Failure("holds a control character, which breaks the XML of the configuration");
+      return breaksXml("a control character");
     }
   }
-  if (value.find("]]>") != std::string::npos) {
-    return Failure("holds \"]]>\", which breaks the XML of the configuration");
+  if (value.text.find("]]>") != std::string::npos) {
+    return breaksXml("\"]]>\"");
   }
-  if (!IsUtf8(ByteSpan(value))) {
-    return Failure("holds characters beyond ASCII, which the configuration would carry as invalid UTF-8");
+  if (!IsUtf8(ByteSpan(value.text))) {
+    return Failure(key + " holds characters beyond ASCII, which the configuration would carry as invalid UTF-8",
+                   "value-breaks-xml");
   }
   return {};
-}
-
-// Judges a value that the installer writes into its configuration. Returns whether it is fit.
-bool VerifyValue(const std::string& where, const std::string& key, const IdentityValue& value, Findings* findings) {
-  if (value.text.empty()) {
-    findings->AddError(where, "[Version] has no " + key, "version-key-missing");
-  } else if (value.isCut) {
-    findings->AddError(
-        where,
-        key + " has more than " + std::to_string(kProfileValueLimit) + " characters, and the installer keeps no more",
-        "value-too-long");
-  } else if (const Check xml = CheckXml(value.text); !xml) {
-    findings->AddError(where, key + " " + xml.error().what, "value-breaks-xml");
-  } else {
-    return true;
-  }
-  return false;
 }
 
 void VerifyIdentity(const std::string& where, const DriverPackage& package, Findings* findings) {
@@ -57,17 +51,21 @@ void VerifyIdentity(const std::string& where, const DriverPackage& package, Find
     findings->AddError(where, identity.certainty.error().what, "inf-encoding");
     return;
   }
-  VerifyValue(where, "DriverVer", identity.version, findings);
-  if (VerifyValue(where, "DriverPackageDisplayName", identity.displayName, findings) && package.family == nullptr) {
-    findings->AddError(where,
-                       "DriverPackageDisplayName \"" + identity.displayName.text +
-                           "\" names no device family, so the wizard will list no devices",
-                       "no-family");
+  Check displayName = CheckValue("DriverPackageDisplayName", identity.displayName);
+  if (displayName && package.family == nullptr) {
+    displayName = Failure("DriverPackageDisplayName \"" + identity.displayName.text +
+                              "\" names no device family, so the wizard will list no devices",
+                          "no-family");
+  }
+  for (const Check& check : {CheckValue("DriverVer", identity.version), displayName}) {
+    if (!check) {
+      findings->AddError(where, check.error().what, check.error().code);
+    }
   }
 }
 
-void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>& items,
-                        const std::vector<PlatformInf>& platforms, Findings* findings) {
+void VerifyCatalogNames(const std::string& where, const ItemsByName& items, const std::vector<PlatformInf>& platforms,
+                        Findings* findings) {
   std::set<std::string> names;
   for (const PlatformInf& platform : platforms) {
     names.insert(platform.catalogName);
@@ -83,7 +81,7 @@ void VerifyCatalogNames(const std::string& where, const std::vector<ArchiveItem>
     }
   }
   for (const std::string& name : names) {
-    if (!name.empty() && FindItem(items, name) == nullptr) {
+    if (!name.empty() && items.count(UpperCase(name)) == 0) {
       findings->AddError(where, "CatalogFile \"" + name + "\" is not carried", "catalog-missing");
     }
   }
@@ -123,10 +121,6 @@ void VerifyCopiedFiles(const std::string& where, const ItemsByName& items, const
                        Findings* findings) {
   std::set<std::size_t> seen;
   for (const PlatformInf& platform : platforms) {
-    std::set<std::string> listed;
-    for (const InfSourceFile& source : platform.sourceFiles) {
-      listed.insert(UpperCase(source.name));
-    }
     std::set<std::string> copiedNames;  // a file may be copied many times
     const std::uint16_t machine =
         platform.platform == InfPlatform::X86 ? kImageFileMachineI386 : kImageFileMachineAmd64;
@@ -134,7 +128,7 @@ void VerifyCopiedFiles(const std::string& where, const ItemsByName& items, const
       const std::string name = UpperCase(copied.source);
       const auto found = items.find(name);
       const ArchiveItem* const item = found == items.end() ? nullptr : found->second;
-      if (listed.count(name) == 0 && seen.insert(copied.line).second) {
+      if (platform.sourceNames.count(name) == 0 && seen.insert(copied.line).second) {
         const std::string place = where + ", line " + std::to_string(copied.line);
         const std::string what = "CopyFiles names \"" + copied.source + "\", which [SourceDisksFiles] does not list";
         // A file that is not carried may be one of Windows.
@@ -163,16 +157,15 @@ void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<Dr
     return;
   }
   const std::string where = "package, " + std::string(package->inf.name);
-  std::set<std::string> others;
+  ItemsByName itemsByName;
   for (const ArchiveItem& item : items) {
-    const std::string name = UpperCase(item.name);
+    itemsByName.emplace(UpperCase(item.name), &item);
+  }
+  for (const auto& [name, item] : itemsByName) {
     // The installer's "*.inf" also fits the short name of "about.info", ABOUT~1.INF.
     if (name.compare(std::min(name.rfind('.'), name.size()), 4, ".INF") == 0 && name != UpperCase(package->inf.name)) {
-      others.insert(name);
+      findings->AddError(where, "is not the only INF: there is " + name, "second-inf");
     }
-  }
-  for (const std::string& name : others) {
-    findings->AddError(where, "is not the only INF: there is " + name, "second-inf");
   }
   VerifyIdentity(where, *package, findings);
   if (!package->setup) {
@@ -185,11 +178,7 @@ void VerifyPackage(const std::vector<ArchiveItem>& items, const std::optional<Dr
   if (package->setup->Faults().HasError()) {
     return;  // Setup reads nothing of it
   }
-  VerifyCatalogNames(where, items, package->platforms, findings);
-  ItemsByName itemsByName;
-  for (const ArchiveItem& item : items) {
-    itemsByName.emplace(UpperCase(item.name), &item);
-  }
+  VerifyCatalogNames(where, itemsByName, package->platforms, findings);
   VerifySourceFiles(where, itemsByName, package->platforms, findings);
   VerifyCopiedFiles(where, itemsByName, package->platforms, findings);
 }

@@ -54,8 +54,8 @@ void VerifyTrust(const std::vector<ArchiveItem>& items, const PackageTrust& trus
   for (std::size_t i = 0; i < items.size(); ++i) {
     const std::string where = Where(items[i]);
     const FileTrust& file = trust.files[i];
-    if (const PackageCatalog* const catalog = trust.CatalogOf(items[i])) {
-      VerifyCatalog(where, *catalog, findings);
+    if (file.catalog != nullptr) {
+      VerifyCatalog(where, *file.catalog, findings);
     } else {
       VerifySignatures(where, file.signatures, "signature-broken", findings);
     }
