@@ -38,11 +38,17 @@ void AddArchive(ParsedArchive archive, char letter, std::uint64_t areaOffset, In
 }
 
 void FindInSections(InstallerFile* installer) {
-  const std::vector<PeSection> sections = SectionsToSearch(*installer->image);
-  for (const PeSection& section : sections) {
-    for (ParsedArchive& archive : FindArchives(section.bytes)) {
+  Findings broken;
+  for (const PeSection& section : SectionsToSearch(*installer->image)) {
+    FoundArchives found = FindArchives(section.bytes);
+    for (ParsedArchive& archive : found.sound) {
       // A third archive is an error, whatever its letter.
       AddArchive(std::move(archive), installer->archives.empty() ? 'A' : 'B', section.fileOffset, installer);
+    }
+    for (const auto& [offset, fault] : found.broken) {
+      broken.AddError("archive at offset " + std::to_string(section.fileOffset + offset) +
+                          (fault.where.empty() ? "" : ", ") + fault.where,
+                      fault.what, fault.code);
     }
   }
   if (installer->IsWhole()) {
@@ -56,14 +62,7 @@ void FindInSections(InstallerFile* installer) {
         "", "holds " + number + " payload archive" + (count == 1 ? "" : "s") + " in its read-only data instead of two",
         "archive-count");
   }
-  for (const PeSection& section : sections) {
-    for (const BrokenArchive& broken : FindBrokenArchives(section.bytes)) {
-      const Fault& fault = broken.fault;
-      installer->findings.AddError("archive at offset " + std::to_string(section.fileOffset + broken.offset) +
-                                       (fault.where.empty() ? "" : ", ") + fault.where,
-                                   fault.what, fault.code);
-    }
-  }
+  installer->findings.AddAll(broken);
 }
 
 }  // namespace

@@ -36,28 +36,6 @@ Check CheckNameField(ByteSpan field) {
   return {};
 }
 
-// Calls `visit` with the offset of each magic that a name follows, outside sound archives, in their order, and with
-// what ReadArchive says of it, until it returns false.
-//
-// The work is linear, even where tables overlap on purpose: the name field of one table then consists of another's
-// names and sizes. Both need text where the other has zeros, so one of the two soon has a size that leads out of the
-// area.
-template <typename Visit>
-void ForEachMagic(ByteSpan area, Visit visit) {
-  for (std::uint64_t offset = 0; area.Contains(offset, BodiesPosition(1)); offset += kWordSize) {
-    if (area.U32(offset) != kArchiveMagic ||
-        !CheckNameField(area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity))) {
-      continue;
-    }
-    Result<ParsedArchive> archive = ReadArchive(area, offset);
-    const std::uint64_t size = archive ? archive->size : 0;
-    if (!visit(offset, std::move(archive))) {
-      return;
-    }
-    offset += size;
-  }
-}
-
 }  // namespace
 
 bool IsZeroFilled(ByteSpan bytes) {
@@ -108,26 +86,26 @@ Result<ParsedArchive> ReadArchive(ByteSpan area, std::uint64_t offset) {
   return archive;
 }
 
-std::vector<ParsedArchive> FindArchives(ByteSpan area) {
-  std::vector<ParsedArchive> archives;
-  ForEachMagic(area, [&](std::uint64_t, Result<ParsedArchive> archive) {
+FoundArchives FindArchives(ByteSpan area) {
+  // The work is linear, even where tables overlap on purpose: the name field of one table then consists of another's
+  // names and sizes. Both need text where the other has zeros, so one of the two soon has a size that leads out of the
+  // area.
+  FoundArchives found;
+  for (std::uint64_t offset = 0; area.Contains(offset, BodiesPosition(1)) && found.sound.size() < kMaxArchives;
+       offset += kWordSize) {
+    if (area.U32(offset) != kArchiveMagic ||
+        !CheckNameField(area.Part(offset + kArchiveHeaderSize, kEntryNameCapacity))) {
+      continue;
+    }
+    Result<ParsedArchive> archive = ReadArchive(area, offset);
     if (archive) {
-      archives.push_back(std::move(*archive));
+      offset += archive->size;
+      found.sound.push_back(std::move(*archive));
+    } else if (found.broken.size() < kMaxBrokenArchives) {
+      found.broken.push_back({offset, std::move(archive.error())});
     }
-    return archives.size() < kMaxArchives;
-  });
-  return archives;
-}
-
-std::vector<BrokenArchive> FindBrokenArchives(ByteSpan area) {
-  std::vector<BrokenArchive> broken;
-  ForEachMagic(area, [&](std::uint64_t offset, Result<ParsedArchive> archive) {
-    if (!archive) {
-      broken.push_back({offset, std::move(archive.error())});
-    }
-    return broken.size() < kMaxBrokenArchives;
-  });
-  return broken;
+  }
+  return found;
 }
 
 }  // namespace kwa

@@ -37,19 +37,19 @@ constexpr std::uint64_t kArchiveTerminatorSize = 4;
 // is an entry's name or empty.
 Result<ParsedArchive> ReadArchive(ByteSpan area, std::uint64_t offset);
 
-// The sound archives of an area (the bytes of a read-only section), in the order of the file. The magic alone, in a
-// payload file or in a program's data, does not count, nor does an archive within a body of another. The search ends
-// with the third archive: an installer has two.
-std::vector<ParsedArchive> FindArchives(ByteSpan area);
-
 // Bytes that begin like an archive, with the magic and a first entry that has a name, but are not a sound one.
 struct BrokenArchive {
   std::uint64_t offset;  // of the first byte
   Fault fault;           // as ReadArchive gives it
 };
 
-// The broken archives of an area outside its sound ones, at most 16.
-std::vector<BrokenArchive> FindBrokenArchives(ByteSpan area);
+// The archives of an area (the bytes of a read-only section), in the order of the file. The magic alone, in a payload
+// file or in a program's data, does not count, nor does an archive within a body of another.
+struct FoundArchives {
+  std::vector<ParsedArchive> sound;   // the search ends with the third: an installer has two
+  std::vector<BrokenArchive> broken;  // at most 16
+};
+FoundArchives FindArchives(ByteSpan area);
 
 bool IsZeroFilled(ByteSpan bytes);
 

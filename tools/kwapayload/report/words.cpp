@@ -49,6 +49,10 @@ Facts PackageFacts(const DriverPackage& package) {
           {"Windows versions", Escaped(Joined(windows))}};
 }
 
+std::string SignerName(const Signature& signature) {
+  return signature.signer.empty() ? "a signer without a name" : Escaped(signature.signer);
+}
+
 }  // namespace
 
 const char* SeverityWord(Severity severity) {
@@ -58,13 +62,13 @@ const char* SeverityWord(Severity severity) {
 std::string SignersText(const std::vector<Signature>& signatures) {
   std::vector<std::string> signers;
   for (const Signature& signature : signatures) {
-    signers.push_back(Escaped(signature.signer) + (signature.check ? "" : " (BROKEN)"));
+    signers.push_back(SignerName(signature) + (signature.check ? "" : " (BROKEN)"));
   }
   return Joined(signers);
 }
 
 std::string SignatureText(const Signature& signature) {
-  std::string text = signature.signer.empty() ? "a signer without a name" : Escaped(signature.signer);
+  std::string text = SignerName(signature);
   for (const Timestamp& timestamp : signature.timestamps) {
     text += ", " + (timestamp.time.empty() ? "at an unreadable time" : timestamp.time);
     text += timestamp.check ? "" : " (BROKEN: " + timestamp.check.error().what + ")";
@@ -96,8 +100,11 @@ std::vector<std::string> DeviceNames(const DeviceFamily& family, bool isGerman) 
 }
 
 std::vector<Change> FileChanges(const ChangedFile& file) {
-  const std::vector<Change> changes = Differences(FileFacts(*file.before), FileFacts(*file.after));
-  return changes.empty() ? Differences({{"content", file.before->sha256}}, {{"content", file.after->sha256}}) : changes;
+  std::vector<Change> changes = Differences(FileFacts(*file.before), FileFacts(*file.after));
+  if (changes.empty()) {
+    changes.push_back({"content", file.before->sha256, file.after->sha256});
+  }
+  return changes;
 }
 
 std::vector<Change> PackageChanges(const Comparison& comparison) {
