@@ -85,18 +85,18 @@ std::string ResourceBranch(std::uint32_t id, std::uint32_t target) {
   return std::string(14, '\0') + HalfBytes(1) + WordBytes(id) + WordBytes(target);
 }
 
-std::string BuildTreeImage(const std::string& tree) {
-  BuiltImage image;
-  image.sections = {{".rsrc", kReadOnlyData, tree}};
-  image.directories[2] = {SectionAddress(0), static_cast<std::uint32_t>(tree.size())};
-  return BuildImage(image);
+void AddTree(const std::string& tree, BuiltImage& image) {
+  const auto index = static_cast<std::uint32_t>(image.sections.size());
+  image.directories[2] = {SectionAddress(index), static_cast<std::uint32_t>(tree.size())};
+  image.sections.push_back({".rsrc", kReadOnlyData, tree});
 }
 
-std::string BuildResourceImage(std::uint32_t type, const std::string& resource) {
+void AddResource(std::uint32_t type, const std::string& resource, BuiltImage& image) {
   constexpr std::uint32_t kDirectory = 0x80000000;
-  return BuildTreeImage(ResourceBranch(type, kDirectory | 24) + ResourceBranch(1, kDirectory | 48) +
-                        ResourceBranch(0x409, 72) + WordBytes(SectionAddress(0) + 88) +
-                        WordBytes(static_cast<std::uint32_t>(resource.size())) + std::string(8, '\0') + resource);
+  AddTree(ResourceBranch(type, kDirectory | 24) + ResourceBranch(1, kDirectory | 48) + ResourceBranch(0x409, 72) +
+              WordBytes(SectionAddress(static_cast<std::uint32_t>(image.sections.size())) + 88) +
+              WordBytes(static_cast<std::uint32_t>(resource.size())) + std::string(8, '\0') + resource,
+          image);
 }
 
 std::string BuildVersionRecord(const std::map<std::string, std::string>& texts) {

@@ -39,9 +39,9 @@ std::string BuildImage(const BuiltImage& image);
 // One branch of a resource tree: a directory with one entry.
 std::string ResourceBranch(std::uint32_t id, std::uint32_t target);
 
-// An image with a tree of resources as its only section: the whole tree, or the resource of one type.
-std::string BuildTreeImage(const std::string& tree);
-std::string BuildResourceImage(std::uint32_t type, const std::string& resource);
+// Add a section with a tree of resources: the whole tree, or the resource of one type.
+void AddTree(const std::string& tree, BuiltImage& image);
+void AddResource(std::uint32_t type, const std::string& resource, BuiltImage& image);
 
 // A version record of version 1.2.3.4 with texts by key, in UTF-8.
 std::string BuildVersionRecord(const std::map<std::string, std::string>& texts);

@@ -5,7 +5,8 @@
 
 #include <memory>
 
-#include "signer.h"
+#include "built_archive.h"
+#include "pe/built_image.h"
 #include "trust/asn1.h"
 #include "trust/digest.h"
 
@@ -54,7 +55,7 @@ void AddSigner(CMS_ContentInfo* message, SignerForm form, unsigned flags) {
                               sizeof kwa::kSigningTime - 1);
 }
 
-void AddUnsignedAttributes(CMS_SignerInfo* signer, const std::function<std::string(const std::string&)>& make) {
+void AddUnsignedAttributes(CMS_SignerInfo* signer, const Attributes& make) {
   const std::string attributes = make(kwa::TextOf(CMS_SignerInfo_get0_signature(signer)));
   const auto* at = reinterpret_cast<const unsigned char*>(attributes.data());
   for (const unsigned char* const end = at + attributes.size(); at != end;) {
@@ -80,6 +81,25 @@ std::string TrustList(unsigned version, const std::string& members) {
   return Der(kDerSequence, Der(kDerSequence, kwa::DerObjectId("1.3.6.1.4.1.311.12.1.1")) +
                                Der(kDerOctets, std::string(16, 'i')) + Der(V_ASN1_UTCTIME, kwa::kSigningTime) +
                                Der(kDerSequence, kwa::DerObjectId(memberVersion)) + Der(kDerSequence, members));
+}
+
+std::string Member(const std::string& tag, const std::string& attributes) {
+  return Der(kDerSequence, Der(kDerOctets, tag) + (attributes.empty() ? "" : Der(kDerSet, attributes)));
+}
+
+std::string NameValue(const std::string& name, const std::string& value, const std::string& more) {
+  std::string bigEndian = '\0' + Utf16(name);
+  bigEndian.pop_back();
+  return DerAttribute("1.3.6.1.4.1.311.12.2.1", Der(kDerSequence, Der(V_ASN1_BMPSTRING, bigEndian) + kVersion1 +
+                                                                      Der(kDerOctets, Utf16(value)) + more));
+}
+
+std::string CatalogOf(const std::vector<std::string>& files, unsigned signerCount, const Attributes& timestamp) {
+  std::string members;
+  for (const std::string& file : files) {
+    members += Member(DigestBytes(file, "SHA256"));
+  }
+  return BuildSignedData({kTrustListType, TrustList(2, members), signerCount, true, timestamp});
 }
 
 std::string BuildSignedData(const SignedParts& parts) {
@@ -132,4 +152,37 @@ std::string TimestampToken(const std::string& signature) {
   const std::string time = Der(V_ASN1_GENERALIZEDTIME, std::string("20") + kwa::kSigningTime);
   const std::string info = Der(kDerSequence, kVersion1 + kwa::DerObjectId("1.2.3") + imprint + kVersion1 + time);
   return DerAttribute("1.3.6.1.4.1.311.3.3.1", BuildSignedData({"1.2.840.113549.1.9.16.1.4", info}));
+}
+
+Attributes Nested(const std::string& message) {
+  return [message](const std::string&) { return DerAttribute("1.3.6.1.4.1.311.2.4.1", message); };
+}
+
+std::string Indefinite(const std::string& element, int depth) {
+  constexpr char kConstructed = 0x20;
+  if (depth == 0 || (element.at(0) & kConstructed) == 0) {
+    return element;
+  }
+  std::string bytes = {element[0], '\x80'};
+  kwa::ForEachElement(kwa::ByteSpan(element), [&bytes, depth](const kwa::Asn1Element& part) {
+    bytes += Indefinite(std::string(part.whole.Text()), depth - 1);
+    return true;
+  });
+  return bytes + std::string(2, '\0');
+}
+
+std::string Program(std::size_t bytesOfCode, std::size_t directoryCount) {
+  BuiltImage built;
+  built.sections = {{".text", kCode, std::string(bytesOfCode, '\x90')}};
+  built.directories.resize(directoryCount);
+  return BuildImage(built);
+}
+
+std::string WithTable(std::string program, const std::string& signature) {
+  program.resize((program.size() + 7) / 8 * 8);
+  std::string table = WordBytes(static_cast<std::uint32_t>(8 + signature.size())) + WordBytes(0x00020200) + signature;
+  table.resize((table.size() + 7) / 8 * 8);
+  PutWord(program, kSecurityEntry, static_cast<std::uint32_t>(program.size()));
+  PutWord(program, kSecurityEntry + 4, static_cast<std::uint32_t>(table.size()));
+  return program + table;
 }

@@ -6,7 +6,6 @@
 
 #include "pe/built_image.h"
 #include "temporary_folder.h"
-#include "trust/built_signature.h"
 #include "verify/faulty_file.h"
 
 namespace {
@@ -35,22 +34,11 @@ constexpr std::size_t kSecondEntry = 8 + 264;
 constexpr std::size_t kBodies = kSecondEntry + 264;
 constexpr std::size_t kTerminator = kBodies + 8 + 4;
 
-// More files than findings are kept, and what is kept.
-FaultyFile ManyFiles() {
-  return {[] { return BuildArchive(std::vector<ArchiveBody>(1001, {"a/b", ""})); }};
-}
-
+// What is kept of 1001 findings.
 std::vector<Found> ManyFindings() {
   std::vector<Found> findings(1000, {"name-unfit", "a/b"});
   findings.push_back({"more-findings", ""});
   return findings;
-}
-
-std::string ProgramWithBrokenSignature() {
-  BuiltImage image;
-  image.sections = {{".text", kCode, "code"}};
-  image.directories[4] = {static_cast<std::uint32_t>(BuildImage(image).size()), 9};
-  return BuildImage(image) + WordBytes(9) + WordBytes(0x00020200) + "x";
 }
 
 // finding_codes_test compares the codes with those in the sources.
@@ -74,7 +62,7 @@ const Row kRows[] = {
     {"no terminator", InArchive(kTerminator, "x"), {{"closing-word", ""}}},
     {"more after the terminator", InArchive(kTerminator + 4, "x"), {{"trailing-bytes", "", kWarning}}},
     {"padding", InBody("marlin_usb.cat", 11519, "x"), {{"padding", "archive A, marlin_usb.cat", kWarning}}},
-    {"more findings than are kept", ManyFiles(), ManyFindings()},
+    {"more findings than are kept", {[] { return BuildArchive(std::vector<ArchiveBody>(1001, {"a/b", ""})); }}, ManyFindings()},
 
     // The list of contents and the files that the installer names.
     {"folder in a name", Renamed("dpinst.exe", "dp\\nst.exe"), {{"name-unfit", "archive B, dp\\nst.exe"}}},
@@ -160,7 +148,7 @@ const Row kRows[] = {
      }), {{"timestamp-broken", "a.cat", kWarning}}},
     {"catalog of other files", Package({}, [](PackageFiles& files) { files["a.cat"] = CatalogOf({"other"}); }),
      {{"catalog-of-other-files", "a.cat", kWarning}, {"not-in-catalog", "a.inf"}, {"not-in-catalog", "a.sys"}}},
-    {"signature of a program", Package({}, [](PackageFiles& files) { files["p.exe"] = ProgramWithBrokenSignature(); }),
+    {"signature of a program", Package({}, [](PackageFiles& files) { files["p.exe"] = WithTable(Program(), "x"); }),
      {{"not-used", "p.exe", kWarning}, {"signature-broken", "p.exe"}}},
 
     // The program.
