@@ -34,6 +34,12 @@ inline std::string Replaced(std::string bytes, std::size_t offset, const std::st
   return bytes.replace(offset, by.size(), by);
 }
 
+inline void ReplaceAll(std::string& text, const std::string& what, const std::string& by) {
+  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
+    text.replace(at, what.size(), by);
+  }
+}
+
 inline std::string Repeated(std::size_t count, const std::string& bytes) {
   std::string whole;
   while (count-- > 0) {

@@ -10,7 +10,6 @@
 
 #include "dpinst/device_families.h"
 #include "dpinst/dpinst_document.h"
-#include "same_text.h"
 #include "test_folder.h"
 #include "windows_facts.h"
 
@@ -76,14 +75,14 @@ TEST(WriteDpinstDocument, WritesVersionAndNameUnchanged) {
   std::FILE* const file = std::fopen((folder / "document").c_str(), "wb");
   kwa::WriteDpinstDocument(file, kOddVersion, kOddName, true);
   std::fclose(file);
-  EXPECT_TRUE(SameText(ReadWholeFile(folder / "document"), expected));
+  EXPECT_EQ(ReadWholeFile(folder / "document"), expected);
 }
 
 TEST(WriteDpinstConfig, ReplacesAnOlderFileAndNeedsItsFolder) {
   const TestFolder folder;
   WriteWholeFile(folder / "dpinst.xml", std::string(100000, 'x'));
   kwa::WriteDpinstConfig(folder.Slashed().c_str(), "02/13/2014,1.0.42.0", "Marlin USB");
-  EXPECT_TRUE(SameText(ReadWholeFile(folder / "dpinst.xml"), ExpectedDocument()));
+  EXPECT_EQ(ReadWholeFile(folder / "dpinst.xml"), ExpectedDocument());
   kwa::WriteDpinstConfig((folder / "missing\\").c_str(), "", "");
   EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"dpinst.xml"});
 }

@@ -1,7 +1,6 @@
 // The commands that look into a file: exit status, options, wording, the lines of an error.
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "installer_image.h"
 #include "pe/built_image.h"
@@ -11,30 +10,23 @@ namespace {
 
 using Look = ToolTest;
 
-TEST_F(Look, List) {
-  const ToolRun run = RunTool({"list", MakeFile("archive", BuildArchive({{"a", "1"}}))});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.errors, "");
-  EXPECT_EQ(run.output,
-            "ARCHIVE  NAME  SIZE  VERSION  CATALOG  KIND\n"
-            "-        a        1                    7-bit ASCII text, no line ends\n\n"
-            "File:              archive\n"
-            "SHA-256:           652392a35ebc0504828eef1dbfccd0b4a9bcef0cb9bc16d6c21b0704f8603572\n"
-            "Package:           none, there is no INF\n");
-}
-
-// The tests of the reports know what is in them.
-TEST_F(Look, Json) {
+// The tests of the reports know what else is in them.
+TEST_F(Look, WritesTheReport) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
-      {{"list", KWA_INSTALLER, "--json"}, "installer"},
-      {{"list", KWA_INSTALLER, "--cyclonedx"}, "bomFormat"},
-      {{"verify", KWA_INSTALLER, "--json"}, "findings"},
-      {{"compare", KWA_INSTALLER, KWA_INSTALLER, "--json"}, "alike"},
+      {{"list"}, "    (who may be trusted, revocation and dates are not judged: that is for Windows)\n"},
+      {{"list", "--json"}, "\"name\": \"kwa_installer.exe\""},
+      {{"list", "--cyclonedx"}, "\"bomFormat\": \"CycloneDX\""},
+      {{"verify", "--json"}, "\"findings\": []"},
+      {{"verify", "--contents", KWA_CONTENTS}, KWA_INSTALLER ": in order\n"},
+      {{"compare", KWA_INSTALLER, "--json"}, "\"alike\": true"},
   };
-  for (const auto& [arguments, key] : cases) {
-    const ToolRun run = RunTool(arguments);
-    EXPECT_EQ(run.status, 0) << run.errors;
-    EXPECT_TRUE(nlohmann::json::parse(run.output).contains(key)) << run.output;
+  for (const auto& [arguments, part] : cases) {
+    std::vector<std::string> all = arguments;
+    all.emplace_back(KWA_INSTALLER);
+    const ToolRun run = RunTool(all);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_NE(run.output.find(part), std::string::npos) << run.output;
   }
 }
 
@@ -75,7 +67,6 @@ TEST_F(Look, Verify) {
     int status;
     std::string output;
   } cases[] = {
-      {{KWA_INSTALLER, "--contents", KWA_CONTENTS}, 0, KWA_INSTALLER ": in order\n"},
       {{warned}, 1, warning},
       {{warned, "--allow-warnings"}, 0, warning},
       {{failed, "--allow-warnings"}, 1, warning + error},
@@ -87,7 +78,6 @@ TEST_F(Look, Verify) {
        "[missing-file]\n"
        "error: archive B, kwa.bmp: is missing [missing-file]\n"},
       {{single, "--contents", KWA_CONTENTS}, 2, ""},
-      {{MakeFile("text", "text")}, 2, ""},
       {{folder / "missing.exe"}, 2, ""},
       {{warned, "--contents", warned}, 2, ""},
   };
@@ -122,24 +112,17 @@ TEST_F(Look, PreviewIsTheExpectedConfiguration) {
 }
 
 TEST_F(Look, ComparePrintsDifferencesAndNothingElse) {
-  const std::string old = MakeFile("old", BuildArchive({{"changed", "a"}, {"gone", "1"}, {"longer", "1"}, {"s", ""}}));
-  const std::string renewed =
-      MakeFile("new", BuildArchive({{"changed", "b"}, {"LONGER", "12"}, {"more", "\r\n"}, {"s", ""}}));
   InstallerImage image;
   const std::size_t inf = image.Find("marlin_usb.inf").bodyPosition;
   image.SetText(image.Bytes().find("\"Marlin USB\"", inf), "\"Vireo +USB\"");
   image.SetText(image.Bytes().find("02/13/2014", inf), "03/01/2014,1.0.43.0");
   const struct {
-    std::string before, after;
+    std::string after;
     int status;
     std::string output;
   } cases[] = {
-      {old, old, 0, ""},
-      {old, renewed, 1,
-       "removed: gone: archive -, 1 bytes, 7-bit ASCII text, no line ends\n"
-       "added: more: archive -, 2 bytes, 7-bit ASCII text, CR LF line ends\n"
-       "changed: changed: text, lines removed: 1, added: 1\nchanged: LONGER: name longer -> LONGER; size 1 -> 2\n"},
-      {KWA_INSTALLER, MakeFile("next.exe", image.Bytes()), 1,
+      {KWA_INSTALLER, 0, ""},
+      {MakeFile("next.exe", image.Bytes()), 1,
        "changed: marlin_usb.inf: in the catalog yes -> NO\n"
        "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0; display name Marlin USB -> Vireo +USB\n"
        "dpinst.xml, 24 times:\n"
@@ -149,10 +132,10 @@ TEST_F(Look, ComparePrintsDifferencesAndNothingElse) {
        "dpinst.xml:\n"
        "  -    <welcomeTitle>Willkommen beim KWA Marlin USB Driver Installer Wizard </welcomeTitle>\n"
        "  +    <welcomeTitle>Willkommen beim KWA Vireo +USB Driver Installer Wizard </welcomeTitle>\n"},
-      {old, folder / "none", 2, ""},
+      {folder / "none", 2, ""},
   };
   for (const auto& test : cases) {
-    const ToolRun run = RunTool({"compare", test.before, test.after});
+    const ToolRun run = RunTool({"compare", KWA_INSTALLER, test.after});
     EXPECT_EQ(run.status, test.status) << run.errors;
     EXPECT_EQ(run.output, test.output);
   }

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "installer_image.h"
+#include <algorithm>
+
+#include "built_archive.h"
 #include "pe/built_image.h"
 #include "pe/pe_resources.h"
 #include "report/bill_of_materials.h"
@@ -36,12 +38,8 @@ std::string Installer(bool isOld) {
   const std::string unsafe = tag + kUnsafe;
   std::string catalog = ReadWholeFile(KWA_FUZZ_CORPUS "/signed_catalog");
   // The signers' names, and a Windows version in UTF-16.
-  const std::string changes[][2] = {{"Tester", tag + "\x1B\x7F\xC2\x9Bz"}, {{"2\0:", 3}, {"\x1B\0\x7F", 3}}};
-  for (const auto& [old, by] : changes) {
-    for (std::size_t at = 0; (at = catalog.find(old, at)) != std::string::npos;) {
-      catalog.replace(at, old.size(), by);
-    }
-  }
+  ReplaceAll(catalog, "Tester", tag + "\x1B\x7F\xC2\x9Bz");
+  ReplaceAll(catalog, {"2\0:", 3}, {"\x1B\0\x7F", 3});
   const std::string version = BuildVersionRecord({{"FileDescription", tag + kUnsafeUtf8},
                                                   {"CompanyName", tag + kUnsafeUtf8},
                                                   {"Configuration", tag + kUnsafeUtf8}});
@@ -58,7 +56,7 @@ std::string Installer(bool isOld) {
                                    {"same" + kUnsafeName, tag},
                                    {tag + kUnsafeName, BuildImage(driver)},
                                    {"c.cat", catalog},
-                                   {(isOld ? "renamed" : "RENAMED") + kUnsafeName, ""}})},
+                                   {(isOld ? "renamed" : "RENAMED") + kUnsafeName, isOld ? "" : "\r\n"}})},
                     {".rdata", kReadOnlyData, BuildArchive(bodies)}};
   AddResource(kwa::kResourceTypeVersion, version, image);
   std::string bytes = BuildImage(image);
@@ -83,6 +81,7 @@ TEST(Report, IsTheExpectedOneWithoutARawText) {
       {"list.txt", kwa::ListText(name, old, 0)},
       {"list_80.txt", kwa::ListText(name, old, 80)},
       {"list.json", kwa::ListJson(name, old)},
+      {"list_archive.txt", kwa::ListText(name, inspections[2], 0)},
       {"list_archive.json", kwa::ListJson(name, inspections[2])},
       {"bill.json", kwa::BillOfMaterials(name, inspections[1])},
       {"compare.txt", kwa::CompareText(comparison)},

@@ -33,7 +33,7 @@ inline FaultyFile InHeader(std::size_t offset, const std::string& bytes) {
 
 // In the last place of a text before the archives, which come last in the file.
 inline FaultyFile InProgram(const std::string& old, const std::string& text) {
-  return Installer([=](InstallerImage& image) { image.SetText(image.Bytes().rfind(old, image.A().position), text); });
+  return Installer([=](InstallerImage& image) { image.SetText(image.Bytes().rfind(old, image.A()), text); });
 }
 
 inline FaultyFile InBody(const char* file, std::size_t offset, const std::string& bytes) {

@@ -48,7 +48,7 @@ const Row kRows[] = {
     {"none, without a list", Unlisted(Installer([](InstallerImage&) {})), {}},
 
     // The archives.
-    {"count", Installer([](InstallerImage& image) { image.SetCount(image.B(), 6); }),
+    {"count", Installer([](InstallerImage& image) { image.SetWord(image.B() + 4, 6); }),
      {{"archive-count", ""}, {"name-not-zero-filled", kArchive}}},
     {"cut off", Installer([](InstallerImage& image) { image.Resize(image.Find("Panorama.exe").bodyPosition + 1000); }),
      {{"truncated", "section .payload"}, {"body-past-end", kArchive}}},
@@ -71,7 +71,7 @@ const Row kRows[] = {
     {"name out of order", Renamed("kwa.bmp", "dwa.bmp"),
      {{"order", "archive B, dwa.bmp", kWarning}, {"unexpected-file", "archive B, dwa.bmp"},
       {"not-used", "archive B, dwa.bmp", kWarning}}},
-    {"size", Installer([](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); }),
+    {"size", Installer([](InstallerImage& image) { image.SetWord(image.Find("eula_en.txt").entryPosition + 260, 4004); }),
      {{"size", "archive B, eula_en.txt"}, {"line-ends", "archive B, eula_en.txt", kWarning}}},
     {"driver of the wrong machine", InCarriedHeader("marlin_usb_64.sys", 4, "\x4C\x01"), 
      {{"kind", "archive A, marlin_usb_64.sys"}, {"driver-machine", "archive A, marlin_usb_64.sys"}}},
@@ -175,7 +175,7 @@ const Row kRows[] = {
     {"version record", InProgram(Utf16("VS_VERSION_INFO"), Utf16("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
     // The number is 16 bytes after the signature of the fixed part.
     {"product version",
-     Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE", image.A().position) + 18, "\x02"); }),
+     Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE", image.A()) + 18, "\x02"); }),
      {{"versions-differ", "executable, version record"}}},
     {"version text", InProgram(kVersionText + Utf16("1.0"), kVersionText + Utf16("1.") + Utf16({0})),
      {{"versions-differ", "executable, version record"}}},
