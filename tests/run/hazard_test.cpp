@@ -72,7 +72,7 @@ TEST_F(Hazard, UnquotedCommandLineStartsAPlantedProgram) {
 // at this file, and does not delete the files after it.
 TEST_F(Hazard, LockedForeignFileStaysBesideDpinst) {
   folder.MakeFolder("temp\\kwa");
-  const LockedFile lock = Lock(work + "\\zz_planted.dll");
+  const auto lock = Lock(work + "\\zz_planted.dll");
   const RunResult result = Run();
   EXPECT_EQ(result.exitStatus, 0U);
   EXPECT_EQ(result.files.size(), ExpectedFiles("").size() + 1);
@@ -81,7 +81,7 @@ TEST_F(Hazard, LockedForeignFileStaysBesideDpinst) {
 
 TEST_F(Hazard, LockedPayloadFileEndsTheRunSilently) {
   folder.MakeFolder("temp\\kwa");
-  const LockedFile lock = Lock(work + "\\marlin_usb.sys");
+  const auto lock = Lock(work + "\\marlin_usb.sys");
   const RunResult result = Run();
   EXPECT_EQ(result.exitStatus, 0U);
   EXPECT_TRUE(result.report.is_null());

@@ -14,7 +14,7 @@ struct ArchiveBody {
 };
 
 // A number as four or as two little-endian bytes.
-inline std::string WordBytes(std::uint32_t word) {
+inline std::string WordBytes(std::size_t word) {
   std::string bytes;
   for (int i = 0; i < 4; ++i) {
     bytes += static_cast<char>(word >> (8 * i) & 0xFF);
@@ -22,11 +22,11 @@ inline std::string WordBytes(std::uint32_t word) {
   return bytes;
 }
 
-inline std::string HalfBytes(std::uint32_t half) {
+inline std::string HalfBytes(std::size_t half) {
   return WordBytes(half).substr(0, 2);
 }
 
-inline void PutWord(std::string& bytes, std::size_t offset, std::uint32_t word) {
+inline void PutWord(std::string& bytes, std::size_t offset, std::size_t word) {
   bytes.replace(offset, 4, WordBytes(word));
 }
 
@@ -50,7 +50,7 @@ inline std::string Repeated(std::size_t count, const std::string& bytes) {
 
 // An archive with its terminator, the zero word.
 inline std::string BuildArchive(const std::vector<ArchiveBody>& bodies) {
-  std::string archive = "KWAP" + WordBytes(static_cast<std::uint32_t>(bodies.size()));
+  std::string archive = "KWAP" + WordBytes(bodies.size());
   for (const ArchiveBody& body : bodies) {
     archive += body.name + std::string(260 - body.name.size(), '\0') + WordBytes(body.size);
   }

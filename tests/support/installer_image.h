@@ -51,7 +51,7 @@ class InstallerImage {
 
   // Overwrites bytes.
   void SetText(std::size_t position, const std::string& text) { bytes.replace(position, text.size(), text); }
-  void SetWord(std::size_t position, std::uint32_t word) { SetText(position, WordBytes(word)); }
+  void SetWord(std::size_t position, std::size_t word) { SetText(position, WordBytes(word)); }
 
   // Overwrites the name of an entry, or a body, with zeros up to its end.
   void SetName(const EmbeddedFile& file, std::string name) {

@@ -29,6 +29,7 @@ class TemporaryFolder {
 
   // Without a separator at the end.
   const std::string& Path() const { return path; }
+  // A name of "" gives the folder with the separator.
   std::string operator/(const std::string& name) const { return (std::filesystem::path(path) / name).string(); }
 
   // Creates a folder in this folder, with its parents, and returns its path.

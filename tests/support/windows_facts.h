@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <memory>
+
 #include "built_archive.h"
 #include "temporary_folder.h"
 
@@ -34,4 +36,9 @@ inline std::string ExpectedDocument(bool legacyMode = WindowsMajorVersion() <= 5
     ReplaceAll(document, kBefore, std::string(kBefore) + "  <legacyMode/>\r\n");
   }
   return document;
+}
+
+// An open file that no other program can open or delete.
+inline std::shared_ptr<void> Lock(const std::string& path) {
+  return {CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr), CloseHandle};
 }

@@ -60,7 +60,6 @@ TEST(FindArchives, DistinguishesSoundAndBroken) {
   } kDamages[] = {
       {3, "\x01", ""},
       {record(0), "\n", ""},
-      {4, WordBytes(4), "name-not-zero-filled: "},
       {record(1) - 4, WordBytes(0x80000000), "size-too-large: dpinst.exe"},
       {record(3) - 4, WordBytes(999), "body-past-end: last"},
   };

@@ -43,12 +43,12 @@ std::string Installer(bool isOld) {
   const std::string version = BuildVersionRecord({{"FileDescription", tag + kUnsafeUtf8},
                                                   {"CompanyName", tag + kUnsafeUtf8},
                                                   {"Configuration", tag + kUnsafeUtf8}});
-  std::vector<ArchiveBody> bodies = {{"abc.txt", "abc"}, {"b", ""}, {isOld ? "a" : "DPInst.exe", "MZ"}};
+  BuiltImage driver;
+  AddResource(kwa::kResourceTypeVersion, version, driver);
+  std::vector<ArchiveBody> bodies = {{"abc.txt", "abc"}, {"b", ""}, {isOld ? "a" : "DPInst.exe", BuildImage(driver)}};
   if (!isOld) {
     std::swap(bodies[0], bodies[1]);
   }
-  BuiltImage driver;
-  AddResource(kwa::kResourceTypeVersion, version, driver);
   BuiltImage image;
   image.sections = {{".data", kWritableData, BuildArchive({{"writable", "1"}})},
                     {isOld ? ".rdata" : "\x1B\x7F\xC2\x9B", kReadOnlyData,

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <set>
 
-#include "built_archive.h"
-#include "built_image.h"
 #include "program.h"
 #include "trust/built_signature.h"
 #include "trust/catalog.h"
@@ -14,8 +12,6 @@
 
 namespace {
 
-constexpr char kSha1[] = "1.3.14.3.2.26";
-constexpr char kSha256[] = "2.16.840.1.101.3.4.2.1";
 constexpr char kMd2[] = "1.2.840.113549.2.2";
 constexpr char kMd5[] = "1.2.840.113549.2.5";
 
@@ -105,9 +101,9 @@ TEST(Trust, CatalogCovers) {
 }
 
 TEST(Trust, NamesAndWindowsInCatalogs) {
-  const std::string fourElements = NameValue("File", "b.Inf", Der(V_ASN1_INTEGER, "\1"));
+  const std::string manyElements = NameValue("File", "b.Inf", Repeated(100, Der(V_ASN1_INTEGER, "\1")));
   const std::string file =
-      BuildCatalog(2, Member("tag", fourElements + NameValue("File", "A.sys") + NameValue("OSAttr", "2:6.0")));
+      BuildCatalog(2, Member("tag", manyElements + NameValue("File", "A.sys") + NameValue("OSAttr", "2:6.0")));
   const kwa::Catalog catalog = kwa::ReadCatalog(kwa::ByteSpan(file)).value();
   EXPECT_EQ((std::set<std::string>{"A.SYS", "B.INF"}), catalog.fileNames);
   EXPECT_EQ(std::set<std::string>{"2:6.0"}, catalog.windows);

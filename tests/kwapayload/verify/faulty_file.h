@@ -26,9 +26,12 @@ inline FaultyFile Installer(const std::function<void(InstallerImage&)>& change) 
   }};
 }
 
-// The offset counts from the program's "PE" signature.
-inline FaultyFile InHeader(std::size_t offset, const std::string& bytes) {
-  return Installer([=](InstallerImage& image) { image.SetText(image.Word(0x3C) + offset, bytes); });
+// The offset counts from the "PE" signature of the installer, or of a program of the payload.
+inline FaultyFile InHeader(std::size_t offset, const std::string& bytes, const char* carried = nullptr) {
+  return Installer([=](InstallerImage& image) {
+    const std::size_t program = carried == nullptr ? 0 : image.Find(carried).bodyPosition;
+    image.SetText(program + image.Word(program + 0x3C) + offset, bytes);
+  });
 }
 
 // In the last place of a text before the archives, which come last in the file.
@@ -51,14 +54,6 @@ inline FaultyFile Renamed(const char* file, const std::string& name) {
   return Installer([=](InstallerImage& image) { image.SetName(image.Find(file), name); });
 }
 
-// The same as InHeader, in a program of the payload.
-inline FaultyFile InCarriedHeader(const char* file, std::size_t offset, const std::string& bytes) {
-  return Installer([=](InstallerImage& image) {
-    const std::size_t body = image.Find(file).bodyPosition;
-    image.SetText(body + image.Word(body + 0x3C) + offset, bytes);
-  });
-}
-
 // The resources of a type get another number for the type, or the first of them for its name.
 enum class ResourceNumber { Type, Name };
 inline FaultyFile InResources(std::uint32_t type, ResourceNumber which, std::uint32_t number) {
@@ -72,9 +67,9 @@ inline FaultyFile InResources(std::uint32_t type, ResourceNumber which, std::uin
 }
 
 // A signature of 8 bytes after some padding.
-inline FaultyFile WithSignature(std::uint32_t padding) {
+inline FaultyFile WithSignature(std::size_t padding) {
   return Installer([=](InstallerImage& image) {
-    const auto size = static_cast<std::uint32_t>(image.Bytes().size());
+    const std::size_t size = image.Bytes().size();
     image.SetText(image.Word(0x3C) + 152, WordBytes(size + padding) + WordBytes(8));
     image.Resize(size + padding + 8);
   });
