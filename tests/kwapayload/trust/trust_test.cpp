@@ -56,7 +56,7 @@ std::string EmbeddedIn(const std::string& program) {
 TEST(Trust, CatalogCovers) {
   const std::string text = "[Version]\r\n";
   const std::string hexTag = Utf16("39488A95FF3BD1C8E34DC7B728BB935F5032E1EE") + std::string(2, '\0');
-  const std::string program = Program(21);
+  const std::string program = Program(17);
   const std::string fewDirectories = Program(24, 4);
   const std::string damaged = program.substr(0, kSecurityEntry);
   std::string withoutCheckSum = fewDirectories;
@@ -198,7 +198,7 @@ TEST(Trust, EmbeddedSignatures) {
       {program, ""},
       {"no program", ""},
       {good, "Tester: \n"},
-      {Signed(Program(21)), "Tester: \n"},
+      {Signed(Program(17)), "Tester: \n"},
       {with(kCheckSum, 0x12345678), "Tester: \n"},
       {WithTable(program, signature + "stuffed"), "Tester: \n"},
       {with(program.size() - 4, 0x12345678), kChanged},
