@@ -101,7 +101,7 @@ TEST_F(Look, Verify) {
 
 // The Windows tests hold the installer's own writer to the same configuration, and to the preview for many INFs.
 TEST_F(Look, PreviewIsTheExpectedConfiguration) {
-  const std::string expected = ReadWholeFile(KWA_EXPECTED_DOCUMENT);
+  const std::string expected = ReadWholeFile(KWA_SOURCES "/tests/expected/dpinst.xml");
   std::string legacy = expected;
   const std::string flag = "  <forceIfDriverIsNotBetter/>\r\n";
   legacy.insert(legacy.find(flag) + flag.size(), "  <legacyMode/>\r\n");

@@ -36,7 +36,7 @@ std::string Inf(const std::string& day, const std::string& unsafe) {
 std::string Installer(bool isOld) {
   const std::string tag = isOld ? "1" : "2";
   const std::string unsafe = tag + kUnsafe;
-  std::string catalog = ReadWholeFile(KWA_FUZZ_CORPUS "/signed_catalog");
+  std::string catalog = ReadWholeFile(KWA_SOURCES "/tests/fuzz/corpus/signed_catalog");
   // The signers' names, and a Windows version in UTF-16.
   ReplaceAll(catalog, "Tester", tag + "\x1B\x7F\xC2\x9Bz");
   ReplaceAll(catalog, {"2\0:", 3}, {"\x1B\0\x7F", 3});
@@ -91,7 +91,7 @@ TEST(Report, IsTheExpectedOneWithoutARawText) {
       {"verify.json", kwa::VerifyJson(name, verification)},
   };
   for (const auto& [file, report] : reports) {
-    const std::string expected = KWA_EXPECTED_REPORTS + std::string("/") + file;
+    const std::string expected = KWA_SOURCES "/tests/kwapayload/report/expected/" + std::string(file);
     if (!std::filesystem::exists(expected) || report != ReadWholeFile(expected)) {
       WriteWholeFile(file, report);
       ADD_FAILURE() << "not the expected report: compare " << expected << " with "

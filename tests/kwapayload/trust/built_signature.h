@@ -48,7 +48,7 @@ struct SignedParts {
 };
 
 inline const kwa::Signer& SampleSigner() {
-  static const kwa::Signer signer = kwa::ReadSigner(KWA_SIGNER);
+  static const kwa::Signer signer = kwa::ReadSigner(KWA_SOURCES "/tools/sample/files/signer.pem");
   return signer;
 }
 
