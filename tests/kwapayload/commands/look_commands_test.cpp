@@ -46,6 +46,9 @@ TEST_F(Look, FilesThatAreNoInstallers) {
   }
   EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"file"});
   ExpectFailure({"list", MakeFile("empty", "")}, {"empty: is neither an installer nor a payload archive"});
+  MakeFile("package/a.inf", "");
+  ExpectFailure({"compare", KWA_INSTALLER, folder / "package"},
+                {"package: is a folder, not an installer or payload archive"});
   ExpectFailure({"list", folder / "none"}, {"none: cannot be read: No such file or directory"});
   ExpectFailure({"list", folder / "."},
                 {".: is neither a payload folder with a and b nor the folder of a driver package with an INF"});
@@ -78,6 +81,7 @@ TEST_F(Look, Verify) {
        "[missing-file]\n"
        "error: archive B, kwa.bmp: is missing [missing-file]\n"},
       {{single, "--contents", KWA_CONTENTS}, 2, ""},
+      {{MakeFile("text", "text")}, 2, ""},
       {{folder / "missing.exe"}, 2, ""},
       {{warned, "--contents", warned}, 2, ""},
   };
