@@ -9,7 +9,6 @@
 #include <optional>
 
 #include "installer_image.h"
-#include "test_folder.h"
 
 struct RunResult {
   DWORD exitStatus = 0;
@@ -35,7 +34,7 @@ class InstallerRun : public testing::Test {
   // Runs a changed copy.
   RunResult RunChanged(const InstallerImage& image);
 
-  const TestFolder folder{};
+  const TemporaryFolder folder{};
   const std::string temp = folder.MakeFolder("temp");
   const std::string reports = folder.MakeFolder("reports");
   const std::string current = folder.MakeFolder("current");

@@ -10,8 +10,6 @@
 
 #include "dpinst/device_families.h"
 #include "dpinst/dpinst_document.h"
-#include "same_text.h"
-#include "test_folder.h"
 #include "windows_facts.h"
 
 namespace {
@@ -50,7 +48,7 @@ const struct {
 
 TEST(WriteDeviceList, WritesTheFamilyAndTheVersion) {
   constexpr char kVersion[] = "%s 02/13/2014,1.0.42.0 <\xC3\xA4\xE4>";
-  const TestFolder folder;
+  const TemporaryFolder folder;
   for (const auto& expected : kCases) {
     for (const int german : {0, 1}) {
       std::FILE* const file = std::fopen((folder / "list").c_str(), "wb");
@@ -72,18 +70,18 @@ TEST(WriteDpinstDocument, WritesVersionAndNameUnchanged) {
   ReplaceAll(expected, kUsb, kVireo);
   ReplaceAll(expected, "Marlin USB", kOddName);
   ReplaceAll(expected, "02/13/2014,1.0.42.0", kOddVersion);
-  const TestFolder folder;
+  const TemporaryFolder folder;
   std::FILE* const file = std::fopen((folder / "document").c_str(), "wb");
   kwa::WriteDpinstDocument(file, kOddVersion, kOddName, true);
   std::fclose(file);
-  EXPECT_TRUE(SameText(ReadWholeFile(folder / "document"), expected));
+  EXPECT_EQ(ReadWholeFile(folder / "document"), expected);
 }
 
 TEST(WriteDpinstConfig, ReplacesAnOlderFileAndNeedsItsFolder) {
-  const TestFolder folder;
+  const TemporaryFolder folder;
   WriteWholeFile(folder / "dpinst.xml", std::string(100000, 'x'));
-  kwa::WriteDpinstConfig(folder.Slashed().c_str(), "02/13/2014,1.0.42.0", "Marlin USB");
-  EXPECT_TRUE(SameText(ReadWholeFile(folder / "dpinst.xml"), ExpectedDocument()));
+  kwa::WriteDpinstConfig((folder / "").c_str(), "02/13/2014,1.0.42.0", "Marlin USB");
+  EXPECT_EQ(ReadWholeFile(folder / "dpinst.xml"), ExpectedDocument());
   kwa::WriteDpinstConfig((folder / "missing\\").c_str(), "", "");
   EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"dpinst.xml"});
 }

@@ -10,7 +10,7 @@
 
 #include "archive/payload_archive.h"
 #include "built_archive.h"
-#include "test_folder.h"
+#include "windows_facts.h"
 
 namespace kwa {
 
@@ -47,7 +47,7 @@ class ExtractArchive : public testing::Test {
   }
 
   kwa::ArchiveResult Extract(std::int32_t index = 0) {
-    return kwa::ExtractArchive(folder.Slashed().c_str(), &kNoteAll, index);
+    return kwa::ExtractArchive((folder / "").c_str(), &kNoteAll, index);
   }
 
   Files Extracted() {
@@ -58,7 +58,7 @@ class ExtractArchive : public testing::Test {
     return files;
   }
 
-  const TestFolder folder{};
+  const TemporaryFolder folder{};
   std::vector<std::uint32_t> words[2];
 };
 
@@ -122,7 +122,7 @@ TEST_F(ExtractArchive, ThrowsWhenTheTableIsTooLong) {
 }
 
 TEST_F(ExtractArchive, EndsAtAFileThatCannotBeOpened) {
-  const LockedFile lock = Lock(folder / "locked");
+  const auto lock = Lock(folder / "locked");
   for (const std::string name : {"locked", "missing\\second", "sec*nd", ""}) {
     Install(BuildArchive({{"first", "1"}, {name, "2"}, {"third", "3"}}));
     EXPECT_EQ(Extract(), kwa::ArchiveExtractFailed);

@@ -11,7 +11,7 @@
 #include "dpinst/package_identity.h"
 #include "inf/inf_cases.h"
 #include "package/package_identity.h"
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -52,9 +52,9 @@ Identity ReadIdentity(const std::string& workFolder) {
 // Each INF has a folder of its own, because Windows caches the contents of a file by its name.
 void ExpectTheSame(const std::string& inf) {
   SCOPED_TRACE(testing::PrintToString(inf.substr(0, 300)));
-  const TestFolder folder;
+  const TemporaryFolder folder;
   WriteWholeFile(folder / "random.inf", inf);
-  const auto [version, displayName] = ReadIdentity(folder.Slashed());
+  const auto [version, displayName] = ReadIdentity(folder / "");
   const kwa::PackageIdentity identity = kwa::ReadHostPackageIdentity(kwa::InfText(kwa::ByteSpan(inf)));
   EXPECT_EQ(identity.version.text, version);
   EXPECT_EQ(identity.displayName.text, displayName);
@@ -75,9 +75,9 @@ TEST(HostInfReader, ReadsWhatThePlatformReads) {
 }
 
 TEST(ReadPackageIdentity, ReadsTheFirstInfListed) {
-  const TestFolder folder;
+  const TemporaryFolder folder;
   WriteWholeFile(folder / "no_inf.txt", "[Version]\r\nDriverVer = text\r\n");
-  for (const std::string& workFolder : {folder.Slashed(), folder / "missing\\", std::string()}) {
+  for (const std::string& workFolder : {folder / "", folder / "missing\\", std::string()}) {
     EXPECT_EQ(ReadIdentity(workFolder), Identity()) << workFolder;
   }
   for (const std::string name : {"b.inf", "a.inf", "c.INF"}) {
@@ -85,7 +85,7 @@ TEST(ReadPackageIdentity, ReadsTheFirstInfListed) {
   }
   WIN32_FIND_DATAA first = {};
   FindClose(FindFirstFileA((folder / "*.inf").c_str(), &first));
-  EXPECT_EQ(ReadIdentity(folder.Slashed()), Identity(first.cFileName, ""));
+  EXPECT_EQ(ReadIdentity(folder / ""), Identity(first.cFileName, ""));
 }
 
 // With a buffer of 260 bytes: the whole path fits; only the path with "*.inf" fits; neither fits.
@@ -96,9 +96,9 @@ TEST(ReadPackageIdentity, IsEmptyWhenThePathDoesNotFit) {
     const char* version;
   } cases[] = {{245, "marlin_usb.inf", "1"}, {246, "marlin_usb.inf", ""}, {255, "i.inf", ""}};
   for (const auto& expected : cases) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const std::string workFolder =
-        folder.MakeFolder(std::string(expected.folderLength - folder.Slashed().size() - 1, 'n')) + "\\";
+        folder.MakeFolder(std::string(expected.folderLength - (folder / "").size() - 1, 'n')) + "\\";
     // A path that is longer than the limit of Windows needs this prefix.
     WriteWholeFile("\\\\?\\" + workFolder + expected.name, "[Version]\r\nDriverVer = 1\r\n");
     EXPECT_EQ(ReadIdentity(workFolder).first, expected.version) << expected.folderLength;

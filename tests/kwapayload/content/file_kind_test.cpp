@@ -9,10 +9,6 @@
 
 namespace {
 
-std::string Image(bool isPlus, std::uint16_t machine, std::uint16_t subsystem, std::uint16_t characteristics) {
-  return BuildImage({isPlus, machine, characteristics, subsystem, {}, {}});
-}
-
 std::string Bitmap(std::uint32_t width, std::uint32_t height, std::uint32_t bits, std::uint32_t compression) {
   std::string file = "BM" + std::string(12, '\0') + WordBytes(40) + WordBytes(width) + WordBytes(height);
   file += WordBytes(1 | bits << 16) + WordBytes(compression);
@@ -26,10 +22,10 @@ TEST(FileKind, ByTheFilesOwnBytes) {
       "BM" + std::string(12, '\0') + WordBytes(12) + WordBytes(51 | 305 << 16) + WordBytes(1 | 24 << 16);
   const std::string byteOrderMark = "\xEF\xBB\xBF";
   const std::pair<std::string, const char*> kCases[] = {
-      {Image(true, 0xAA64, 3, 0x22), "PE32+, ARM64, Windows console program"},
-      {Image(true, 0x200, 1, 0x2022), "PE32+, Itanium, native DLL"},
-      {Image(false, 0x1C4, 9, 0x22), "PE32, ARM, subsystem 9"},
-      {Image(false, 0x166, 2, 0x22), "PE32, machine 358, Windows GUI program"},
+      {BuildImage({true, 0xAA64, 0x22, 3}), "PE32+, ARM64, Windows console program"},
+      {BuildImage({true, 0x200, 0x2022, 1}), "PE32+, Itanium, native DLL"},
+      {BuildImage({false, 0x1C4, 0x22, 9}), "PE32, ARM, subsystem 9"},
+      {BuildImage({false, 0x166, 0x22, 2}), "PE32, machine 358, Windows GUI program"},
       {"MZ", "DOS program"},
       {signedData, "PKCS #7 signed data"},
       {signedData.substr(0, 16), "unknown data"},

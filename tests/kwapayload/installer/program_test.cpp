@@ -27,19 +27,19 @@ std::string Installer(const Parts& parts) {
   std::string payload = archives + parts.afterArchives;
   payload.resize((payload.size() + 511) / 512 * 512);
   const std::string addressA = WordBytes(0x400000 + SectionAddress(3));
-  const std::string addressB = WordBytes(0x400000 + SectionAddress(3) + static_cast<std::uint32_t>(archiveA.size()));
+  const std::string addressB = WordBytes(0x400000 + SectionAddress(3) + archiveA.size());
   BuiltImage image;
   image.subsystem = parts.subsystem;
   image.sections = {
       {".text", kCode, (parts.areSwapped ? addressB + addressA : addressA + addressB) + parts.code},
       {".rdata", kReadOnlyData, "c"},
       {".reloc", 0x42000040, WordBytes(SectionAddress(0)) + WordBytes(12) + std::string("\0\x30\4\x30", 4)},
-      {".payload", kReadOnlyData, payload, static_cast<std::uint32_t>(archives.size()) + parts.moreMemory}};
+      {".payload", kReadOnlyData, payload, archives.size() + parts.moreMemory}};
   image.directories[kwa::kPeBaseRelocationDirectory] = {SectionAddress(2), 12};
   std::string bytes = BuildImage(image);
   if (parts.isSigned) {
     bytes += parts.beforeSignature;
-    image.directories[kwa::kPeSecurityDirectory] = {static_cast<std::uint32_t>(bytes.size()), 16};
+    image.directories[kwa::kPeSecurityDirectory] = {bytes.size(), 16};
     bytes = BuildImage(image) + parts.beforeSignature + WordBytes(16) + "a signature.";
   }
   return bytes + parts.atEnd;

@@ -1,11 +1,8 @@
-// Reports of hand-made files: the facts in them, and that no text of a file reaches a terminal or a document raw.
+// The reports of files with hostile texts wherever a file can have them, compared with those in expected/.
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-#include <regex>
-#include <set>
-#include <sstream>
+#include <algorithm>
 
 #include "built_archive.h"
 #include "pe/built_image.h"
@@ -14,183 +11,112 @@
 #include "report/json_report.h"
 #include "report/list_report.h"
 #include "report/text_report.h"
-#include "verify/faulty_file.h"
+#include "report/words.h"
+#include "temporary_folder.h"
 #include "verify/verification.h"
 
 namespace {
 
-using nlohmann::json;
-
-// SHA-256 of "abc" and of no bytes, from FIPS 180-4 and its examples.
-const char kDigestOfAbc[] = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
-const char kDigestOfNothing[] = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
-
-const std::string kInf = "[Version]\r\nDriverVer=1,2\r\nDriverPackageDisplayName=\"Vireo One\"\r\n";
-
-std::string DriverImage(const std::map<std::string, std::string>& texts) {
-  return BuildResourceImage(kwa::kResourceTypeVersion, BuildVersionRecord(texts));
-}
-
-// An installer with sections of this data, of which the first comes last in the table of sections.
-std::string InstallerOf(const std::vector<std::string>& readOnlyData, const char* firstName = ".rdata") {
-  BuiltImage image;
-  image.sections = {{".data", kWritableData, BuildArchive({{"writable", "1"}})}};
-  for (const std::string& data : readOnlyData) {
-    image.sections.push_back({image.sections.size() == 1 ? firstName : ".rdata", kReadOnlyData, data});
-  }
-  std::string bytes = BuildImage(image);
-  const std::size_t first = bytes.find(".data") + 40;
-  const std::size_t last = bytes.find(".data") + 40 * readOnlyData.size();
-  const std::string header = bytes.substr(first, 40);
-  bytes.replace(first, 40, bytes.substr(last, 40));
-  return bytes.replace(last, 40, header);
-}
-
-const std::string kDriver = DriverImage({{"CompanyName", "KWA"}, {"FileDescription", "Driver"}});
-const std::string kArchiveA = BuildArchive({{"driver.inf", kInf}, {"driver.sys", kDriver}, {"empty", ""}});
-const std::string kArchiveB = BuildArchive({{"abc.txt", "abc"}, {"DPInst.exe", "MZ"}});
-
-// Points into the bytes.
-kwa::Inspection Inspection(const std::string& bytes) {
-  return kwa::Inspect(kwa::ReadInstallerFile(kwa::ByteSpan(bytes)).value());
-}
-
-void ExpectPart(const std::string& text, const std::string& part) {
-  EXPECT_NE(std::string::npos, text.find(part)) << text;
-}
-
-void ExpectFields(const json& object, const char* fields) {
-  const json expected = json::parse(fields);
-  for (const auto& [key, value] : expected.items()) {
-    EXPECT_EQ(value, object.value(key, json("missing"))) << key;
-  }
-}
-
-TEST(Report, ListOfAnInstaller) {
-  const std::string bytes = InstallerOf({kArchiveA, kArchiveB});
-  const kwa::Inspection inspection = Inspection(bytes);
-  const std::string text = kwa::ListText("a.exe", inspection, 0);
-  ExpectPart(text,
-             "ARCHIVE  NAME        SIZE  VERSION  CATALOG  KIND\n"
-             "A        driver.inf    64                    7-bit ASCII text, CR LF line ends\n"
-             "A        driver.sys   848  1.2.3.4           PE32, x86, Windows GUI program\n");
-  ExpectPart(text, "\nPackage:           driver.inf\nVersion:           1,2\nDisplay name:      Vireo One\n");
-  ExpectPart(text, "\nDevices:           Vireo Series (G-16, J1, 7101, 7102, Plover, Dunlin, Gannet), Vireoe ");
-  ExpectPart(text, "\nDevices (German):  Vireo Serie (");
-
-  std::istringstream lines(kwa::ListText("a.exe" + std::string(100, ' '), inspection, 80));
-  for (std::string line; std::getline(lines, line);) {
-    EXPECT_LE(line.size(), 80U) << line;
-  }
-
-  const json list = json::parse(kwa::ListJson("a.exe", inspection));
-  ASSERT_EQ(5U, list["files"].size());
-  EXPECT_EQ(true, list["installer"]);
-  EXPECT_EQ(kDriver, bytes.substr(list["files"][1]["fileOffset"], list["files"][1]["size"]));
-  ExpectFields(list["files"][1], R"({"archive": "A", "name": "driver.sys", "kind": "PE32, x86, Windows GUI program",
-      "version": "1.2.3.4", "description": "Driver", "company": "KWA", "inCatalog": null, "catalog": null})");
-  ExpectFields(list["files"][3], R"({"archive": "B", "name": "abc.txt", "position": 536, "size": 3, "version": null,
-      "kind": "7-bit ASCII text, no line ends", "description": null, "company": null})");
-  EXPECT_EQ(kDigestOfAbc, list["files"][3]["sha256"]);
-  EXPECT_EQ(kDigestOfNothing, list["files"][2]["sha256"]);
-  ExpectFields(list["package"], R"({"inf": "driver.inf", "version": "1,2", "displayName": "Vireo One",
-      "family": "Vireo"})");
-  EXPECT_EQ("Vireoe Serie (Y2", list["package"]["germanDevices"][7]);
-  const json inArchive = json::parse(kwa::ListJson("", Inspection(kArchiveA)))["files"][1];
-  EXPECT_EQ(inArchive["position"], inArchive["fileOffset"]);
-}
-
-TEST(Report, BillOfMaterials) {
-  const std::string bytes = InstallerOf({kArchiveA, kArchiveB});
-  const auto bill = [](const std::string& name, const std::string& file) {
-    return json::parse(kwa::BillOfMaterials(name, Inspection(file)));
-  };
-  const json document = bill("a.exe", bytes);
-  ExpectFields(document, R"({"bomFormat": "CycloneDX", "specVersion": "1.6", "version": 1})");
-  ExpectFields(document["metadata"]["component"], R"({"type": "application", "name": "a.exe", "version": "missing"})");
-  EXPECT_EQ(document["metadata"]["component"]["hashes"][0]["content"],
-            json::parse(kwa::ListJson("", Inspection(bytes)))["file"]["sha256"]);
-  ExpectFields(document["components"][3], R"({"type": "file", "name": "abc.txt", "supplier": "missing", "properties": [
-      {"name": "kwapayload:archive", "value": "B"}, {"name": "kwapayload:size", "value": "3"},
-      {"name": "kwapayload:kind", "value": "7-bit ASCII text, no line ends"}]})");
-  EXPECT_EQ(document["components"][3]["hashes"], (json{{{"alg", "SHA-256"}, {"content", kDigestOfAbc}}}));
-  ExpectFields(document["components"][1], R"({"type": "application", "name": "driver.sys", "version": "1.2.3.4",
-      "supplier": {"name": "KWA"}, "description": "Driver"})");
-  ExpectFields(document["components"][4], R"({"name": "DPInst.exe", "supplier": "missing"})");  // unsigned
-  // The number is that of name and content.
-  std::set<json> numbers;
-  for (const json& one : {document, bill("a.exe", bytes), bill("b.exe", bytes), bill("a.exe", kArchiveA)}) {
-    numbers.insert(one["serialNumber"]);
-  }
-  EXPECT_EQ(3U, numbers.size());
-  EXPECT_TRUE(std::regex_match(document["serialNumber"].get<std::string>(),
-                               std::regex("urn:uuid:.{8}-.{4}-8.{3}-[89ab].{3}-.{12}")));
-}
-
 // Escape, DEL, a C1 control, an override of the direction, and a byte that is not UTF-8.
 const std::string kUnsafe = "\x1B[2J\x7F\xC2\x9B\xE2\x80\xAE\xFF\\";
-const std::string kUnsafeName = kUnsafe.substr(4);  // archives with controls in names are not sound
-const std::string kEscapedName = R"(\x7F\xC2\x9B\xE2\x80\xAE\xFF\\)";
-const std::string kEscaped = R"(\x1B[2J)" + kEscapedName;
+const std::string kUnsafeName = kUnsafe.substr(4);                      // archives with controls in names are not sound
+const std::string kUnsafeUtf8 = kUnsafe.substr(0, kUnsafe.size() - 2);  // UTF-16 cannot hold a byte that is not UTF-8
 
-// What the reports say about a file with such texts wherever a file can have them.
-std::string UnsafeFile(char tag) {
+std::string Inf(const std::string& day, const std::string& unsafe) {
+  const std::string windows = "NTamd64." + unsafe;
+  std::string inf = "[Version]\nSignature=\"$Chicago$\"\nCatalogFile=c.cat\nDriverVer=01/" + day + "/2020,1 ;" +
+                    unsafe + "\nDriverPackageDisplayName=Vireo" + unsafe + ".\n[Manufacturer]\nk=M," + windows +
+                    ",NTx86\n[M.NTx86]\nd=I,x" + day + "\n[M." + windows + "]\n";
+  for (int i = 0; i < 11; ++i) {
+    inf += "d=I," + unsafe + std::to_string(i) + "\n";
+  }
+  return inf;
+}
+
+// Two states of an installer. The archive in writable data is none of its own.
+std::string Installer(bool isOld) {
+  const std::string tag = isOld ? "1" : "2";
   const std::string unsafe = tag + kUnsafe;
-  // UTF-16 cannot hold a byte that is not UTF-8.
-  const std::string record = kUnsafe.substr(0, kUnsafe.size() - 2);
-  std::string catalog = CatalogOf({"other"});
-  for (std::size_t at = 0; (at = catalog.find("Tester", at)) != std::string::npos;) {
-    catalog.replace(at, 6, tag + std::string("\x1B\x7F\xC2\x9Bz"));
+  std::string catalog = ReadWholeFile(KWA_SOURCES "/tests/fuzz/corpus/signed_catalog");
+  // The signers' names, and a Windows version in UTF-16.
+  ReplaceAll(catalog, "Tester", tag + "\x1B\x7F\xC2\x9Bz");
+  ReplaceAll(catalog, {"2\0:", 3}, {"\x1B\0\x7F", 3});
+  const std::string version = BuildVersionRecord({{"FileDescription", tag + kUnsafeUtf8},
+                                                  {"CompanyName", tag + kUnsafeUtf8},
+                                                  {"Configuration", tag + kUnsafeUtf8}});
+  BuiltImage driver;
+  AddResource(kwa::kResourceTypeVersion, version, driver);
+  std::vector<ArchiveBody> bodies = {{"abc.txt", "abc"}, {"b", ""}, {isOld ? "a" : "DPInst.exe", BuildImage(driver)}};
+  if (!isOld) {
+    std::swap(bodies[0], bodies[1]);
   }
-  return InstallerOf(
-      {BuildArchive(
-           {{"a" + kUnsafeName + ".inf", "[Version]\r\nSignature=\"$Chicago$\"\r\nCatalogFile=c.cat\r\nDriverVer=" +
-                                             unsafe + "\r\nDriverPackageDisplayName=Vireo" + unsafe + "\r\n"},
-            {"same" + kUnsafeName, std::string(1, tag)},
-            {std::string(1, tag) + kUnsafeName, DriverImage({{"FileDescription", record}, {"CompanyName", record}})},
-            {"c.cat", catalog},
-            {(tag == '1' ? "renamed" : "RENAMED") + kUnsafeName, ""}}),
-       BuildArchive({{"b", "b"}})},
-      tag == '2' ? "\x1B\x7F\xC2\x9B" : ".rdata");
+  BuiltImage image;
+  image.sections = {{".data", kWritableData, BuildArchive({{"writable", "1"}})},
+                    {isOld ? ".rdata" : "\x1B\x7F\xC2\x9B", kReadOnlyData,
+                     BuildArchive({{"a" + kUnsafeName + ".inf", Inf(isOld ? "02" : "01", unsafe)},
+                                   {"same" + kUnsafeName, tag},
+                                   {tag + kUnsafeName, BuildImage(driver)},
+                                   {"c.cat", catalog},
+                                   {(isOld ? "renamed" : "RENAMED") + kUnsafeName, isOld ? "" : "\r\n"}})},
+                    {".rdata", kReadOnlyData, BuildArchive(bodies)}};
+  AddResource(kwa::kResourceTypeVersion, version, image);
+  std::string bytes = BuildImage(image);
+  // The order of the table of sections is not that of the archives.
+  const auto table = bytes.begin() + static_cast<std::ptrdiff_t>(bytes.find(".data"));
+  std::swap_ranges(table + 40, table + 80, table + 80);
+  return bytes;
 }
 
-// JSON has a raw control as \\u.
-void ExpectClean(const std::string& text) {
-  EXPECT_TRUE(kwa::IsUtf8(kwa::ByteSpan(text))) << text;
-  for (const char* const raw : {"\x1B", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\r", "\\u"}) {
-    EXPECT_EQ(std::string::npos, text.find(raw)) << text;
+TEST(Report, IsTheExpectedOneWithoutARawText) {
+  const std::string files[] = {Installer(true), Installer(false), BuildArchive({{"abc.txt", "abc"}, {"empty", ""}})};
+  std::vector<kwa::Inspection> inspections;
+  for (const std::string& file : files) {
+    inspections.push_back(kwa::Inspect(kwa::ReadInstallerFile(kwa::ByteSpan(file)).value()));
   }
-}
-
-TEST(Report, NoTextOfAFileIsShownRaw) {
-  const std::string bytes = UnsafeFile('1');
-  const std::string otherBytes = UnsafeFile('2');
-  const kwa::Inspection inspection = Inspection(bytes);
-  const kwa::Inspection other = Inspection(otherBytes);
-  kwa::Verification verification = kwa::VerifyInstaller(inspection.installer, {});
+  const kwa::Inspection& old = inspections[0];
+  kwa::Verification verification = {{}, old.files[3].trust.signatures};
   verification.findings.AddError("where" + kUnsafe, "what" + kUnsafe, "code");
-  const kwa::Comparison comparison = kwa::Compare(inspection, other);
+  verification.findings.AddWarning("", "something", "other-code");
+  kwa::Comparison comparison = kwa::Compare(old, inspections[1]);
+  const std::string comparisonText = kwa::CompareText(comparison);
+  comparison.configuration.resize(1);  // the others are alike
   const std::string name = "a" + kUnsafe;
-  const std::pair<std::string, std::size_t> reports[] = {
-      // and how many unsafe texts are in them at least
-      {kwa::ListText(name, inspection, 0), 9},
-      {kwa::ListJson(name, inspection), 11},
-      {kwa::BillOfMaterials(name, inspection), 8},
-      {kwa::CompareText(comparison), 20},
-      {kwa::CompareJson(comparison), 20},
-      {kwa::VerifyText(name, verification) + kwa::VerifyText(name, {}), 13},
-      {kwa::VerifyJson(name, verification), 13},
+  const std::pair<const char*, std::string> reports[] = {
+      {"list.txt", kwa::ListText(name, old, 0)},
+      {"list_80.txt", kwa::ListText(name, old, 80)},
+      {"list.json", kwa::ListJson(name, old)},
+      {"list_archive.txt", kwa::ListText(name, inspections[2], 0)},
+      {"list_archive.json", kwa::ListJson(name, inspections[2])},
+      {"bill.json", kwa::BillOfMaterials(name, inspections[1])},
+      {"compare.txt", comparisonText},
+      {"compare.json", kwa::CompareJson(comparison)},
+      {"compare_back.txt", kwa::CompareText(kwa::Compare(inspections[1], old))},
+      {"verify.txt", kwa::VerifyText(name, verification)},
+      {"verify.json", kwa::VerifyJson(name, verification)},
   };
-  for (const auto& [report, count] : reports) {
-    ExpectClean(report);
-    std::size_t found = 0;
-    for (std::size_t at = 0; (at = report.find("x7F", at)) != std::string::npos; ++at) {
-      ++found;
+  for (const auto& [file, report] : reports) {
+    const std::string expected = KWA_SOURCES "/tests/kwapayload/report/expected/" + std::string(file);
+    if (!std::filesystem::exists(expected) || report != ReadWholeFile(expected)) {
+      WriteWholeFile(file, report);
+      ADD_FAILURE() << "not the expected report: compare " << expected << " with "
+                    << std::filesystem::absolute(file).string();
     }
-    EXPECT_LE(count, found) << report;
+    EXPECT_TRUE(kwa::IsUtf8(kwa::ByteSpan(report))) << file;
+    // JSON has a raw control as \\u.
+    for (const char* const raw : {"\x1B", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\r", "\\u"}) {
+      EXPECT_EQ(report.find(raw), std::string::npos) << file;
+    }
   }
-  ExpectPart(reports[0].first, "Vireo1" + kEscaped + "\n");
-  ExpectPart(reports[0].first, "same" + kEscapedName);
+}
+
+// The catalog of only one of two packages can be the same file in both.
+TEST(Report, ASignerWithoutANameIsAChange) {
+  kwa::InspectedFile before = {};
+  kwa::InspectedFile after = {};
+  after.trust.signatures = {{"", {}, false, {}}};
+  const std::vector<kwa::Change> changes = kwa::FileChanges({&before, &after});
+  ASSERT_EQ(1U, changes.size());
+  EXPECT_EQ("a signer without a name", changes[0].after);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include "pe/built_image.h"
 #include "temporary_folder.h"
-#include "trust/built_signature.h"
 #include "verify/faulty_file.h"
 
 namespace {
@@ -35,22 +34,11 @@ constexpr std::size_t kSecondEntry = 8 + 264;
 constexpr std::size_t kBodies = kSecondEntry + 264;
 constexpr std::size_t kTerminator = kBodies + 8 + 4;
 
-// More files than findings are kept, and what is kept.
-FaultyFile ManyFiles() {
-  return {[] { return BuildArchive(std::vector<ArchiveBody>(1001, {"a/b", ""})); }};
-}
-
+// What is kept of 1001 findings.
 std::vector<Found> ManyFindings() {
   std::vector<Found> findings(1000, {"name-unfit", "a/b"});
   findings.push_back({"more-findings", ""});
   return findings;
-}
-
-std::string ProgramWithBrokenSignature() {
-  BuiltImage image;
-  image.sections = {{".text", kCode, "code"}};
-  image.directories[4] = {static_cast<std::uint32_t>(BuildImage(image).size()), 9};
-  return BuildImage(image) + WordBytes(9) + WordBytes(0x00020200) + "x";
 }
 
 // finding_codes_test compares the codes with those in the sources.
@@ -60,7 +48,7 @@ const Row kRows[] = {
     {"none, without a list", Unlisted(Installer([](InstallerImage&) {})), {}},
 
     // The archives.
-    {"count", Installer([](InstallerImage& image) { image.SetCount(image.B(), 6); }),
+    {"count", Installer([](InstallerImage& image) { image.SetWord(image.B() + 4, 6); }),
      {{"archive-count", ""}, {"name-not-zero-filled", kArchive}}},
     {"cut off", Installer([](InstallerImage& image) { image.Resize(image.Find("Panorama.exe").bodyPosition + 1000); }),
      {{"truncated", "section .payload"}, {"body-past-end", kArchive}}},
@@ -74,7 +62,7 @@ const Row kRows[] = {
     {"no terminator", InArchive(kTerminator, "x"), {{"closing-word", ""}}},
     {"more after the terminator", InArchive(kTerminator + 4, "x"), {{"trailing-bytes", "", kWarning}}},
     {"padding", InBody("marlin_usb.cat", 11519, "x"), {{"padding", "archive A, marlin_usb.cat", kWarning}}},
-    {"more findings than are kept", ManyFiles(), ManyFindings()},
+    {"more findings than are kept", {[] { return BuildArchive(std::vector<ArchiveBody>(1001, {"a/b", ""})); }}, ManyFindings()},
 
     // The list of contents and the files that the installer names.
     {"folder in a name", Renamed("dpinst.exe", "dp\\nst.exe"), {{"name-unfit", "archive B, dp\\nst.exe"}}},
@@ -83,16 +71,16 @@ const Row kRows[] = {
     {"name out of order", Renamed("kwa.bmp", "dwa.bmp"),
      {{"order", "archive B, dwa.bmp", kWarning}, {"unexpected-file", "archive B, dwa.bmp"},
       {"not-used", "archive B, dwa.bmp", kWarning}}},
-    {"size", Installer([](InstallerImage& image) { image.SetSize(image.Find("eula_en.txt"), 4004); }),
+    {"size", Installer([](InstallerImage& image) { image.SetWord(image.Find("eula_en.txt").entryPosition + 260, 4004); }),
      {{"size", "archive B, eula_en.txt"}, {"line-ends", "archive B, eula_en.txt", kWarning}}},
-    {"driver of the wrong machine", InCarriedHeader("marlin_usb_64.sys", 4, "\x4C\x01"), 
+    {"driver of the wrong machine", InHeader(4, "\x4C\x01", "marlin_usb_64.sys"),
      {{"kind", "archive A, marlin_usb_64.sys"}, {"driver-machine", "archive A, marlin_usb_64.sys"}}},
     {"bitmap of other geometry", InBody("kwa.bmp", 18, "2"),
      {{"kind", "archive B, kwa.bmp"}, {"companion-kind", "archive B, kwa.bmp"}}},
     {"missing, without a list", Unlisted(Renamed("eula_de.txt", "eula_da.txt")), 
      {{"missing-file", "eula_de.txt"}, {"not-used", "archive B, eula_da.txt", kWarning}}},
-    {"wrong machine, without a list", Unlisted(InCarriedHeader("dpinst64.exe", 4, "\x4C\x01")), {{"companion-kind", "archive B, dpinst64.exe"}}},
-    {"DPInst without a signature", Unlisted(InCarriedHeader("dpinst.exe", 152, std::string(8, '\0'))), {{"dpinst-unsigned", "archive B, dpinst.exe"}}},
+    {"wrong machine, without a list", Unlisted(InHeader(4, "\x4C\x01", "dpinst64.exe")), {{"companion-kind", "archive B, dpinst64.exe"}}},
+    {"DPInst without a signature", Unlisted(InHeader(152, std::string(8, '\0'), "dpinst.exe")), {{"dpinst-unsigned", "archive B, dpinst.exe"}}},
     {"a configuration", Unlisted(Renamed("kwa.bmp", "DPINST.XML")),
      {{"order", "archive B, DPINST.XML", kWarning}, {"missing-file", "kwa.bmp"}, {"dpinst-xml-carried", "archive B, DPINST.XML"},
       {"not-used", "archive B, DPINST.XML", kWarning}}},
@@ -160,7 +148,7 @@ const Row kRows[] = {
      }), {{"timestamp-broken", "a.cat", kWarning}}},
     {"catalog of other files", Package({}, [](PackageFiles& files) { files["a.cat"] = CatalogOf({"other"}); }),
      {{"catalog-of-other-files", "a.cat", kWarning}, {"not-in-catalog", "a.inf"}, {"not-in-catalog", "a.sys"}}},
-    {"signature of a program", Package({}, [](PackageFiles& files) { files["p.exe"] = ProgramWithBrokenSignature(); }),
+    {"signature of a program", Package({}, [](PackageFiles& files) { files["p.exe"] = WithTable(Program(), "x"); }),
      {{"not-used", "p.exe", kWarning}, {"signature-broken", "p.exe"}}},
 
     // The program.
@@ -187,7 +175,7 @@ const Row kRows[] = {
     {"version record", InProgram(Utf16("VS_VERSION_INFO"), Utf16("VS_VERSION_INFX")), {{"version-damaged", "executable"}}},
     // The number is 16 bytes after the signature of the fixed part.
     {"product version",
-     Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE", image.A().position) + 18, "\x02"); }),
+     Installer([](InstallerImage& image) { image.SetText(image.Bytes().rfind("\xBD\x04\xEF\xFE", image.A()) + 18, "\x02"); }),
      {{"versions-differ", "executable, version record"}}},
     {"version text", InProgram(kVersionText + Utf16("1.0"), kVersionText + Utf16("1.") + Utf16({0})),
      {{"versions-differ", "executable, version record"}}},
