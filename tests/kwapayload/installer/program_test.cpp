@@ -54,7 +54,10 @@ TEST(ReadProgram, IsTheSameAroundAnotherPayloadAndSignature) {
   const std::pair<void (*)(Parts&), std::vector<std::string>> cases[] = {
       {[](Parts& parts) { parts.a = std::string(5001, 'a'); }, {}},
       {[](Parts& parts) { parts.isSigned = true; }, {}},
-      {[](Parts& parts) { parts.isSigned = true, parts.beforeSignature = "8 bytes."; },
+      {[](Parts& parts) { parts.isSigned = true, parts.beforeSignature = std::string(7, '\0'); }, {}},
+      {[](Parts& parts) { parts.isSigned = true, parts.beforeSignature = std::string(8, '\0'); },
+       {"the bytes after the last section"}},
+      {[](Parts& parts) { parts.isSigned = true, parts.beforeSignature = "7 bytes"; },
        {"the bytes after the last section"}},
       {[](Parts& parts) { parts.code = "\xC2"; }, {".text"}},
       {[](Parts& parts) { parts.afterArchives = "x"; }, {".payload", "the places of the archives"}},

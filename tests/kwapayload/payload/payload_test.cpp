@@ -78,7 +78,8 @@ TEST(FindArchives, DistinguishesSoundAndBroken) {
 TEST(EntryName, GoodAndBadNames) {
   // A word of the reason, and the names with it.
   const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {"", {"marlin_usb.inf", ".x", "COM10", "nul_.txt", "xNUL", "~!@#$%^&()[]{}'`,=+-", std::string(259, 'n')}},
+      {"",
+       {"marlin_usb.inf", ".x", "COM10", "comx", "nul_.txt", "xNUL", "~!@#$%^&()[]{}'`,=+-", std::string(259, 'n')}},
       {"260", {std::string(260, 'n')}},
       {"empty", {""}},
       {"dot", {"..", "a "}},

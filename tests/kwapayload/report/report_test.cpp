@@ -1,13 +1,16 @@
 // The reports of files with hostile texts wherever a file can have them, compared with those in expected/.
 
 #include <gtest/gtest.h>
+#include <utf8.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "built_archive.h"
 #include "pe/built_image.h"
 #include "pe/pe_resources.h"
 #include "report/bill_of_materials.h"
+#include "report/escaped_text.h"
 #include "report/json_report.h"
 #include "report/list_report.h"
 #include "report/text_report.h"
@@ -54,7 +57,7 @@ std::string Installer(bool isOld) {
   image.sections = {{".data", kWritableData, BuildArchive({{"writable", "1"}})},
                     {isOld ? ".rdata" : "\x1B\x7F\xC2\x9B", kReadOnlyData,
                      BuildArchive({{"a" + kUnsafeName + ".inf", Inf(isOld ? "02" : "01", unsafe)},
-                                   {"same" + kUnsafeName, tag},
+                                   {"same" + kUnsafeName, tag + "\nin both\n"},
                                    {tag + kUnsafeName, BuildImage(driver)},
                                    {"c.cat", catalog},
                                    {(isOld ? "renamed" : "RENAMED") + kUnsafeName, isOld ? "" : "\r\n"}})},
@@ -107,6 +110,19 @@ TEST(Report, IsTheExpectedOneWithoutARawText) {
       EXPECT_EQ(report.find(raw), std::string::npos) << file;
     }
   }
+}
+
+TEST(Escaped, IsASafeTextForEachCodePointThatIsNot) {
+  constexpr std::uint32_t kSurrogates = 0xD800;
+  std::size_t escapedCount = 0;
+  for (std::uint32_t character = 0; character <= 0x10FFFF; character += character + 1 == kSurrogates ? 0x801 : 1) {
+    std::string text;
+    utf8::append(character, std::back_inserter(text));
+    escapedCount += kwa::Escaped(text) == text ? 0 : 1;
+  }
+  const std::size_t controls = 32 + 33;
+  const std::size_t invisibleOrBidirectional = 1 + 5 + 7 + 16 + 1 + 3 + 128;
+  EXPECT_EQ(controls + invisibleOrBidirectional, escapedCount);
 }
 
 // The catalog of only one of two packages can be the same file in both.
