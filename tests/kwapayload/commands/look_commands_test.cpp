@@ -117,6 +117,10 @@ TEST_F(Look, PreviewIsTheExpectedConfiguration) {
 
 TEST_F(Look, ComparePrintsDifferencesAndNothingElse) {
   InstallerImage image;
+  const std::size_t padding = image.Find("marlin_usb.cat").bodyPosition + 11519;
+  image.SetText(padding, "x");
+  const std::string padded = MakeFile("padded.exe", image.Bytes());
+  image.SetText(padding, {'\0'});
   const std::size_t inf = image.Find("marlin_usb.inf").bodyPosition;
   image.SetText(image.Bytes().find("\"Marlin USB\"", inf), "\"Vireo +USB\"");
   image.SetText(image.Bytes().find("02/13/2014", inf), "03/01/2014,1.0.43.0");
@@ -126,6 +130,9 @@ TEST_F(Look, ComparePrintsDifferencesAndNothingElse) {
     std::string output;
   } cases[] = {
       {KWA_INSTALLER, 0, ""},
+      {padded, 1,
+       "changed: marlin_usb.cat: padding none -> 78\n"
+       "driver version: the same in both; Setup does not take the new package for a newer one\n"},
       {MakeFile("next.exe", image.Bytes()), 1,
        "changed: marlin_usb.inf: in the catalog yes -> NO\n"
        "package: version 02/13/2014,1.0.42.0 -> 03/01/2014,1.0.43.0; display name Marlin USB -> Vireo +USB\n"
