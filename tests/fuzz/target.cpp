@@ -68,7 +68,8 @@ void ReadExecutable(const kwa::PeImage& image) {
 }
 
 void ReadArchives(kwa::ByteSpan bytes) {
-  for (const kwa::ParsedArchive& archive : kwa::FindArchives(bytes).sound) {
+  const kwa::FoundArchives found = kwa::FindArchives(bytes);
+  for (const kwa::ParsedArchive& archive : found.sound) {
     // A sound archive has every byte that it promises.
     for (const kwa::ArchiveItem& item : archive.items) {
       Require(bytes.Contains(item.fileOffset, item.body.Size() + item.padding.Size()));

@@ -26,7 +26,7 @@ struct ChangedHardware {
   std::vector<std::string> added;
 };
 
-// How Setup ranks the second DriverVer against the first.
+// How Setup ranks the second DriverVer against the first. The JSON report has words for the values in this order.
 enum class VersionOrder { Unknown, Older, Same, Newer };
 
 // All that differs between two installers, or two archives, for somebody who reviews a release. The two inspections own

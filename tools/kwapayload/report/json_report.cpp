@@ -1,5 +1,6 @@
 #include "report/json_report.h"
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 
 #include "report/escaped_text.h"
@@ -129,12 +130,12 @@ ordered_json FindingJson(const Finding& finding) {
           {"what", Escaped(finding.what)}};
 }
 
-}  // namespace
+ordered_json OrderJson(VersionOrder order) {
+  constexpr const char* kWords[] = {"", "older", "same", "newer"};
+  return TextOrNull(kWords[static_cast<std::size_t>(order)]);
+}
 
-NLOHMANN_JSON_SERIALIZE_ENUM(VersionOrder, {{VersionOrder::Unknown, nullptr},
-                                            {VersionOrder::Older, "older"},
-                                            {VersionOrder::Same, "same"},
-                                            {VersionOrder::Newer, "newer"}})
+}  // namespace
 
 std::string ListJson(const std::string& file, const Inspection& inspection) {
   const bool isInstaller = inspection.installer.image.has_value();
@@ -163,7 +164,7 @@ std::string CompareJson(const Comparison& comparison) {
                  {"changed", ListOf(comparison.changed, ChangedFileJson)},
                  {"orderChanged", comparison.isOrderChanged},
                  {"package", ListOf(PackageChanges(comparison), ChangeJson)},
-                 {"driverVersion", comparison.versionOrder},
+                 {"driverVersion", OrderJson(comparison.versionOrder)},
                  {"hardwareIds", ListOf(comparison.hardware, ChangedHardwareJson)},
                  {"installer", ListOf(InstallerChanges(comparison), ChangeJson)},
                  {"programParts", ListOf(comparison.programParts, Escaped)},

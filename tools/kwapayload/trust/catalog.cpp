@@ -55,7 +55,8 @@ ASN1_SEQUENCE(MemberFields) = {
 
 // The text up to a zero; characters beyond ASCII become '?'.
 std::string NarrowText(ByteSpan wide) {
-  return NarrowedUtf16(wide, '?').c_str();
+  const std::string text = NarrowedUtf16(wide, '?');
+  return text.substr(0, text.find('\0'));
 }
 
 // MakeCat knows no other algorithms (learn.microsoft.com, "MakeCat", HashAlgorithms).
