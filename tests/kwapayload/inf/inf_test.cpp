@@ -93,6 +93,7 @@ TEST(SetupInf, SaysThatALimitIsMet) {
       {Repeated(199999, ","), "inf-too-large"},
       {"a=" + Repeated(5000, "%s%,") + "\n[Strings]\ns=" + std::string(500, 's'), ""},
       {"a=" + Repeated(50000, "%s%,") + "\n[Strings]\ns=" + std::string(500, 's'), "inf-too-large"},
+      {"[Strings]\ns=" + std::string(400, 's') + "\n" + Repeated(6000, "k=" + Repeated(8, "%s%") + "\n"), ""},
   };
   for (const auto& [lines, code] : cases) {
     const std::string inf = kHeader + "[x]\n" + lines;

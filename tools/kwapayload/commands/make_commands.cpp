@@ -1,12 +1,14 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "base/ascii_text.h"
 #include "commands/commands.h"
 #include "files/extraction.h"
 #include "files/installer_input.h"
@@ -14,7 +16,6 @@
 #include "files/payload_folder.h"
 #include "files/tool_failure.h"
 #include "installer/preview.h"
-#include "package/driver_package.h"
 #include "payload/payload_contents.h"
 #include "verify/verification.h"
 
@@ -78,21 +79,23 @@ void WriteText(const std::filesystem::path& path, const std::string& text) {
 }
 
 int RunContents(const ContentsOptions& options) {
-  const InstallerInput input(options.folder);
-  if (input.Installer().form != InputForm::PayloadFolder) {
-    throw ToolFailure(options.folder, "is not a payload folder with a and b");
-  }
-  const std::vector<ArchiveItem>& items = input.Installer().items;
+  PayloadContents contents;
   std::vector<FileFault> faults;
-  for (const ArchiveItem& item : items) {
-    const ArchiveItem* const first = FindItem(items, item.name);
-    if (first != &item) {
-      faults.push_back({options.folder / "b" / item.name,
-                        "is the same name for Windows as " + (options.folder / "a" / first->name).string()});
-    }
+  std::map<std::string, std::filesystem::path> known;  // by upper-case name
+  for (const char archive : {'A', 'B'}) {
+    const std::filesystem::path folder = options.folder / (archive == 'A' ? "a" : "b");
+    CollectFaults(&faults, [&] {
+      const PayloadFolder files(folder, archive);
+      for (const ContentsFile& file : ContentsOf(files.Items())) {
+        if (const auto [other, isNew] = known.emplace(UpperCase(file.name), folder / file.name); !isNew) {
+          faults.push_back({folder / file.name, "is the same name for Windows as " + other->second.string()});
+        }
+        contents.push_back(file);
+      }
+    });
   }
   ThrowFaults(std::move(faults));
-  WriteText(options.output, ContentsText(ContentsOf(items)));
+  WriteText(options.output, ContentsText(contents));
   return kExitInOrder;
 }
 

@@ -11,7 +11,7 @@
 namespace kwa {
 
 // The FILE of a command: an installer, signed or not, a payload archive, a payload folder with a and b, or the folder
-// of a driver package. Throws ToolFailure when it cannot be read or is none of them.
+// of a driver package. Throws ToolFailure when it cannot be read or is none of them, with every fault of a folder.
 class InstallerInput {
  public:
   explicit InstallerInput(const std::filesystem::path& filePath);

@@ -29,7 +29,8 @@ constexpr std::array<int, 4> kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGBUS};
 constexpr std::size_t kBufferSize = 128 * 1024;
 
 // The path of the temporary file, for a signal's handler, which may call next to nothing. No command writes two files
-// at a time. An unlink too many does no harm, so the path is set before the file is there, and until it is gone.
+// at a time. The path is set before the file exists and until it is gone: to unlink no file does no harm, and hardly
+// ever has another file this random name.
 std::atomic<const char*> temporaryPath;
 static_assert(std::atomic<const char*>::is_always_lock_free);
 
@@ -90,7 +91,8 @@ void OutputFile::Commit() {
     throw ToolFailure(target, WithSystemText("cannot be written", errno));
   }
   std::error_code error;
-  if (existing == Existing::Kept && std::filesystem::exists(std::filesystem::symlink_status(target, error))) {
+  if (existing == Existing::Kept &&
+      std::filesystem::symlink_status(target, error).type() != std::filesystem::file_type::not_found) {
     throw ToolFailure(target, "cannot be created: it exists by now");
   }
   std::filesystem::rename(temporary, target, error);

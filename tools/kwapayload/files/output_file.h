@@ -11,7 +11,7 @@ enum class Existing { Replaced, Kept };
 
 // A file that appears under its name complete or not at all. It is written as a temporary file in the same folder, and
 // Commit renames it. Without Commit, the temporary file is removed and a file that already has the name stays as it is.
-// Every failure is thrown as ToolFailure. There is one at a time.
+// Every failure is thrown as ToolFailure. At most one object exists at a time.
 class OutputFile {
  public:
   // Creates the temporary file. If the target exists, it must be a regular file.
@@ -22,8 +22,8 @@ class OutputFile {
 
   void Write(std::string_view bytes);
 
-  // Closes the temporary file and gives it its name. Fails where a file that is to be kept has that name by now. Called
-  // at most once.
+  // Closes the temporary file and gives it its name. Fails where a file that is to be kept has that name by now; only
+  // one that appears in the very moment of the renaming is lost. Called at most once.
   void Commit();
 
  private:

@@ -14,6 +14,9 @@
 namespace kwa {
 namespace {
 
+// The longest path of Windows. Thousands of files can be in the folder of one disk.
+constexpr std::size_t kMaxPath = 260;
+
 // Texts in their order, each once without regard to case.
 struct UniqueTexts {
   std::vector<std::string> texts;
@@ -99,7 +102,7 @@ std::optional<std::uint32_t> DiskNumber(std::string_view text) {
 // A folder without backslashes around it, or "" for ".", the folder of the INF.
 std::string Folder(const std::string& value) {
   const std::string_view folder = Trimmed(value, " \t\\");
-  return folder == "." ? "" : std::string(folder);
+  return folder == "." ? "" : std::string(folder.substr(0, kMaxPath));
 }
 
 // Microsoft, "INF SourceDisksFiles Section" and "INF SourceDisksNames Section": Setup looks into the section for the

@@ -22,7 +22,7 @@ struct InfSourceFile {
   std::string name;
   std::string disk;    // the number of its disk, as written
   bool isDiskListed;   // whether [SourceDisksNames] has that number
-  std::string folder;  // where Setup looks for the file, relative to the INF; "" for the folder of the INF
+  std::string folder;  // where Setup looks for the file, relative to the INF, up to 260 characters; "": beside the INF
   std::size_t line;
 };
 

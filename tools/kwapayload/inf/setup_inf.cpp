@@ -28,16 +28,16 @@ std::string Substituted(std::string_view value, const Strings& strings) {
   return whole.substr(0, kMaxField);
 }
 
-// Setup does not look for names in what it inserts.
+// Setup does not look for names in what it inserts, so the values of [Strings] remain as they are.
 void SubstituteAll(InfParts* parts) {
   Strings strings = {{"", "%"}};
   for (const InfLine& line : parts->sections["STRINGS"]) {
     strings.emplace(UpperCase(line.key), line.values.front());
   }
-  for (auto& section : parts->sections) {
-    for (InfLine& line : section.second) {
+  for (auto& [name, lines] : parts->sections) {
+    for (InfLine& line : lines) {
       for (std::string& value : line.values) {
-        if (value.find('%') != std::string::npos && parts->AreLimitsKept()) {
+        if (name != "STRINGS" && value.find('%') != std::string::npos && parts->AreLimitsKept()) {
           value = Substituted(value, strings);
           parts->textSize += value.size();
         }

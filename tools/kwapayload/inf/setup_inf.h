@@ -19,7 +19,7 @@ constexpr std::size_t kMaxField = 4095;
 struct InfLine {
   std::size_t number;               // from 1; the first line of an entry that continues on other lines
   std::string key;                  // without substitution, as Setup compares it; "" if there is none
-  std::vector<std::string> values;  // with the texts of [Strings]; at least one
+  std::vector<std::string> values;  // at least one, but for the line that FindLine gives for none
 
   // The value at an index from 0, or "" after the last one.
   std::string Value(std::size_t index) const { return index < values.size() ? values[index] : ""; }
@@ -30,8 +30,8 @@ struct InfParts {
   // Adds a fault, unless there is one with this code. The number of a line is 0 for the file as a whole.
   void AddFault(Severity severity, const char* code, std::size_t line, const char* what);
 
-  // The limits of entries and headers, values, and bytes are far above what an INF has, so that no file costs much
-  // time or memory.
+  // Whether there are at most 100,000 entries and headers, 200,000 values and 16 MB of text. An INF has far less, and
+  // no file may cost much time or memory.
   bool AreLimitsKept() const { return lineCount <= 100000 && valueCount <= 200000 && textSize <= 16 << 20; }
 
   std::map<std::string, std::vector<InfLine>> sections;  // by upper-case name
@@ -39,10 +39,10 @@ struct InfParts {
   std::size_t lineNumber = 1;  // where the reader is; a line that continues the one before counts
   std::size_t lineCount = 0;
   std::size_t valueCount = 0;
-  std::size_t textSize = 0;  // of all that is kept
+  std::size_t textSize = 0;  // bytes; a value counts again after substitution
 };
 
-// Reads lines and fields as they are written, until a limit is met.
+// Reads lines and fields as they are written, without the texts of [Strings], until a limit is met.
 InfParts ParseInf(std::string_view text);
 
 // An INF as Setup (SetupAPI) reads it. Sections of one name are one section. Names of sections and keys are compared

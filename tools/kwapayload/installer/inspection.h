@@ -54,9 +54,13 @@ struct Inspection {
   std::vector<InspectedFile> files;      // one for each item of the installer, in that order
 };
 
+// Reads the program alone.
+//
 // installer  a sound one: its findings have no error
 Program ReadProgram(const InstallerFile& installer);
 
+// Reads everything.
+//
 // installer  likewise
 Inspection Inspect(InstallerFile installer);
 

@@ -44,7 +44,7 @@ struct PackageCatalog {
 
 // What vouches for a carried file.
 struct FileTrust {
-  std::shared_ptr<const PackageCatalog> catalog;  // what the file is as a catalog of the package, or null
+  std::shared_ptr<const PackageCatalog> catalog;  // null for what is no catalog of the package; carried
   std::vector<Signature> signatures;              // those of the file itself; of a catalog, the catalog's
   std::optional<bool> isCovered;                  // by all catalogs that must; nothing where none must or can be read
   std::vector<std::string> uncoveringNames;       // the catalogs that must cover it and do not

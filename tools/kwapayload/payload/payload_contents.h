@@ -20,9 +20,9 @@ struct ContentsFile {
 // The list of what both archives must hold: archive A before B, each in the order of its upper-case names.
 using PayloadContents = std::vector<ContentsFile>;
 
-// Reads a list of contents (payload/contents.json is one), or gives every fault: not JSON, a field that is missing or
-// of the wrong type, a name that an archive must not hold or that is there twice without regard to case. Other fields
-// are ignored.
+// Reads a list of contents (payload/contents.json is one), or gives every fault, as raw text: not JSON, a field that is
+// missing or of the wrong type, a name that an archive must not hold or that is there twice without regard to case.
+// Other fields are ignored.
 tl::expected<PayloadContents, std::vector<std::string>> ReadPayloadContents(ByteSpan text);
 
 // A list of contents in the form of payload/contents.json: one line a file, so that a changed file is a changed line.

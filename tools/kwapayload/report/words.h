@@ -24,7 +24,7 @@ std::string CoverageText(const InspectedFile& file);
 // The version of a version record, such as "1.0.42.0".
 std::string VersionText(const std::optional<VersionRecord>& version);
 
-// A text of a version record, raw.
+// The text of a version record for a key, raw; "" where there is none.
 std::string RecordText(const std::optional<VersionRecord>& version, const char* key);
 
 // The names that the wizard shows for a device family, without the line feeds.
