@@ -8,7 +8,7 @@
 namespace kwa {
 namespace {
 
-// What is told of a thing: names and texts. All things of a kind have the same names.
+// The facts of a thing, each with its name. All things of a kind have the same names.
 using Facts = std::vector<std::pair<const char*, std::string>>;
 
 std::vector<Change> Differences(const Facts& before, const Facts& after) {
