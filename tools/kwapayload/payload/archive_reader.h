@@ -47,7 +47,7 @@ struct BrokenArchive {
 // file or in a program's data, does not count, nor does an archive within a body of another.
 struct FoundArchives {
   std::vector<ParsedArchive> sound;   // the search ends with the third: an installer has two
-  std::vector<BrokenArchive> broken;  // at most 16
+  std::vector<BrokenArchive> broken;  // those before its end, at most 16
 };
 FoundArchives FindArchives(ByteSpan area);
 

@@ -27,7 +27,7 @@ std::string VersionText(const std::optional<VersionRecord>& version);
 // The text of a version record for a key, raw; "" where there is none.
 std::string RecordText(const std::optional<VersionRecord>& version, const char* key);
 
-// The names that the wizard shows for a device family, without the line feeds.
+// The parts of the wizard's list of devices for a family, without the line feeds.
 std::vector<std::string> DeviceNames(const DeviceFamily& family, bool isGerman);
 
 // A fact that differs.
